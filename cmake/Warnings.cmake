@@ -1,0 +1,10 @@
+# Warnings and sanitizers shared by every target of Vorkam.
+add_library(vorkam_warnings INTERFACE)
+target_compile_options(vorkam_warnings INTERFACE -Wall -Wextra -Wpedantic)
+if(VORKAM_WERROR)
+  target_compile_options(vorkam_warnings INTERFACE -Werror)
+endif()
+if(VORKAM_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+  add_link_options(-fsanitize=address,undefined)
+endif()

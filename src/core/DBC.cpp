@@ -1,0 +1,52 @@
+#include "DBC.h"
+
+#include "DatabaseFile.h"
+#include "ProgramSettings.h"
+
+DBC& DBC::instance()
+{
+    static DBC dbc;
+    return dbc;
+}
+
+DBC::~DBC() { SuljeDB(); }
+
+QSqlDatabase DBC::openFile(const QString& path)
+{
+    ++m_openCount;
+    m_connection = QStringLiteral("DBC_%1").arg(m_openCount);
+    // The start-up has checked the file already; a failed open gives a closed database.
+    const OpenResult result = DatabaseFile::open(path, m_connection);
+    if (!result)
+        return QSqlDatabase();
+    return QSqlDatabase::database(m_connection, false);
+}
+
+QSqlDatabase DBC::AvaaDB()
+{
+    const QString& setting = ProgramSettings::installation().Database;
+    if (!m_open) {
+        // Another connection may still be held after a switch: drop it before opening anew.
+        if (!m_connection.isEmpty())
+            DatabaseFile::close(m_connection);
+        m_path = setting;
+        QSqlDatabase db = openFile(m_path);
+        m_open = db.isOpen();
+        return db;
+    }
+    if (m_path == setting)
+        return QSqlDatabase::database(m_connection, false);
+    m_path = setting;
+    SuljeDB();
+    // Deliberately left not open, so that the next call opens the file once more.
+    return openFile(setting);
+}
+
+void DBC::SuljeDB()
+{
+    m_path.clear();
+    m_open = false;
+    if (!m_connection.isEmpty())
+        DatabaseFile::close(m_connection);
+    m_connection.clear();
+}

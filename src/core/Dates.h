@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+
+// Dates as Finnish users type and read them ("5.9.2011") and as Vorkam stores them.
+namespace Dates {
+
+// "d.M.yyyy", also "d.M.yy" (00–29 → 2000s, 30–99 → 1900s). Invalid input gives an invalid QDate.
+QDate parse(const QString& text);
+// "5.9.2011"; an invalid date gives "".
+QString format(const QDate& date);
+
+// Storage form "YYYY-MM-DD"; NULL/empty or malformed text reads as an invalid date.
+QString toSql(const QDate& date);
+QDate fromSql(const QString& text);
+
+// Date literal of report selection formulas and older SQL texts: "#9/5/2011#"; "" when invalid.
+QString sqlLiteral(const QDate& date);
+
+// The first and last day of the calendar year of `today`.
+QDate yearStart(const QDate& today);
+QDate yearEnd(const QDate& today);
+
+} // namespace Dates

@@ -1,0 +1,243 @@
+#include "Schema.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QStringList>
+#include <QVariant>
+
+namespace {
+
+const char* const CoreTables[] = {
+    R"(CREATE TABLE tl (tlID INTEGER PRIMARY KEY AUTOINCREMENT, tlNumero INTEGER, tlNimi TEXT,
+        tlKuvaus TEXT, tlAlkusaldo INTEGER DEFAULT 0, tlLoppusaldo INTEGER DEFAULT 0))",
+    R"(CREATE TABLE "to" (toID INTEGER PRIMARY KEY AUTOINCREMENT, toNumero INTEGER, toPvm TEXT,
+        toSelite TEXT, toAvaustosite INTEGER NOT NULL DEFAULT 0))",
+    R"(CREATE TABLE toE (toEID INTEGER PRIMARY KEY AUTOINCREMENT, toENumero INTEGER, toEPvm TEXT,
+        toESelite TEXT, toEAvaustosite INTEGER NOT NULL DEFAULT 0))",
+    R"(CREATE TABLE vi (viID INTEGER PRIMARY KEY AUTOINCREMENT, vitoID INTEGER, vitlID INTEGER,
+        viTyyppi TEXT, viArvo INTEGER DEFAULT 0, viSelite TEXT, viAvausvienti INTEGER NOT NULL DEFAULT 0))",
+    R"(CREATE TABLE viE (viEID INTEGER PRIMARY KEY AUTOINCREMENT, viEtoID INTEGER, viEtlID INTEGER,
+        viETyyppi TEXT, viEArvo INTEGER DEFAULT 0, viESelite TEXT, viEAvausvienti INTEGER NOT NULL DEFAULT 0))",
+    R"(CREATE TABLE ma (maID INTEGER PRIMARY KEY AUTOINCREMENT, maNimi TEXT, maTyyppi INTEGER,
+        maSuojattu INTEGER NOT NULL DEFAULT 0))",
+    R"(CREATE TABLE mr (mrID INTEGER PRIMARY KEY AUTOINCREMENT, mrmaID INTEGER, mrTeksti TEXT, mrTilit TEXT,
+        mrKaava TEXT, mrSaldoPuoli TEXT, mrIsEquation INTEGER NOT NULL DEFAULT 0,
+        mrIsLiikevaihto INTEGER NOT NULL DEFAULT 0, mrIsVoitto INTEGER NOT NULL DEFAULT 0,
+        mrBelongsToGroup INTEGER DEFAULT 0, mrGroupOrder INTEGER DEFAULT 0))",
+    R"(CREATE TABLE tula (tulaID INTEGER PRIMARY KEY AUTOINCREMENT, tulaTeksti TEXT, tulaTyyppi INTEGER,
+        tulaMerkki TEXT, tulaIsGroupRow INTEGER NOT NULL DEFAULT 0, tulaToteutunutKuluva INTEGER,
+        tulaToteutunutKuluvaAlusta INTEGER, tulaToteutunutEdellinen INTEGER,
+        tulaToteutunutEdellinenAlusta INTEGER, tulaMuutosAlusta INTEGER, tulaProsMuutos REAL,
+        tulaProsMuutosAlusta REAL, tulaProsLvastaKuluva REAL, tulaProsLvastaKuluvaAlusta REAL))",
+    R"(CREATE TABLE tase (taseID INTEGER PRIMARY KEY AUTOINCREMENT, tasetlID INTEGER, taseteksti TEXT,
+        taseTyyppi INTEGER, taseMerkki TEXT, taseIsGroupRow INTEGER NOT NULL DEFAULT 0, taseviTyyppi TEXT,
+        tasePrintGroup INTEGER, taseAlkusaldo INTEGER, taseLoppusaldo INTEGER,
+        taseLoppusaldoEdellinen INTEGER, taseMuutos INTEGER, taseMuutosEdelliseen INTEGER,
+        taseMuutosProsEdelliseen REAL))",
+};
+
+const QString YesNo = QStringLiteral("INTEGER NOT NULL DEFAULT 0");
+const QString Long = QStringLiteral("INTEGER");
+
+struct AddField {
+    const char* table;
+    const char* field;
+    QString type;
+};
+
+struct CreateTable {
+    const char* table;
+    const char* sql;
+};
+
+const CreateTable TkTable { "tk",
+    "CREATE TABLE tk (tkID INTEGER PRIMARY KEY AUTOINCREMENT, tkTeksti TEXT, tkTyyppi INTEGER, tkParam INTEGER)" };
+const CreateTable SettingsTable { "Settings",
+    "CREATE TABLE Settings (setID INTEGER PRIMARY KEY AUTOINCREMENT, setSection TEXT, setKey TEXT, "
+    "setString TEXT)" };
+const CreateTable TlSaldotTable { "tlSaldot",
+    "CREATE TABLE tlSaldot (tlsID INTEGER PRIMARY KEY AUTOINCREMENT, Tili TEXT, Debet INTEGER, Kredit INTEGER, "
+    "Erotus INTEGER)" };
+const CreateTable TlTarkastelutTable { "tlTarkastelut",
+    "CREATE TABLE tlTarkastelut (tltID INTEGER PRIMARY KEY AUTOINCREMENT, Numero INTEGER, Paiva TEXT, "
+    "Selite TEXT, Debet INTEGER, Kredit INTEGER, Erotus INTEGER)" };
+const CreateTable TpPohjatTable { "tpPohjat",
+    "CREATE TABLE tpPohjat (tpID INTEGER PRIMARY KEY AUTOINCREMENT, Nimi TEXT, Selite TEXT, "
+    "Pikavalinta INTEGER)" };
+const CreateTable VipPohjatTable { "vipPohjat",
+    "CREATE TABLE vipPohjat (vipID INTEGER PRIMARY KEY AUTOINCREMENT, viptlID INTEGER, viptpID INTEGER, "
+    "vipTyyppi TEXT, vipArvo INTEGER)" };
+
+const char* const Indexes[] = {
+    "CREATE INDEX IF NOT EXISTS ix_vi_vitoID ON vi (vitoID)",
+    "CREATE INDEX IF NOT EXISTS ix_vi_vitlID ON vi (vitlID)",
+    "CREATE INDEX IF NOT EXISTS ix_viE_viEtoID ON viE (viEtoID)",
+    "CREATE INDEX IF NOT EXISTS ix_viE_viEtlID ON viE (viEtlID)",
+    "CREATE INDEX IF NOT EXISTS ix_to_toNumero ON \"to\" (toNumero)",
+    "CREATE INDEX IF NOT EXISTS ix_to_toPvm ON \"to\" (toPvm)",
+    "CREATE INDEX IF NOT EXISTS ix_toE_toENumero ON toE (toENumero)",
+    "CREATE INDEX IF NOT EXISTS ix_toE_toEPvm ON toE (toEPvm)",
+    "CREATE INDEX IF NOT EXISTS ix_tl_tlNumero ON tl (tlNumero)",
+    "CREATE INDEX IF NOT EXISTS ix_mr_group ON mr (mrmaID, mrBelongsToGroup, mrGroupOrder)",
+    "CREATE INDEX IF NOT EXISTS ix_Settings_key ON Settings (setSection, setKey)",
+};
+
+QString quoted(const QString& name) { return u'"' + QString(name).replace(u'"', QStringLiteral("\"\"")) + u'"'; }
+
+class Upgrader {
+public:
+    explicit Upgrader(const QSqlDatabase& db)
+        : m_db(db)
+    {
+    }
+
+    // Each returns false when its catalogue call failed; the routine then stops.
+    bool addField(int step, const AddField& f)
+    {
+        if (!Schema::fieldMissing(m_db, QString::fromLatin1(f.table), QString::fromLatin1(f.field)))
+            return true;
+        return exec(step,
+            QStringLiteral("ALTER TABLE %1 ADD COLUMN %2 %3")
+                .arg(quoted(QString::fromLatin1(f.table)), QString::fromLatin1(f.field), f.type));
+    }
+
+    bool createTable(int step, const CreateTable& t)
+    {
+        if (!Schema::tableMissing(m_db, QString::fromLatin1(t.table)))
+            return true;
+        return exec(step, QString::fromLatin1(t.sql));
+    }
+
+    bool recreateQueries(int step)
+    {
+        for (const QString& name : { QStringLiteral("viennit"), QStringLiteral("viennitA"), QStringLiteral("viennitL") }) {
+            if (Schema::queryPresent(m_db, name) && !exec(step, QStringLiteral("DROP VIEW ") + quoted(name)))
+                return false;
+            if (!exec(step, QStringLiteral("CREATE VIEW %1 AS %2").arg(quoted(name), Schema::querySql(name))))
+                return false;
+        }
+        return true;
+    }
+
+    bool exec(int step, const QString& sql)
+    {
+        QSqlQuery q(m_db);
+        if (!q.exec(sql)) {
+            m_result.ok = false;
+            m_result.failedStep = step;
+            m_result.error = q.lastError().text();
+            return false;
+        }
+        if (m_result.appliedSteps.isEmpty() || m_result.appliedSteps.last() != step)
+            m_result.appliedSteps.append(step);
+        return true;
+    }
+
+    Schema::UpgradeResult m_result;
+
+private:
+    QSqlDatabase m_db;
+};
+
+} // namespace
+
+namespace Schema {
+
+bool createCoreTables(const QSqlDatabase& db, QString* error)
+{
+    for (const char* sql : CoreTables) {
+        QSqlQuery q(db);
+        if (!q.exec(QString::fromLatin1(sql))) {
+            if (error)
+                *error = q.lastError().text();
+            return false;
+        }
+    }
+    return true;
+}
+
+bool tableMissing(const QSqlDatabase& db, const QString& table)
+{
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ? COLLATE NOCASE"));
+    q.addBindValue(table);
+    return !(q.exec() && q.next());
+}
+
+bool fieldMissing(const QSqlDatabase& db, const QString& table, const QString& field)
+{
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT 1 FROM pragma_table_info(?) WHERE name = ? COLLATE NOCASE"));
+    q.addBindValue(table);
+    q.addBindValue(field);
+    return !(q.exec() && q.next());
+}
+
+bool queryPresent(const QSqlDatabase& db, const QString& query)
+{
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type = 'view' AND name = ? COLLATE NOCASE"));
+    q.addBindValue(query);
+    return q.exec() && q.next();
+}
+
+QStringList missingCoreTables(const QSqlDatabase& db)
+{
+    QStringList missing;
+    for (const char* name : { "tl", "to", "toE", "vi", "viE", "ma", "mr" })
+        if (tableMissing(db, QString::fromLatin1(name)))
+            missing.append(QString::fromLatin1(name));
+    return missing;
+}
+
+QString querySql(const QString& name)
+{
+    const QString columns = QStringLiteral(
+        "SELECT tl.tlNimi, tl.tlNumero, vi.vitoID, vi.viTyyppi, vi.viArvo, vi.vitlID, vi.viID, vi.viSelite, "
+        "vi.viAvausvienti, vi.viPaatosvienti, vi.viAutomaatti FROM vi INNER JOIN tl ON vi.vitlID = tl.tlID ");
+    if (name == QLatin1String("viennit"))
+        return columns + QStringLiteral("WHERE vi.viAvausvienti = 0");
+    if (name == QLatin1String("viennitA"))
+        return columns + QStringLiteral("WHERE vi.viAvausvienti <> 0");
+    if (name == QLatin1String("viennitL"))
+        return columns + QStringLiteral("WHERE vi.viPaatosvienti <> 0");
+    return {};
+}
+
+UpgradeResult UpdateDatabase(const QSqlDatabase& db)
+{
+    Upgrader u(db);
+    const bool done = u.addField(1, { "vi", "viPaatosvienti", YesNo }) //
+        && u.addField(2, { "viE", "viEPaatosvienti", YesNo }) //
+        && u.addField(3, { "to", "toPaatostosite", YesNo }) //
+        && u.addField(4, { "toE", "toEPaatostosite", YesNo }) //
+        && u.createTable(5, TkTable) //
+        && u.addField(6, { "tula", "tulamrID", Long }) //
+        && u.addField(7, { "tase", "tasemrID", Long }) //
+        // No default: accounts that existed before read as not printed.
+        && u.addField(8, { "tl", "tlPrint", Long }) //
+        && u.createTable(9, SettingsTable) //
+        && u.addField(10, { "ma", "maTulosMaID", Long }) //
+        && u.addField(11, { "vi", "viAutomaatti", YesNo }) //
+        && u.recreateQueries(12) //
+        && u.addField(13, { "viE", "viEAutomaatti", YesNo }) //
+        && u.addField(13, { "to", "toAutomaatti", YesNo }) //
+        && u.addField(13, { "toE", "toEAutomaatti", YesNo }) //
+        && u.createTable(14, TlSaldotTable) //
+        && u.createTable(15, TlTarkastelutTable) //
+        && u.createTable(16, TpPohjatTable) //
+        && u.createTable(17, VipPohjatTable);
+    if (done) {
+        for (const char* sql : Indexes) {
+            QSqlQuery q(db);
+            if (!q.exec(QString::fromLatin1(sql))) {
+                u.m_result.ok = false;
+                u.m_result.error = q.lastError().text();
+                break;
+            }
+        }
+    }
+    return u.m_result;
+}
+
+} // namespace Schema

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QList>
+#include <QSqlDatabase>
+#include <QString>
+
+// The layout of an association database and the routine that brings an older layout up to date.
+namespace Schema {
+
+// Creates the core tables of the oldest layout (tl, to, toE, vi, viE, ma, mr, tula, tase),
+// as every model database has them. UpdateDatabase adds the rest.
+bool createCoreTables(const QSqlDatabase& db, QString* error = nullptr);
+
+bool tableMissing(const QSqlDatabase& db, const QString& table);
+bool fieldMissing(const QSqlDatabase& db, const QString& table, const QString& field);
+bool queryPresent(const QSqlDatabase& db, const QString& query);
+
+// The core tables that must exist before a file is taken for an association database.
+QStringList missingCoreTables(const QSqlDatabase& db);
+
+struct UpgradeResult {
+    bool ok = true;
+    // Steps (1–17) that changed something, in the order they ran.
+    QList<int> appliedSteps;
+    // The step that failed, 0 when none, and the database's error text.
+    int failedStep = 0;
+    QString error;
+};
+
+// Runs the seventeen upgrade steps in their fixed order, each skipped when its table or field
+// exists; the three stored queries are always recreated. A failing step ends the routine:
+// earlier steps stay done and the next run resumes with the first missing item. Finally the
+// indexes that keep queries fast are created when missing.
+UpgradeResult UpdateDatabase(const QSqlDatabase& db);
+
+// The SQL of the stored queries viennit, viennitA and viennitL.
+QString querySql(const QString& name);
+
+} // namespace Schema

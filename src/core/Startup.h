@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+#include <functional>
+
+// The start-up sequence of the main window, without the window: currency check, installation
+// settings, the association choice, opening and checking the database (read-only file,
+// missing file and default database, repair of a damaged file), the schema upgrade and the
+// bookkeeping settings. All messages go through Dialogs.
+class Startup final {
+public:
+    struct Result {
+        bool databaseOpen = false; // opened cleanly and checked
+        bool defaultTaken = false; // the default database replaced a missing one
+        bool repaired = false; // the file was damaged; the repair ran (successfully or not)
+        bool upgraded = false; // UpdateDatabase ran without error
+        QString caption; // the main window's caption
+    };
+
+    // How the currency check formats an amount; the real one uses the system locale.
+    std::function<QString()> formatCurrency;
+    // The date the default fiscal years are computed from.
+    QDate today = QDate::currentDate();
+
+    Startup();
+    Result run();
+
+    static QString caption(bool databaseOpen);
+    static QString currencyWarning();
+
+private:
+    bool openAndCheck(Result& result);
+    void repair(const QString& path, Result& result);
+};

@@ -1,0 +1,116 @@
+#include "frmMain.h"
+#include "ui_frmMain.h"
+
+#include "DBC.h"
+#include "DatabaseCommands.h"
+#include "Dialogs.h"
+#include "Paths.h"
+#include "ProgramEnd.h"
+#include "ProgramSettings.h"
+#include "frmAbout.h"
+
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QPainter>
+#include <QUrl>
+
+namespace {
+
+QPixmap logo()
+{
+    QPixmap pixmap(96, 96);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setBrush(QColor(0x1f, 0x4e, 0x79));
+    p.setPen(Qt::NoPen);
+    p.drawRoundedRect(QRectF(4, 4, 88, 88), 18, 18);
+    p.setPen(Qt::white);
+    QFont font(QStringLiteral("Liberation Sans"));
+    font.setPixelSize(64);
+    font.setBold(true);
+    p.setFont(font);
+    p.drawText(QRectF(4, 4, 88, 88), Qt::AlignCenter, QStringLiteral("V"));
+    return pixmap;
+}
+
+} // namespace
+
+frmMain::frmMain(QWidget* parent)
+    : QMainWindow(parent)
+    , ui(std::make_unique<Ui::frmMain>())
+{
+    ui->setupUi(this);
+    ui->cAboutLumetra->setIcon(QIcon(logo()));
+    setWindowIcon(QIcon(logo()));
+    ui->cTositteet->setDefault(true);
+    ui->cSulje->setShortcut(QKeySequence(QStringLiteral("Alt+F4")));
+
+    // Windows and commands that arrive in later versions are shown but cannot be chosen yet.
+    for (QWidget* w : { static_cast<QWidget*>(ui->cTositteet), static_cast<QWidget*>(ui->cTilit),
+             static_cast<QWidget*>(ui->cTulosJaTase) })
+        w->setEnabled(false);
+    for (QAction* a : { ui->mTositteet, ui->mTulosJaTase, ui->mTilit, ui->mAsetukset, ui->mAvausviennit,
+             ui->mTilinpaatosviennit, ui->mKopiotikkuVarmistus, ui->mKopiotikkuPalautus, ui->mKopioTikkuHallinta,
+             ui->mVarmistusKansioon, ui->mMuokkaaTietokantaa, ui->mLuoTietokantaMallistaYhdistys,
+             ui->mLuoTietokantaMallistaAOY, ui->mLuoTietokantaMallistaLions, ui->mLuoTietokantaMallistaMetalli,
+             ui->mLuoTietokantaNykyisesta, ui->mService })
+        a->setEnabled(false);
+
+    connect(ui->cKayttotuki, &QPushButton::clicked, this, &frmMain::openManual);
+    connect(ui->cSulje, &QPushButton::clicked, this, &frmMain::endProgram);
+    connect(ui->mSulje, &QAction::triggered, this, &frmMain::endProgram);
+    connect(ui->cAboutLumetra, &QToolButton::clicked, this, &frmMain::showAbout);
+    connect(ui->mTietoja, &QAction::triggered, this, &frmMain::showAbout);
+    connect(ui->mVarmistus, &QAction::triggered, this, &frmMain::backupAndReorganize);
+    connect(ui->mPalautus, &QAction::triggered, this, &frmMain::restore);
+}
+
+frmMain::~frmMain() = default;
+
+void frmMain::startUp()
+{
+    Startup startup;
+    m_startup = startup.run();
+    setWindowTitle(m_startup.caption);
+    if (m_startup.databaseOpen) {
+        ui->lblSeura->setText(QStringLiteral("<b>%1</b><br>%2")
+                                  .arg(ProgramSettings::bookkeeping().Seurannimi.toHtmlEscaped(),
+                                      ProgramSettings::installation().Database.toHtmlEscaped()));
+    } else {
+        ui->lblSeura->setText(QStringLiteral("Tietokantaa ei ole avattu."));
+    }
+    ui->mVarmistus->setEnabled(m_startup.databaseOpen);
+}
+
+void frmMain::openManual()
+{
+    Dialogs::instance().openUrl(
+        QUrl::fromLocalFile(Paths::programDir() + QStringLiteral("/kayttoohje/index.html")));
+}
+
+void frmMain::showAbout()
+{
+    frmAbout about(this);
+    about.exec();
+}
+
+void frmMain::backupAndReorganize() { DatabaseCommands::backupAndReorganize(); }
+
+void frmMain::restore()
+{
+    if (DatabaseCommands::restoreFromBackup())
+        endProgram();
+}
+
+void frmMain::endProgram()
+{
+    DBC::instance().SuljeDB();
+    ProgramEnd::request();
+}
+
+void frmMain::closeEvent(QCloseEvent* event)
+{
+    DBC::instance().SuljeDB();
+    event->accept();
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Startup.h"
+
+#include <QMainWindow>
+#include <memory>
+
+namespace Ui {
+class frmMain;
+}
+
+// The main window: the start-up sequence, the large buttons and the menus from which every
+// other window and command is reached.
+class frmMain final : public QMainWindow {
+    Q_OBJECT
+
+public:
+    explicit frmMain(QWidget* parent = nullptr);
+    ~frmMain() override;
+
+    // Runs the start-up sequence and sets the caption. Called once, before the window is shown.
+    void startUp();
+    const Startup::Result& startupResult() const { return m_startup; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void openManual();
+    void showAbout();
+    void backupAndReorganize();
+    void restore();
+    void endProgram();
+
+    std::unique_ptr<Ui::frmMain> ui;
+    Startup::Result m_startup;
+};

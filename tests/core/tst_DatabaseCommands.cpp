@@ -1,0 +1,269 @@
+#include "DBC.h"
+#include "DatabaseCommands.h"
+#include "DatabaseFile.h"
+#include "ProgramSettings.h"
+#include "ScriptedDialogs.h"
+#include "SettingsStore.h"
+#include "TestEnv.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSqlQuery>
+#include <QTest>
+
+namespace {
+
+const QString Done = QStringLiteral("information: Tietokannan varmuuskopiointi ja uudelleenjärjestely valmis.");
+const QString RenameFailed = QStringLiteral("error: Tietokannan uudelleen nimeäminen ei onnistu.");
+const QString FinalRenameFailed = QStringLiteral("error: Korjatun tietokannan uudelleen nimeäminen ei onnistu.");
+const QString StopRestore = QStringLiteral("question: Haluatko keskeyttää tietokannan palautuksen?");
+
+QString startMessage(const QString& folder)
+{
+    return QStringLiteral("information: Aloitetaan tietokannan varmuuskopiointi ja uudelleenjärjestely.\nVarmista "
+                          "että kohde %1 on valmiina.\nKopiointi kestää hetken...")
+        .arg(folder);
+}
+
+int voucherCount(const QString& file)
+{
+    int count = -1;
+    withDatabase(file, [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        if (q.exec(QStringLiteral("SELECT COUNT(*) FROM \"to\"")) && q.next())
+            count = q.value(0).toInt();
+    });
+    return count;
+}
+
+// A database in use with a backup folder, as the main window would have them.
+struct Books {
+    explicit Books(TestEnv& env, const QString& name = QStringLiteral("seura.mdb"))
+        : file(env.path(name))
+        , backupDir(env.path(QStringLiteral("varmistus/")))
+    {
+        QDir().mkpath(backupDir);
+        TestEnv::createDatabase(file);
+        ProgramSettings::installation().Database = file;
+        ProgramSettings::installation().DatabaseBackup = backupDir;
+        DBC::instance().AvaaDB();
+        bytes = TestEnv::readFile(file);
+    }
+    QString file;
+    QString backupDir;
+    QByteArray bytes;
+};
+
+} // namespace
+
+class tst_DatabaseCommands : public QObject {
+    Q_OBJECT
+
+private slots:
+    void workNames_data();
+    void workNames();
+    void backupAndReorganize();
+    void previousFileIsReplaced();
+    void folderWithoutSlashIsGluedToName();
+    void copyFailureLeavesEverything_data();
+    void copyFailureLeavesEverything();
+    void compactionFailure();
+    void renameToPreviousFails();
+    void finalRenameFails();
+    void restoreReplacesAfterQuestion();
+    void restoreCanBeStopped();
+    void restoreRefusesNonDatabase();
+};
+
+void tst_DatabaseCommands::workNames_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("two");
+    QTest::addColumn<QString>("three");
+    QTest::newRow("mdb") << "/koti/seura.mdb" << "/koti/seura.md2" << "/koti/seura.md3";
+    QTest::newRow("last character not b") << "/koti/seura.dat" << "/koti/seura.da2" << "/koti/seura.da3";
+    QTest::newRow("no extension") << "/koti/kirjat" << "/koti/kirja2" << "/koti/kirja3";
+}
+
+void tst_DatabaseCommands::workNames()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, two);
+    QFETCH(QString, three);
+    QCOMPARE(DatabaseCommands::workName(path, u'2'), two);
+    QCOMPARE(DatabaseCommands::workName(path, u'3'), three);
+}
+
+void tst_DatabaseCommands::backupAndReorganize()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    withDatabase(books.file, [](QSqlDatabase& db) {
+        QSqlQuery(db).exec(QStringLiteral("DELETE FROM \"to\" WHERE toNumero > 100"));
+    });
+    const QByteArray before = TestEnv::readFile(books.file);
+    const int vouchers = voucherCount(books.file);
+    // A leftover compacted copy of an interrupted run is replaced.
+    QVERIFY(TestEnv::writeFile(env.path(QStringLiteral("seura.md2")), "keskeytynyt"));
+
+    QVERIFY(DatabaseCommands::backupAndReorganize());
+    QCOMPARE(dialogs.transcript(), (QStringList { startMessage(books.backupDir), Done }));
+    QVERIFY(!DBC::instance().isOpen());
+    QCOMPARE(TestEnv::readFile(books.backupDir + QStringLiteral("seura.mdb")), before);
+    QCOMPARE(TestEnv::readFile(env.path(QStringLiteral("seura.md3"))), before);
+    QVERIFY(!QFile::exists(env.path(QStringLiteral("seura.md2"))));
+    // The compacted database holds the same books in less space.
+    QCOMPARE(voucherCount(books.file), vouchers);
+    QVERIFY(QFileInfo(books.file).size() < before.size());
+    QVERIFY(DBC::instance().AvaaDB().isOpen());
+}
+
+void tst_DatabaseCommands::previousFileIsReplaced()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    QVERIFY(TestEnv::writeFile(env.path(QStringLiteral("seura.md3")), "viime kerta"));
+    QVERIFY(DatabaseCommands::backupAndReorganize());
+    QCOMPARE(dialogs.transcript().last(), Done);
+    QCOMPARE(TestEnv::readFile(env.path(QStringLiteral("seura.md3"))), books.bytes);
+}
+
+void tst_DatabaseCommands::folderWithoutSlashIsGluedToName()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    ProgramSettings::installation().DatabaseBackup = env.path(QStringLiteral("tikku"));
+    QVERIFY(DatabaseCommands::backupAndReorganize());
+    QCOMPARE(TestEnv::readFile(env.path(QStringLiteral("tikkuseura.mdb"))), books.bytes);
+}
+
+void tst_DatabaseCommands::copyFailureLeavesEverything_data()
+{
+    QTest::addColumn<QString>("backupDir");
+    QTest::addColumn<bool>("diskFull");
+    QTest::newRow("missing folder") << "ei-tikkua/" << false;
+    QTest::newRow("disk full") << "varmistus/" << true;
+}
+
+void tst_DatabaseCommands::copyFailureLeavesEverything()
+{
+    QFETCH(QString, backupDir);
+    QFETCH(bool, diskFull);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    ProgramSettings::installation().DatabaseBackup = env.path(backupDir);
+    if (diskFull)
+        FileOps::instance().copy = [](const QString&, const QString&) { return false; };
+    QVERIFY(!DatabaseCommands::backupAndReorganize());
+    const QString copyName = env.path(backupDir) + QStringLiteral("seura.mdb");
+    QCOMPARE(dialogs.transcript().last(),
+        QStringLiteral("error: Tietokantaa ei voida kopioida \nhakemistosta: %1\nhakemistoon: %2\nTarkista "
+                       "asetuksista tietokanta ja varmistushakemistot!\nYritä tämän jälkeen uudestaan.")
+            .arg(books.file, copyName));
+    QCOMPARE(TestEnv::readFile(books.file), books.bytes);
+    QVERIFY(!QFile::exists(env.path(QStringLiteral("seura.md2"))));
+    QVERIFY(!QFile::exists(env.path(QStringLiteral("seura.md3"))));
+}
+
+void tst_DatabaseCommands::compactionFailure()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    // The compacted copy's name is taken by a folder that cannot be removed.
+    QDir().mkpath(env.path(QStringLiteral("seura.md2/sisalto")));
+    QVERIFY(!DatabaseCommands::backupAndReorganize());
+    QVERIFY(dialogs.transcript().last().startsWith(
+        QStringLiteral("error: Tietokannan uudelleenjärjestely ei onnistunut. Palauta tietokanta varmuuskopiolta "
+                       "ennen kuin jatkat Vorkamin käyttöä.\n")));
+    QCOMPARE(TestEnv::readFile(books.file), books.bytes);
+}
+
+void tst_DatabaseCommands::renameToPreviousFails()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    QDir().mkpath(env.path(QStringLiteral("seura.md3/sisalto")));
+    QVERIFY(!DatabaseCommands::backupAndReorganize());
+    QCOMPARE(dialogs.transcript().last(), RenameFailed);
+    // The database stays in place and the compacted copy beside it.
+    QCOMPARE(TestEnv::readFile(books.file), books.bytes);
+    QVERIFY(QFile::exists(env.path(QStringLiteral("seura.md2"))));
+}
+
+void tst_DatabaseCommands::finalRenameFails()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    const QString compacted = env.path(QStringLiteral("seura.md2"));
+    auto realRename = FileOps::instance().rename;
+    FileOps::instance().rename = [&](const QString& from, const QString& to) {
+        return from == compacted ? false : realRename(from, to);
+    };
+    QVERIFY(!DatabaseCommands::backupAndReorganize());
+    QCOMPARE(dialogs.transcript().last(), FinalRenameFailed);
+    // The books survive in the previous file and the compacted copy.
+    QCOMPARE(TestEnv::readFile(env.path(QStringLiteral("seura.md3"))), books.bytes);
+    QVERIFY(voucherCount(compacted) > 0);
+}
+
+void tst_DatabaseCommands::restoreReplacesAfterQuestion()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    env.writeIni("[VORKAM]\nDatabase=" + books.file.toUtf8() + "\n");
+    const QString backup = env.path(QStringLiteral("varmistus/vanha.mdb"));
+    QVERIFY(TestEnv::createDatabase(backup));
+    withDatabase(backup, [](QSqlDatabase& db) { QSqlQuery(db).exec(QStringLiteral("DELETE FROM \"to\"")); });
+    const QByteArray backupBytes = TestEnv::readFile(backup);
+
+    // The first target is refused, then the user goes on and takes the database in use.
+    dialogs.answerOpenFile(backup).answerSaveFile(books.file).answerNo().answerNo().answerSaveFile(books.file).answerYes();
+    QVERIFY(DatabaseCommands::restoreFromBackup());
+    const QStringList t = dialogs.transcript();
+    QCOMPARE(t.at(2), QStringLiteral("question: Tiedosto on jo olemassa, korvataanko varmuuskopiolla?"));
+    QCOMPARE(t.at(3), StopRestore);
+    QCOMPARE(t.last(), QStringLiteral("information: Tietokanta on palautettu. Vorkam suljetaan, jotta palautettu "
+                                      "tietokanta otetaan käyttöön seuraavalla käynnistyksellä."));
+    QCOMPARE(TestEnv::readFile(books.file), backupBytes);
+    QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), books.file);
+    QCOMPARE(dialogs.remainingAnswers(), 0);
+}
+
+void tst_DatabaseCommands::restoreCanBeStopped()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    const QString backup = env.path(QStringLiteral("varmistus/vanha.mdb"));
+    QVERIFY(TestEnv::createDatabase(backup));
+    // Cancelling the first dialog asks whether to stop; No shows it again; the target is then cancelled.
+    dialogs.answerOpenFile(QString()).answerNo().answerOpenFile(backup).answerSaveFile(QString()).answerYes();
+    QVERIFY(!DatabaseCommands::restoreFromBackup());
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Question), (QStringList(2, StopRestore.mid(10))));
+    QCOMPARE(TestEnv::readFile(books.file), books.bytes);
+    QVERIFY(!DBC::instance().isOpen());
+}
+
+void tst_DatabaseCommands::restoreRefusesNonDatabase()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    const QString junk = env.path(QStringLiteral("kuva.mdb"));
+    QVERIFY(TestEnv::writeFile(junk, "\x89PNG kuva eikä tietokanta"));
+    dialogs.answerOpenFile(junk).answerYes();
+    QVERIFY(!DatabaseCommands::restoreFromBackup());
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error).size(), 1);
+    QCOMPARE(TestEnv::readFile(books.file), books.bytes);
+}
+
+QTEST_GUILESS_MAIN(tst_DatabaseCommands)
+#include "tst_DatabaseCommands.moc"

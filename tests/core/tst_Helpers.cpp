@@ -1,0 +1,194 @@
+#include "Dates.h"
+#include "Money.h"
+#include "RecordText.h"
+#include "SqlScript.h"
+
+#include <QTest>
+
+class tst_Helpers : public QObject {
+    Q_OBJECT
+
+private slots:
+    void moneyParse_data();
+    void moneyParse();
+    void moneyFormat_data();
+    void moneyFormat();
+    void moneySumsAreExact();
+    void amountBySide_data();
+    void amountBySide();
+    void datesParse_data();
+    void datesParse();
+    void datesStorageAndLiterals();
+    void recordText();
+    void sqlScriptSplit();
+};
+
+void tst_Helpers::moneyParse_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("valid");
+    QTest::addColumn<qint64>("raw");
+
+    QTest::newRow("comma decimals") << "12,50" << true << qint64(125000);
+    QTest::newRow("dot decimals") << "12.50" << true << qint64(125000);
+    QTest::newRow("space thousands") << "1 234,50" << true << qint64(12345000);
+    QTest::newRow("no-break space thousands") << QString::fromUtf8("1\u00a0234,50") << true << qint64(12345000);
+    QTest::newRow("dot thousands, comma decimals") << "1.234,50" << true << qint64(12345000);
+    QTest::newRow("comma thousands, dot decimals") << "1,234.50" << true << qint64(12345000);
+    QTest::newRow("dot thousands only") << "1.234.567" << true << qint64(12345670000);
+    QTest::newRow("negative whole") << "-5" << true << qint64(-50000);
+    QTest::newRow("euro sign after") << QString::fromUtf8("12,50 €") << true << qint64(125000);
+    QTest::newRow("euro sign before") << QString::fromUtf8("€12,50") << true << qint64(125000);
+    QTest::newRow("negative with euro") << QString::fromUtf8("-1 234,5 €") << true << qint64(-12345000);
+    QTest::newRow("leading comma") << ",5" << true << qint64(5000);
+    QTest::newRow("four decimals kept") << "0,0001" << true << qint64(1);
+    QTest::newRow("fifth decimal rounds up") << "0,00005" << true << qint64(1);
+    QTest::newRow("fifth decimal rounds down") << "0,00004" << true << qint64(0);
+    QTest::newRow("negative rounds away from zero") << "-0,00005" << true << qint64(-1);
+    QTest::newRow("surrounding blanks") << "  7  " << true << qint64(70000);
+    QTest::newRow("zero") << "0" << true << qint64(0);
+
+    QTest::newRow("empty") << "" << false << qint64(0);
+    QTest::newRow("blank") << "   " << false << qint64(0);
+    QTest::newRow("letters") << "abc" << false << qint64(0);
+    QTest::newRow("trailing letters") << "12,50e" << false << qint64(0);
+    QTest::newRow("two commas") << "1,2,3" << false << qint64(0);
+    QTest::newRow("bad grouping") << "12 34,50" << false << qint64(0);
+    QTest::newRow("double minus") << "--5" << false << qint64(0);
+    QTest::newRow("only sign") << "-" << false << qint64(0);
+    QTest::newRow("huge") << "99999999999999" << false << qint64(0);
+    QTest::newRow("arabic digits") << QString::fromUtf8("١٢") << false << qint64(0);
+}
+
+void tst_Helpers::moneyParse()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, valid);
+    QFETCH(qint64, raw);
+    const std::optional<Money> m = Money::parse(text);
+    QCOMPARE(m.has_value(), valid);
+    if (valid)
+        QCOMPARE(m->raw(), raw);
+}
+
+void tst_Helpers::moneyFormat_data()
+{
+    QTest::addColumn<qint64>("raw");
+    QTest::addColumn<QString>("plain");
+    QTest::addColumn<QString>("currency");
+    const QString nb = QString(QChar(0x00A0));
+    QTest::newRow("thousands") << qint64(12345000) << "1" + nb + "234,50" << "1" + nb + "234,50" + nb + QString::fromUtf8("€");
+    QTest::newRow("zero") << qint64(0) << "0,00" << "0,00" + nb + QString::fromUtf8("€");
+    QTest::newRow("negative") << qint64(-12345000) << "-1" + nb + "234,50" << "-1" + nb + "234,50" + nb + QString::fromUtf8("€");
+    QTest::newRow("millions") << qint64(12345678900000) << "1" + nb + "234" + nb + "567" + nb + "890,00"
+                              << "1" + nb + "234" + nb + "567" + nb + "890,00" + nb + QString::fromUtf8("€");
+    QTest::newRow("half cent rounds up") << qint64(50) << "0,01" << "0,01" + nb + QString::fromUtf8("€");
+    QTest::newRow("negative half cent rounds away") << qint64(-50) << "-0,01" << "-0,01" + nb + QString::fromUtf8("€");
+    QTest::newRow("under half cent") << qint64(49) << "0,00" << "0,00" + nb + QString::fromUtf8("€");
+}
+
+void tst_Helpers::moneyFormat()
+{
+    QFETCH(qint64, raw);
+    QFETCH(QString, plain);
+    QFETCH(QString, currency);
+    QCOMPARE(Money::fromRaw(raw).toString(), plain);
+    QCOMPARE(Money::fromRaw(raw).toCurrencyString(), currency);
+    // What Vorkam shows, it reads back (to the cent).
+    QCOMPARE(Money::parse(plain)->raw(), Money::fromRaw(raw).roundedToCents().raw());
+}
+
+void tst_Helpers::moneySumsAreExact()
+{
+    // 0,10 added ten thousand times is exactly 1 000,00; a double would drift.
+    Money sum;
+    for (int i = 0; i < 10000; ++i)
+        sum += *Money::parse(QStringLiteral("0,10"));
+    QCOMPARE(sum, Money::fromCents(100000));
+    QCOMPARE((sum - Money::fromCents(1)).toString(), QStringLiteral("999,99"));
+    QCOMPARE(Money::fromRaw(-123456).toPlainString(), QStringLiteral("-12.3456"));
+}
+
+void tst_Helpers::amountBySide_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QString>("side");
+    QTest::addColumn<qint64>("expected");
+    QTest::newRow("debit on debit side") << "D" << "D" << qint64(100);
+    QTest::newRow("credit on debit side") << "K" << "D" << qint64(-100);
+    QTest::newRow("credit on credit side") << "K" << "K" << qint64(100);
+    QTest::newRow("debit on credit side") << "D" << "K" << qint64(-100);
+    QTest::newRow("only first character counts") << "Debet" << "D" << qint64(100);
+}
+
+void tst_Helpers::amountBySide()
+{
+    QFETCH(QString, type);
+    QFETCH(QString, side);
+    QFETCH(qint64, expected);
+    QCOMPARE(::amountBySide(type, side, Money::fromRaw(100)).raw(), expected);
+}
+
+void tst_Helpers::datesParse_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QDate>("expected");
+    QTest::newRow("short form") << "5.9.2011" << QDate(2011, 9, 5);
+    QTest::newRow("leading zeros") << "05.09.2011" << QDate(2011, 9, 5);
+    QTest::newRow("two-digit year 2000s") << "1.1.11" << QDate(2011, 1, 1);
+    QTest::newRow("two-digit year 1900s") << "1.1.95" << QDate(1995, 1, 1);
+    QTest::newRow("leap day") << "29.2.2012" << QDate(2012, 2, 29);
+    QTest::newRow("leap day of a common year") << "29.2.2011" << QDate();
+    QTest::newRow("31 April") << "31.4.2011" << QDate();
+    QTest::newRow("month 13") << "1.13.2011" << QDate();
+    QTest::newRow("day 0") << "0.1.2011" << QDate();
+    QTest::newRow("not a date") << "eilen" << QDate();
+    QTest::newRow("iso form is not typed") << "2011-09-05" << QDate();
+    QTest::newRow("three-digit year") << "1.1.201" << QDate();
+    QTest::newRow("empty") << "" << QDate();
+}
+
+void tst_Helpers::datesParse()
+{
+    QFETCH(QString, text);
+    QFETCH(QDate, expected);
+    QCOMPARE(Dates::parse(text), expected);
+}
+
+void tst_Helpers::datesStorageAndLiterals()
+{
+    const QDate d(2011, 9, 5);
+    QCOMPARE(Dates::format(d), QStringLiteral("5.9.2011"));
+    QCOMPARE(Dates::parse(Dates::format(d)), d);
+    QCOMPARE(Dates::toSql(d), QStringLiteral("2011-09-05"));
+    QCOMPARE(Dates::fromSql(QStringLiteral("2011-09-05")), d);
+    QCOMPARE(Dates::fromSql(QString()), QDate());
+    QCOMPARE(Dates::sqlLiteral(d), QStringLiteral("#9/5/2011#"));
+    QCOMPARE(Dates::sqlLiteral(QDate()), QString());
+    QCOMPARE(Dates::format(QDate()), QString());
+}
+
+void tst_Helpers::recordText()
+{
+    QCOMPARE(RecordText::storedName(QString()), QStringLiteral(" "));
+    QCOMPARE(RecordText::storedName(QString(60, u'x')).size(), 50);
+    QCOMPARE(RecordText::storedDescription(QString(300, u'y')).size(), 255);
+    QCOMPARE(RecordText::storedName(QStringLiteral("O'Brien")), QStringLiteral("O'Brien"));
+    // A character outside the basic plane is never cut in half.
+    const QString emoji = QString(49, u'a') + QString::fromUtf8("😀");
+    QCOMPARE(RecordText::cut(emoji, 50), QString(49, u'a'));
+}
+
+void tst_Helpers::sqlScriptSplit()
+{
+    const QStringList s = SqlScript::split(QStringLiteral(
+        "-- comment; not a statement\nINSERT INTO tl VALUES (1, 'a;b');\n/* block; */ INSERT INTO tl VALUES "
+        "(2, 'O''Brien;');\nUPDATE tl SET tlNimi = \"x;y\""));
+    QCOMPARE(s.size(), 3);
+    QCOMPARE(s.at(0), QStringLiteral("INSERT INTO tl VALUES (1, 'a;b')"));
+    QVERIFY(s.at(1).endsWith(QStringLiteral("(2, 'O''Brien;')")));
+    QCOMPARE(s.at(2), QStringLiteral("UPDATE tl SET tlNimi = \"x;y\""));
+}
+
+QTEST_GUILESS_MAIN(tst_Helpers)
+#include "tst_Helpers.moc"

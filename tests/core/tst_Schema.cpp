@@ -1,0 +1,189 @@
+#include "Schema.h"
+#include "TestEnv.h"
+
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QTest>
+
+namespace {
+
+QStringList columns(QSqlDatabase& db, const QString& table)
+{
+    QStringList result;
+    QSqlQuery q(db);
+    q.exec(QStringLiteral("SELECT name FROM pragma_table_info('%1')").arg(table));
+    while (q.next())
+        result.append(q.value(0).toString());
+    return result;
+}
+
+QString objectSql(QSqlDatabase& db, const QString& name)
+{
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT sql FROM sqlite_master WHERE name = ?"));
+    q.addBindValue(name);
+    return q.exec() && q.next() ? q.value(0).toString() : QString();
+}
+
+} // namespace
+
+class tst_Schema : public QObject {
+    Q_OBJECT
+
+private slots:
+    void oldestLayoutGetsAllSteps();
+    void currentLayoutOnlyRecreatesQueries();
+    void queriesSelectTheRightEntries();
+    void foreignQueryIsReplaced();
+    void failingStepResumesNextTime();
+    void tablesCreatedWithTheirFieldsInOrder();
+};
+
+void tst_Schema::oldestLayoutGetsAllSteps()
+{
+    TestEnv env;
+    const QString file = env.path(QStringLiteral("vanha.mdb"));
+    QVERIFY(TestEnv::createDatabase(file, TestEnv::Layout::Oldest));
+    withDatabase(file, [](QSqlDatabase& db) {
+        QVERIFY(Schema::fieldMissing(db, QStringLiteral("vi"), QStringLiteral("viPaatosvienti")));
+        QVERIFY(Schema::tableMissing(db, QStringLiteral("Settings")));
+        const Schema::UpgradeResult r = Schema::UpdateDatabase(db);
+        QVERIFY2(r.ok, qPrintable(r.error));
+        QCOMPARE(r.appliedSteps, (QList<int> { 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17 }));
+        // The added fields went to the end of each table, in the order of the steps.
+        QCOMPARE(columns(db, QStringLiteral("vi")).mid(7),
+            (QStringList { QStringLiteral("viPaatosvienti"), QStringLiteral("viAutomaatti") }));
+        QCOMPARE(columns(db, QStringLiteral("to")).mid(5),
+            (QStringList { QStringLiteral("toPaatostosite"), QStringLiteral("toAutomaatti") }));
+        for (const char* t : { "tk", "Settings", "tlSaldot", "tlTarkastelut", "tpPohjat", "vipPohjat" })
+            QVERIFY2(!Schema::tableMissing(db, QString::fromLatin1(t)), t);
+        // Names are compared without regard to case, as older code spells them several ways.
+        QVERIFY(!Schema::fieldMissing(db, QStringLiteral("tlTarkastelut"), QStringLiteral("tltId")));
+        QVERIFY(!Schema::fieldMissing(db, QStringLiteral("TO"), QStringLiteral("ToNumero")));
+
+        // Existing rows: the voucher flags read as no, the account print flag is empty (= not printed).
+        QSqlQuery q(db);
+        QVERIFY(q.exec(QStringLiteral("SELECT toPaatostosite, toAutomaatti FROM \"to\" WHERE toNumero = 1")));
+        QVERIFY(q.next());
+        QCOMPARE(q.value(0).toInt(), 0);
+        QCOMPARE(q.value(1).toInt(), 0);
+        QVERIFY(q.exec(QStringLiteral("SELECT COUNT(*) FROM tl WHERE tlPrint IS NULL")));
+        QVERIFY(q.next());
+        QCOMPARE(q.value(0).toInt(), 3);
+        QVERIFY(q.exec(QStringLiteral("SELECT COUNT(*) FROM tl WHERE tlPrint <> 0")));
+        QVERIFY(q.next());
+        QCOMPARE(q.value(0).toInt(), 0);
+        // The indexes that keep entry and voucher queries fast exist.
+        QVERIFY(!objectSql(db, QStringLiteral("ix_vi_vitoID")).isEmpty());
+        QVERIFY(!objectSql(db, QStringLiteral("ix_to_toNumero")).isEmpty());
+    });
+}
+
+void tst_Schema::currentLayoutOnlyRecreatesQueries()
+{
+    TestEnv env;
+    const QString file = env.path(QStringLiteral("nyky.mdb"));
+    QVERIFY(TestEnv::createDatabase(file, TestEnv::Layout::Current));
+    withDatabase(file, [](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        QVERIFY(q.exec(QStringLiteral("SELECT group_concat(name || ':' || sql, '|') FROM sqlite_master "
+                                      "WHERE type <> 'view' ORDER BY name")));
+        QVERIFY(q.next());
+        const QString before = q.value(0).toString();
+        const Schema::UpgradeResult r = Schema::UpdateDatabase(db);
+        QVERIFY(r.ok);
+        QCOMPARE(r.appliedSteps, QList<int> { 12 });
+        QVERIFY(q.exec(QStringLiteral("SELECT group_concat(name || ':' || sql, '|') FROM sqlite_master "
+                                      "WHERE type <> 'view' ORDER BY name")));
+        QVERIFY(q.next());
+        QCOMPARE(q.value(0).toString(), before);
+    });
+}
+
+void tst_Schema::queriesSelectTheRightEntries()
+{
+    TestEnv env;
+    const QString file = env.path(QStringLiteral("q.mdb"));
+    QVERIFY(TestEnv::createDatabase(file));
+    withDatabase(file, [](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        QVERIFY(q.exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viAvausvienti, "
+                                      "viPaatosvienti) VALUES (1, 1, 'D', 10, 1, 0), (1, 2, 'K', 10, 1, 0), "
+                                      "(1, 1, 'D', 20, 0, 1), (1, 99, 'K', 20, 0, 1)")));
+        const auto count = [&](const QString& view) {
+            QSqlQuery c(db);
+            c.exec(QStringLiteral("SELECT COUNT(*), SUM(viArvo) FROM ") + view);
+            c.next();
+            return QStringLiteral("%1/%2").arg(c.value(0).toInt()).arg(c.value(1).toLongLong());
+        };
+        // Two ordinary entries from the test database plus the closing entry whose account exists.
+        QCOMPARE(count(QStringLiteral("viennit")), QStringLiteral("3/510020"));
+        QCOMPARE(count(QStringLiteral("viennitA")), QStringLiteral("2/20"));
+        QCOMPARE(count(QStringLiteral("viennitL")), QStringLiteral("1/20"));
+        QVERIFY(q.exec(QStringLiteral("SELECT * FROM viennit")));
+        QCOMPARE(q.record().count(), 11);
+        QCOMPARE(q.record().fieldName(0), QStringLiteral("tlNimi"));
+    });
+}
+
+void tst_Schema::foreignQueryIsReplaced()
+{
+    TestEnv env;
+    const QString file = env.path(QStringLiteral("v.mdb"));
+    QVERIFY(TestEnv::createDatabase(file));
+    withDatabase(file, [](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        QVERIFY(q.exec(QStringLiteral("DROP VIEW viennit")));
+        QVERIFY(q.exec(QStringLiteral("CREATE VIEW viennit AS SELECT 1 AS x")));
+        QVERIFY(Schema::UpdateDatabase(db).ok);
+        QVERIFY(objectSql(db, QStringLiteral("viennit")).contains(QStringLiteral("vi.viAvausvienti = 0")));
+    });
+}
+
+void tst_Schema::failingStepResumesNextTime()
+{
+    TestEnv env;
+    const QString file = env.path(QStringLiteral("rikki.mdb"));
+    QVERIFY(TestEnv::createDatabase(file, TestEnv::Layout::Oldest));
+    withDatabase(file, [](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        QVERIFY(q.exec(QStringLiteral("DROP TABLE toE")));
+        Schema::UpgradeResult r = Schema::UpdateDatabase(db);
+        QVERIFY(!r.ok);
+        QCOMPARE(r.failedStep, 4);
+        QCOMPARE(r.appliedSteps, (QList<int> { 1, 2, 3 }));
+        QVERIFY(Schema::tableMissing(db, QStringLiteral("tk")));
+
+        QVERIFY(q.exec(QStringLiteral("CREATE TABLE toE (toEID INTEGER PRIMARY KEY AUTOINCREMENT, toENumero INTEGER, "
+                                      "toEPvm TEXT, toESelite TEXT, toEAvaustosite INTEGER NOT NULL DEFAULT 0)")));
+        r = Schema::UpdateDatabase(db);
+        QVERIFY2(r.ok, qPrintable(r.error));
+        QCOMPARE(r.appliedSteps.first(), 4);
+        QCOMPARE(r.appliedSteps.size(), 14);
+    });
+}
+
+void tst_Schema::tablesCreatedWithTheirFieldsInOrder()
+{
+    TestEnv env;
+    const QString file = env.path(QStringLiteral("t.mdb"));
+    QVERIFY(TestEnv::createDatabase(file));
+    withDatabase(file, [](QSqlDatabase& db) {
+        QCOMPARE(columns(db, QStringLiteral("tlTarkastelut")).join(u','),
+            QStringLiteral("tltID,Numero,Paiva,Selite,Debet,Kredit,Erotus"));
+        QCOMPARE(columns(db, QStringLiteral("vipPohjat")).join(u','),
+            QStringLiteral("vipID,viptlID,viptpID,vipTyyppi,vipArvo"));
+        QCOMPARE(columns(db, QStringLiteral("Settings")).join(u','), QStringLiteral("setID,setSection,setKey,setString"));
+        // Automatic keys are never reused, even after the newest row is deleted.
+        QSqlQuery q(db);
+        QVERIFY(q.exec(QStringLiteral("INSERT INTO tk (tkTeksti) VALUES ('a')")));
+        QVERIFY(q.exec(QStringLiteral("DELETE FROM tk")));
+        QVERIFY(q.exec(QStringLiteral("INSERT INTO tk (tkTeksti) VALUES ('b')")));
+        QVERIFY(q.exec(QStringLiteral("SELECT tkID FROM tk")));
+        QVERIFY(q.next());
+        QCOMPARE(q.value(0).toInt(), 2);
+    });
+}
+
+QTEST_GUILESS_MAIN(tst_Schema)
+#include "tst_Schema.moc"

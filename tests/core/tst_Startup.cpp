@@ -1,0 +1,393 @@
+#include "DatabaseFile.h"
+#include "ProgramSettings.h"
+#include "ScriptedDialogs.h"
+#include "Schema.h"
+#include "SettingsStore.h"
+#include "Startup.h"
+#include "TestEnv.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSqlQuery>
+#include <QTest>
+
+namespace {
+
+const QString ReadOnlyInfo = QStringLiteral(
+    "information: Tietokanta on kirjoitussuojatussa tilassa.\nEnnen avaamista Vorkamissa sen tulee olla "
+    "kirjoitettavassa tilassa.");
+const QString ReadOnlyQuestion
+    = QStringLiteral("question: Haluatko, että Vorkam muuttaa tietokannan kirjoitettavaan tilaan?");
+const QString NotFound = QStringLiteral("information: Tietokantaa ei löydy, korjaa asetuksista tietokannan nimi");
+const QString TryDefault = QStringLiteral("question: Yritetäänkö avata oletustietokanta?");
+const QString Damaged = QStringLiteral("plain: Tietokanta on vioittunut edellisen käyttökerran lopetuksen "
+                                       "yhteydessä, yritän korjata tietokannan. Odota hetki.");
+const QString RepairFailed = QStringLiteral("plain: Tietokannan korjaus ei onnistunut. Palauta tietokanta "
+                                            "varmuuskopiolta ennen kuin jatkat Vorkamin käyttöä.");
+const QString RenameDamagedFailed = QStringLiteral("plain: Vioittuneen tietokannan uudelleen nimeäminen ei onnistu.");
+
+Startup::Result runStartup()
+{
+    Startup startup;
+    startup.formatCurrency = [] { return QStringLiteral("1 234,50 €"); };
+    return startup.run();
+}
+
+void setDatabase(const TestEnv& env, const QString& file, const QByteArray& extra = QByteArray())
+{
+    env.writeIni("[VORKAM]\nDatabase=" + file.toUtf8() + "\n" + extra);
+}
+
+bool writable(const QString& file) { return QFileInfo(file).permissions() & QFileDevice::WriteOwner; }
+
+// Overwrites a stretch in the middle of the file: a damaged page, the rest intact.
+QByteArray garbled(QByteArray bytes)
+{
+    const int page = 4096;
+    for (int i = 3 * page; i < 4 * page && i < bytes.size(); ++i)
+        bytes[i] = char(0xA5 ^ (i & 0xFF));
+    return bytes;
+}
+
+} // namespace
+
+class tst_Startup : public QObject {
+    Q_OBJECT
+
+private slots:
+    void cleanOpenUpgradesOldestLayout();
+    void captionNamesAssociationAndFile();
+    void currencyInMarksWarns();
+    void readOnlyFile_data();
+    void readOnlyFile();
+    void missingDatabase_data();
+    void missingDatabase();
+    void refusedDefaultLeavesNoDatabase();
+    void missingDefaultAsksAgain();
+    void damagedFileIsRepaired_data();
+    void damagedFileIsRepaired();
+    void hopelessFileIsLeftAsItWas_data();
+    void hopelessFileIsLeftAsItWas();
+    void leftoverOldFileStopsRepair();
+    void jetFileIsNotOpened();
+    void foreignDatabaseIsNotUpgraded();
+    void associationChoice_data();
+    void associationChoice();
+};
+
+void tst_Startup::cleanOpenUpgradesOldestLayout()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("vanha seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(file, TestEnv::Layout::Oldest));
+    setDatabase(env, file);
+
+    const Startup::Result r = runStartup();
+    QCOMPARE(dialogs.transcript(), QStringList());
+    QVERIFY(r.databaseOpen);
+    QVERIFY(r.upgraded);
+    QVERIFY(!r.repaired);
+    withDatabase(file, [](QSqlDatabase& db) {
+        QVERIFY(!Schema::tableMissing(db, QStringLiteral("vipPohjat")));
+        QVERIFY(!Schema::fieldMissing(db, QStringLiteral("toE"), QStringLiteral("toEAutomaatti")));
+        QVERIFY(Schema::queryPresent(db, QStringLiteral("viennitL")));
+    });
+    // The start-up's own connection is closed at the end.
+    QVERIFY(QSqlDatabase::connectionNames().isEmpty());
+    // A second start finds nothing more to upgrade.
+    withDatabase(file, [](QSqlDatabase& db) { QCOMPARE(Schema::UpdateDatabase(db).appliedSteps, QList<int> { 12 }); });
+}
+
+void tst_Startup::captionNamesAssociationAndFile()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(file));
+    withDatabase(file, [](QSqlDatabase& db) {
+        DbSettingsStore(db).write(QStringLiteral("Seurannimi"), QStringLiteral("Kuoro O'Laulu ry"));
+        DbSettingsStore(db).write(QStringLiteral("TilikausiAlku"), QStringLiteral("1.7.2011"));
+    });
+    setDatabase(env, file);
+    const Startup::Result r = runStartup();
+    QCOMPARE(r.caption, QStringLiteral("Vorkam - Kuoro O'Laulu ry - seura.mdb"));
+    QCOMPARE(ProgramSettings::bookkeeping().TilikausiAlku, QDate(2011, 7, 1));
+}
+
+void tst_Startup::currencyInMarksWarns()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(file));
+    setDatabase(env, file);
+    Startup startup;
+    startup.formatCurrency = [] { return QStringLiteral("1 234,50 MK"); };
+    startup.run();
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Information), QStringList { Startup::currencyWarning() });
+    QVERIFY(Startup::currencyWarning().startsWith(
+        QStringLiteral("Windowsin kansallisuus / maakohtaisissa asetuksissa on valuuttatunnuksena vielä 'mk'.\n")));
+    QCOMPARE(Startup::currencyWarning().count(u'\n'), 7);
+}
+
+void tst_Startup::readOnlyFile_data()
+{
+    QTest::addColumn<bool>("answerYes");
+    QTest::addColumn<bool>("clearingWorks");
+    QTest::addColumn<bool>("writableAfter");
+    QTest::addColumn<bool>("upgraded");
+    QTest::newRow("No: opened as it stands") << false << true << false << false;
+    QTest::newRow("Yes: made writable") << true << true << true << true;
+    QTest::newRow("Yes, but the flag stays") << true << false << false << false;
+}
+
+void tst_Startup::readOnlyFile()
+{
+    QFETCH(bool, answerYes);
+    QFETCH(bool, clearingWorks);
+    QFETCH(bool, writableAfter);
+    QFETCH(bool, upgraded);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("suojattu.mdb"));
+    QVERIFY(TestEnv::createDatabase(file));
+    QVERIFY(QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::ReadGroup));
+    const QByteArray before = TestEnv::readFile(file);
+    setDatabase(env, file);
+    if (!clearingWorks)
+        FileOps::instance().makeWritable = [](const QString&) { return false; };
+    answerYes ? dialogs.answerYes() : dialogs.answerNo();
+
+    const Startup::Result r = runStartup();
+    QStringList expected { ReadOnlyInfo, ReadOnlyQuestion };
+    if (answerYes && !clearingWorks)
+        expected.append(QStringLiteral("information: Kirjoitussuojauksen poistaminen ei jostain syystä onnistunut."));
+    QCOMPARE(dialogs.transcript().mid(0, expected.size()), expected);
+    QCOMPARE(writable(file), writableAfter);
+    QVERIFY(r.databaseOpen);
+    QCOMPARE(r.upgraded, upgraded);
+    if (!writableAfter) {
+        // Opened as it stands: read-only, so nothing was written and the upgrade says why.
+        QCOMPARE(TestEnv::readFile(file), before);
+        QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error).size(), 1);
+    } else {
+        QCOMPARE(dialogs.transcript().size(), expected.size());
+    }
+    QCOMPARE(dialogs.remainingAnswers(), 0);
+}
+
+void tst_Startup::missingDatabase_data()
+{
+    QTest::addColumn<QString>("database");
+    QTest::newRow("missing file") << QStringLiteral("ei-ole.mdb");
+    QTest::newRow("missing folder") << QStringLiteral("ei-kansiota/seura.mdb");
+    QTest::newRow("a folder") << QStringLiteral("kansio");
+}
+
+void tst_Startup::missingDatabase()
+{
+    QFETCH(QString, database);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    QDir().mkpath(env.path(QStringLiteral("kansio")));
+    QVERIFY(TestEnv::createDatabase(env.programDir() + QStringLiteral("/demo1.mdb")));
+    setDatabase(env, env.path(database));
+    dialogs.answerYes();
+
+    const Startup::Result r = runStartup();
+    QCOMPARE(dialogs.transcript(), (QStringList { NotFound, TryDefault }));
+    QVERIFY(r.databaseOpen);
+    QVERIFY(r.defaultTaken);
+    QVERIFY(r.upgraded);
+    QCOMPARE(ProgramSettings::installation().Database, env.programDir() + QStringLiteral("/demo1.mdb"));
+    // The default is remembered once the database has been opened and upgraded.
+    QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}),
+        env.programDir() + QStringLiteral("/demo1.mdb"));
+    QVERIFY(r.caption.endsWith(QStringLiteral(" - demo1.mdb")));
+}
+
+void tst_Startup::refusedDefaultLeavesNoDatabase()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString missing = env.path(QStringLiteral("ei-ole.mdb"));
+    setDatabase(env, missing);
+    dialogs.answerNo();
+    const Startup::Result r = runStartup();
+    QCOMPARE(dialogs.transcript(), (QStringList { NotFound, TryDefault }));
+    QVERIFY(!r.databaseOpen);
+    QCOMPARE(r.caption, QStringLiteral("Vorkam"));
+    QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), missing);
+    QVERIFY(!QFile::exists(missing));
+}
+
+void tst_Startup::missingDefaultAsksAgain()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    setDatabase(env, env.path(QStringLiteral("ei-ole.mdb")));
+    dialogs.answerYes().answerNo();
+    const Startup::Result r = runStartup();
+    QCOMPARE(dialogs.transcript(), (QStringList { NotFound, TryDefault, NotFound, TryDefault }));
+    QVERIFY(!r.databaseOpen);
+    QVERIFY(!QFile::exists(env.programDir() + QStringLiteral("/demo1.mdb")));
+}
+
+void tst_Startup::damagedFileIsRepaired_data()
+{
+    QTest::addColumn<QString>("damage");
+    QTest::newRow("garbled page") << QStringLiteral("garble");
+    QTest::newRow("cut short") << QStringLiteral("truncate");
+}
+
+void tst_Startup::damagedFileIsRepaired()
+{
+    QFETCH(QString, damage);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(file));
+    QByteArray bytes = TestEnv::readFile(file);
+    QVERIFY(bytes.size() > 8 * 4096);
+    bytes = damage == QLatin1String("garble") ? garbled(bytes) : bytes.left(bytes.size() * 3 / 4);
+    QVERIFY(TestEnv::writeFile(file, bytes));
+    setDatabase(env, file);
+
+    const Startup::Result r = runStartup();
+    QCOMPARE(dialogs.transcript(), QStringList { Damaged });
+    QVERIFY(r.repaired);
+    QVERIFY(!r.databaseOpen);
+    QVERIFY(!r.upgraded);
+    // The damaged original survives byte for byte; the repaired file takes its place.
+    QCOMPARE(TestEnv::readFile(file + QStringLiteral("OLD")), bytes);
+    QVERIFY(!QFile::exists(file + u'2'));
+    QVERIFY(DatabaseFile::open(file, QStringLiteral("check")));
+    {
+        QSqlQuery q(QSqlDatabase::database(QStringLiteral("check")));
+        QVERIFY(q.exec(QStringLiteral("SELECT tlNimi FROM tl ORDER BY tlNumero")));
+        QVERIFY(q.next());
+        QCOMPARE(q.value(0).toString(), QStringLiteral("Pankkitili"));
+    }
+    DatabaseFile::close(QStringLiteral("check"));
+
+    // The next start opens the repaired file cleanly and upgrades it.
+    dialogs.clear();
+    const Startup::Result next = runStartup();
+    QCOMPARE(dialogs.transcript(), QStringList());
+    QVERIFY(next.databaseOpen);
+    QVERIFY(next.upgraded);
+}
+
+void tst_Startup::hopelessFileIsLeftAsItWas_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("zero bytes") << QByteArray();
+    QTest::newRow("text") << QByteArray("Tämä ei ole tietokanta vaan muistilista.\n");
+    QTest::newRow("only the header survived") << QByteArray("SQLite format 3\0", 16) + QByteArray(84, '\0');
+}
+
+void tst_Startup::hopelessFileIsLeftAsItWas()
+{
+    QFETCH(QByteArray, content);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("roska.mdb"));
+    QVERIFY(TestEnv::writeFile(file, content));
+    setDatabase(env, file);
+    const Startup::Result r = runStartup();
+    QCOMPARE(dialogs.transcript(), (QStringList { Damaged, RepairFailed }));
+    QVERIFY(!r.databaseOpen);
+    QCOMPARE(TestEnv::readFile(file), content);
+    QVERIFY(!QFile::exists(file + u'2'));
+    QVERIFY(!QFile::exists(file + QStringLiteral("OLD")));
+}
+
+void tst_Startup::leftoverOldFileStopsRepair()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(file));
+    const QByteArray bytes = garbled(TestEnv::readFile(file));
+    QVERIFY(TestEnv::writeFile(file, bytes));
+    QVERIFY(TestEnv::writeFile(file + QStringLiteral("OLD"), "edellinen korjaus"));
+    setDatabase(env, file);
+    runStartup();
+    QCOMPARE(dialogs.transcript(), (QStringList { Damaged, RenameDamagedFailed }));
+    QCOMPARE(TestEnv::readFile(file), bytes);
+    QCOMPARE(TestEnv::readFile(file + QStringLiteral("OLD")), QByteArray("edellinen korjaus"));
+    QVERIFY(QFile::exists(file + u'2'));
+}
+
+void tst_Startup::jetFileIsNotOpened()
+{
+    const QString fixture = QStringLiteral(VORKAM_SHARED_DIR "/fixtures/jet/vanha-seura-jet4.mdb");
+    if (!QFile::exists(fixture))
+        QSKIP("The old-format sample files are not beside the project.");
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("vanha.mdb"));
+    QVERIFY(QFile::copy(fixture, file));
+    QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    const QByteArray before = TestEnv::readFile(file);
+    setDatabase(env, file);
+    const Startup::Result r = runStartup();
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error).size(), 1);
+    QVERIFY(dialogs.texts(ScriptedDialogs::Kind::Error).first().contains(QStringLiteral("muunnettava")));
+    QCOMPARE(dialogs.transcript().size(), 1);
+    QVERIFY(!r.databaseOpen);
+    QCOMPARE(TestEnv::readFile(file), before);
+    QCOMPARE(QDir(env.path(QString())).entryList(QStringList { QStringLiteral("vanha*") }),
+        QStringList { QStringLiteral("vanha.mdb") });
+}
+
+void tst_Startup::foreignDatabaseIsNotUpgraded()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("muu.mdb"));
+    withDatabase(file, [](QSqlDatabase& db) { QSqlQuery(db).exec(QStringLiteral("CREATE TABLE osoitteet (nimi TEXT)")); });
+    const QByteArray before = TestEnv::readFile(file);
+    setDatabase(env, file);
+    const Startup::Result r = runStartup();
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error),
+        QStringList { QStringLiteral("Tiedosto %1 ei ole Vorkamin tietokanta: siitä puuttuu taulu tl.").arg(file) });
+    QVERIFY(!r.databaseOpen);
+    QCOMPARE(TestEnv::readFile(file), before);
+}
+
+void tst_Startup::associationChoice_data()
+{
+    QTest::addColumn<QString>("current");
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<QString>("expectedStart");
+    QTest::addColumn<QString>("expectedDatabase");
+    QTest::newRow("chosen") << "a.mdb" << "b.mdb" << "a.mdb" << "b.mdb";
+    QTest::newRow("cancelled keeps the current") << "a.mdb" << "" << "a.mdb" << "a.mdb";
+    QTest::newRow("a folder starts the dialog there") << "kirjat" << "b.mdb" << "kirjat" << "b.mdb";
+}
+
+void tst_Startup::associationChoice()
+{
+    QFETCH(QString, current);
+    QFETCH(QString, answer);
+    QFETCH(QString, expectedStart);
+    QFETCH(QString, expectedDatabase);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    QVERIFY(TestEnv::createDatabase(env.path(QStringLiteral("a.mdb"))));
+    QVERIFY(TestEnv::createDatabase(env.path(QStringLiteral("b.mdb"))));
+    QDir().mkpath(env.path(QStringLiteral("kirjat")));
+    setDatabase(env, env.path(current), "MultiDb=2\n");
+    dialogs.answerOpenFile(answer.isEmpty() ? QString() : env.path(answer));
+    if (expectedDatabase != answer && !current.endsWith(QLatin1String(".mdb")))
+        dialogs.answerNo();
+    runStartup();
+    QCOMPARE(dialogs.shown().first().text, QStringLiteral("Seuran valinta | ") + env.path(expectedStart));
+    QCOMPARE(ProgramSettings::installation().Database, env.path(expectedDatabase));
+    QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), env.path(expectedDatabase));
+}
+
+QTEST_GUILESS_MAIN(tst_Startup)
+#include "tst_Startup.moc"

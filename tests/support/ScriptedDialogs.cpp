@@ -1,0 +1,100 @@
+#include "ScriptedDialogs.h"
+
+#include <QTest>
+
+ScriptedDialogs::ScriptedDialogs() { Dialogs::install(this); }
+
+ScriptedDialogs::~ScriptedDialogs() { Dialogs::install(nullptr); }
+
+QString ScriptedDialogs::kindName(Kind kind)
+{
+    switch (kind) {
+    case Kind::Information:
+        return QStringLiteral("information");
+    case Kind::Plain:
+        return QStringLiteral("plain");
+    case Kind::Error:
+        return QStringLiteral("error");
+    case Kind::Question:
+        return QStringLiteral("question");
+    case Kind::Input:
+        return QStringLiteral("input");
+    case Kind::OpenFile:
+        return QStringLiteral("open");
+    case Kind::SaveFile:
+        return QStringLiteral("save");
+    case Kind::Beep:
+        return QStringLiteral("beep");
+    case Kind::OpenUrl:
+        return QStringLiteral("url");
+    }
+    return {};
+}
+
+QStringList ScriptedDialogs::transcript() const
+{
+    QStringList lines;
+    for (const Shown& s : m_shown)
+        lines.append(kindName(s.kind) + QStringLiteral(": ") + s.text);
+    return lines;
+}
+
+QStringList ScriptedDialogs::texts(Kind kind) const
+{
+    QStringList result;
+    for (const Shown& s : m_shown)
+        if (s.kind == kind)
+            result.append(s.text);
+    return result;
+}
+
+void ScriptedDialogs::clear()
+{
+    m_answers.clear();
+    m_shown.clear();
+    m_failures.clear();
+}
+
+ScriptedDialogs& ScriptedDialogs::queue(Kind kind, const QVariant& value)
+{
+    m_answers.append({ kind, value });
+    return *this;
+}
+
+QVariant ScriptedDialogs::take(Kind kind, const QString& text)
+{
+    m_shown.append({ kind, text });
+    if (m_answers.isEmpty() || m_answers.first().first != kind) {
+        const QString failure = QStringLiteral("unscripted %1: %2").arg(kindName(kind), text);
+        m_failures.append(failure);
+        QTest::qFail(qPrintable(failure), __FILE__, __LINE__);
+        return {};
+    }
+    return m_answers.takeFirst().second;
+}
+
+void ScriptedDialogs::information(const QString& text) { m_shown.append({ Kind::Information, text }); }
+void ScriptedDialogs::plain(const QString& text) { m_shown.append({ Kind::Plain, text }); }
+void ScriptedDialogs::error(const QString& text) { m_shown.append({ Kind::Error, text }); }
+bool ScriptedDialogs::question(const QString& text) { return take(Kind::Question, text).toBool(); }
+
+std::optional<QString> ScriptedDialogs::input(const QString& prompt, const QString&)
+{
+    const QVariant v = take(Kind::Input, prompt);
+    if (!v.isValid())
+        return std::nullopt;
+    return v.toString();
+}
+
+QString ScriptedDialogs::openFileName(const QString& title, const QString&, const QString& start)
+{
+    return take(Kind::OpenFile, title + QStringLiteral(" | ") + start).toString();
+}
+
+QString ScriptedDialogs::saveFileName(const QString& title, const QString&, const QString& start)
+{
+    return take(Kind::SaveFile, title + QStringLiteral(" | ") + start).toString();
+}
+
+void ScriptedDialogs::beep() { m_shown.append({ Kind::Beep, QString() }); }
+void ScriptedDialogs::openUrl(const QUrl& url) { m_shown.append({ Kind::OpenUrl, url.toString() }); }

@@ -1,0 +1,84 @@
+#include "TestEnv.h"
+
+#include "DBC.h"
+#include "DatabaseFile.h"
+#include "Paths.h"
+#include "ProgramEnd.h"
+#include "ProgramSettings.h"
+#include "Schema.h"
+
+#include <QDate>
+#include <QDir>
+#include <QFile>
+#include <QSqlQuery>
+
+TestEnv::TestEnv()
+{
+    QDir().mkpath(programDir());
+    QDir().mkpath(path(QStringLiteral("data")));
+    Paths::setProgramDir(programDir());
+    Paths::setDataDir(path(QStringLiteral("data")));
+    Paths::setIniFile(iniFile());
+    DBC::instance().SuljeDB();
+    FileOps::resetToDefaults();
+    ProgramSettings::installation() = InstallationSettings();
+    ProgramSettings::bookkeeping() = BookkeepingSettings::defaults(QDate::currentDate());
+    ProgramEnd::setHandler([this] { ++m_programEnds; });
+}
+
+TestEnv::~TestEnv()
+{
+    DBC::instance().SuljeDB();
+    FileOps::resetToDefaults();
+    ProgramEnd::setHandler({});
+    Paths::reset();
+    // Read-only files must not stop the temporary folder from being removed.
+    const auto entries = QDir(m_dir.path()).entryInfoList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
+    for (const QFileInfo& f : entries)
+        QFile(f.filePath()).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}
+
+void TestEnv::writeIni(const QByteArray& content) const
+{
+    QDir().mkpath(QFileInfo(iniFile()).absolutePath());
+    writeFile(iniFile(), content);
+}
+
+QString TestEnv::readIni() const { return QString::fromUtf8(readFile(iniFile())); }
+
+QByteArray TestEnv::readFile(const QString& file)
+{
+    QFile f(file);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+bool TestEnv::writeFile(const QString& file, const QByteArray& bytes)
+{
+    QFile f(file);
+    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
+}
+
+bool TestEnv::createDatabase(const QString& file, Layout layout)
+{
+    bool ok = false;
+    withDatabase(file, [&](QSqlDatabase& db) {
+        ok = Schema::createCoreTables(db);
+        if (ok && layout == Layout::Current)
+            ok = Schema::UpdateDatabase(db).ok;
+        QSqlQuery q(db);
+        ok = ok && db.transaction();
+        ok = ok && q.exec(QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (1910, 'Pankkitili', ' '), "
+                                         "(2250, 'Edellisten tilikausien ylijäämä', ' '), (5000, 'Jäsenmaksut', ' ')"));
+        ok = ok && q.exec(QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (1, '2011-02-01', "
+                                         "'Jäsenmaksu O''Brien')"));
+        ok = ok && q.exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) VALUES "
+                                         "(1, 1, 'D', 255000, 'Jäsenmaksu'), (1, 3, 'K', 255000, 'Jäsenmaksu')"));
+        // Enough rows to fill several pages, so a damaged page leaves others readable.
+        for (int i = 0; ok && i < 400; ++i)
+            ok = q.exec(QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (%1, '2011-03-01', "
+                                       "'Tosite numero %1 jolla on pitkähkö selite sivujen täyttämiseksi')")
+                            .arg(i + 2));
+        ok = ok && db.commit();
+    });
+    return ok;
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QByteArray>
+#include <QSqlDatabase>
+#include <QString>
+#include <QTemporaryDir>
+
+// A private world for one test: program folder, data folder and ini file in a temporary
+// folder, fresh settings, no open database, the real file operations, and a program end that
+// is only counted.
+class TestEnv final {
+public:
+    TestEnv();
+    ~TestEnv();
+
+    QString path(const QString& relative) const { return m_dir.path() + u'/' + relative; }
+    QString programDir() const { return path(QStringLiteral("bin")); }
+    QString iniFile() const { return path(QStringLiteral("config/Vorkam/lxvorkam.ini")); }
+
+    void writeIni(const QByteArray& content) const;
+    QString readIni() const;
+    int programEnds() const { return m_programEnds; }
+
+    enum class Layout { Oldest, Current };
+    // A new association database at `file` with a few accounts, vouchers and entries.
+    static bool createDatabase(const QString& file, Layout layout = Layout::Current);
+    static QByteArray readFile(const QString& file);
+    static bool writeFile(const QString& file, const QByteArray& bytes);
+
+private:
+    QTemporaryDir m_dir;
+    int m_programEnds = 0;
+};
+
+// Runs `work` with a short-lived connection to `file`.
+template <typename Work>
+void withDatabase(const QString& file, Work work)
+{
+    const QString name = QStringLiteral("test_with_database");
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(file);
+        db.open();
+        work(db);
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+}

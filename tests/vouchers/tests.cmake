@@ -1,0 +1,1 @@
+# Tests of the vouchers subsystem: vorkam_add_test(name SOURCES vouchers/tst_X.cpp) or with UI for windows.

@@ -63,7 +63,8 @@ int main(int argc, char* argv[])
             for (const QString& statement : SqlScript::split(text)) {
                 QSqlQuery q(db);
                 if (!q.exec(statement))
-                    return fail(QStringLiteral("%1: %2\n%3").arg(file, q.lastError().text(), statement.left(300)));
+                    return fail(
+                        QStringLiteral("%1: %2\n%3").arg(file, q.lastError().text(), statement.left(300)));
             }
         }
         if (!tx.commit())

@@ -91,7 +91,8 @@ bool restoreFromBackup()
 
     QString source;
     while (source.isEmpty()) {
-        source = dialogs.openFileName(QStringLiteral("Valitse palautettava tietokanta"), filter, QDir::homePath());
+        source = dialogs.openFileName(
+            QStringLiteral("Valitse palautettava tietokanta"), filter, QDir::homePath());
         if (source.isEmpty() && stopRestore())
             return false;
         if (source.isEmpty())
@@ -99,9 +100,10 @@ bool restoreFromBackup()
         // Only a database Vorkam can open is restored; anything else would replace good books.
         const OpenResult seen = DatabaseFile::examine(source);
         if (!seen) {
-            dialogs.error(QStringLiteral("Tiedostoa %1 ei voi palauttaa: se ei ole Vorkamin tietokanta tai se on "
-                                         "vioittunut.")
-                              .arg(source));
+            dialogs.error(
+                QStringLiteral("Tiedostoa %1 ei voi palauttaa: se ei ole Vorkamin tietokanta tai se on "
+                               "vioittunut.")
+                    .arg(source));
             source.clear();
             if (stopRestore())
                 return false;
@@ -112,7 +114,8 @@ bool restoreFromBackup()
     while (target.isEmpty()) {
         target = dialogs.saveFileName(QStringLiteral("Valitse palautettavan tietokannan kohde"), filter,
             ProgramSettings::installation().Database);
-        if (!target.isEmpty() && QFileInfo(target).absoluteFilePath() == QFileInfo(source).absoluteFilePath()) {
+        if (!target.isEmpty()
+            && QFileInfo(target).absoluteFilePath() == QFileInfo(source).absoluteFilePath()) {
             dialogs.information(QStringLiteral("Varmuuskopiota ei voi palauttaa itsensä päälle."));
             target.clear();
         } else if (!target.isEmpty() && QFileInfo::exists(target)
@@ -129,9 +132,11 @@ bool restoreFromBackup()
     }
     ProgramSettings::installation().Database = target;
     if (!ProgramSettings::saveDatabase())
-        dialogs.information(QStringLiteral("Palautetun tietokannan nimeä ei voitu tallentaa asetustiedostoon."));
-    dialogs.information(QStringLiteral("Tietokanta on palautettu. Vorkam suljetaan, jotta palautettu tietokanta "
-                                       "otetaan käyttöön seuraavalla käynnistyksellä."));
+        dialogs.information(
+            QStringLiteral("Palautetun tietokannan nimeä ei voitu tallentaa asetustiedostoon."));
+    dialogs.information(
+        QStringLiteral("Tietokanta on palautettu. Vorkam suljetaan, jotta palautettu tietokanta "
+                       "otetaan käyttöön seuraavalla käynnistyksellä."));
     return true;
 }
 

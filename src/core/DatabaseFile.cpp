@@ -55,11 +55,13 @@ QByteArray readHeader(const QString& path, bool* readable)
     return *readable ? file.read(100) : QByteArray();
 }
 
-QString tempConnectionName() { return QStringLiteral("vorkam_tmp_") + QUuid::createUuid().toString(QUuid::Id128); }
+QString tempConnectionName()
+{
+    return QStringLiteral("vorkam_tmp_") + QUuid::createUuid().toString(QUuid::Id128);
+}
 
 // Runs `work` with a short-lived connection to `path` and removes the connection afterwards.
-template <typename Work>
-OpenResult withConnection(const QString& path, bool readOnly, Work work)
+template <typename Work> OpenResult withConnection(const QString& path, bool readOnly, Work work)
 {
     const QString name = tempConnectionName();
     OpenResult result = DatabaseFile::open(path, name, readOnly);
@@ -130,7 +132,8 @@ OpenResult salvage(const QString& source, const QString& target)
                         QStringList marks;
                         for (int i = 0; i < rec.count(); ++i)
                             marks.append(QStringLiteral("?"));
-                        insert.prepare(QStringLiteral("INSERT INTO %1 VALUES (%2)").arg(quotedName, marks.join(u',')));
+                        insert.prepare(
+                            QStringLiteral("INSERT INTO %1 VALUES (%2)").arg(quotedName, marks.join(u',')));
                         prepared = true;
                     }
                     for (int i = 0; i < rec.count(); ++i)

@@ -37,7 +37,10 @@ QString sqlLiteral(const QDate& date)
 {
     if (!date.isValid())
         return {};
-    return QStringLiteral("#%1/%2/%3#").arg(date.month()).arg(date.day()).arg(date.year(), 4, 10, QChar(u'0'));
+    return QStringLiteral("#%1/%2/%3#")
+        .arg(date.month())
+        .arg(date.day())
+        .arg(date.year(), 4, 10, QChar(u'0'));
 }
 
 QDate yearStart(const QDate& today) { return QDate(today.year(), 1, 1); }

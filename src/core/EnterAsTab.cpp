@@ -1,7 +1,7 @@
 #include "EnterAsTab.h"
 
-#include <QAbstractSpinBox>
 #include <QAbstractItemView>
+#include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QKeyEvent>
@@ -15,7 +15,8 @@ EnterAsTab* EnterAsTab::install(QWidget* root)
         filter = new EnterAsTab(root);
     const auto fields = root->findChildren<QWidget*>();
     for (QWidget* w : fields) {
-        if (qobject_cast<QLineEdit*>(w) || qobject_cast<QAbstractSpinBox*>(w) || qobject_cast<QComboBox*>(w)) {
+        if (qobject_cast<QLineEdit*>(w) || qobject_cast<QAbstractSpinBox*>(w)
+            || qobject_cast<QComboBox*>(w)) {
             w->removeEventFilter(filter);
             w->installEventFilter(filter);
         }
@@ -27,7 +28,8 @@ bool EnterAsTab::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::KeyPress) {
         auto* key = static_cast<QKeyEvent*>(event);
-        if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) && key->modifiers() == Qt::NoModifier) {
+        if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter)
+            && key->modifiers() == Qt::NoModifier) {
             if (auto* w = qobject_cast<QWidget*>(watched)) {
                 // Let an open completer or combo popup take Enter first.
                 if (auto* combo = qobject_cast<QComboBox*>(w); combo && combo->view()->isVisible())

@@ -64,8 +64,8 @@ bool saveInstallation();
 // Reads every bookkeeping key in its order from the database's Settings table, with the
 // defaults of a missing key, and applies the report margins. `databasePath` names the
 // association when Seurannimi is not stored.
-void loadBookkeeping(const QSqlDatabase& db, const QString& databasePath,
-    const QDate& today = QDate::currentDate());
+void loadBookkeeping(
+    const QSqlDatabase& db, const QString& databasePath, const QDate& today = QDate::currentDate());
 // Writes every bookkeeping key; false when any write failed.
 bool saveBookkeeping(const QSqlDatabase& db);
 

@@ -27,8 +27,8 @@ void QtDialogs::error(const QString& text) { showBox(QMessageBox::Critical, text
 
 bool QtDialogs::question(const QString& text)
 {
-    QMessageBox box(QMessageBox::Question, Title, text, QMessageBox::Yes | QMessageBox::No,
-        QApplication::activeWindow());
+    QMessageBox box(
+        QMessageBox::Question, Title, text, QMessageBox::Yes | QMessageBox::No, QApplication::activeWindow());
     box.button(QMessageBox::Yes)->setText(QStringLiteral("&Kyllä"));
     box.button(QMessageBox::No)->setText(QStringLiteral("&Ei"));
     box.setDefaultButton(QMessageBox::Yes);
@@ -38,8 +38,8 @@ bool QtDialogs::question(const QString& text)
 std::optional<QString> QtDialogs::input(const QString& prompt, const QString& defaultText)
 {
     bool ok = false;
-    const QString text
-        = QInputDialog::getText(QApplication::activeWindow(), Title, prompt, QLineEdit::Normal, defaultText, &ok);
+    const QString text = QInputDialog::getText(
+        QApplication::activeWindow(), Title, prompt, QLineEdit::Normal, defaultText, &ok);
     if (!ok)
         return std::nullopt;
     return text;

@@ -51,12 +51,14 @@ struct CreateTable {
 };
 
 const CreateTable TkTable { "tk",
-    "CREATE TABLE tk (tkID INTEGER PRIMARY KEY AUTOINCREMENT, tkTeksti TEXT, tkTyyppi INTEGER, tkParam INTEGER)" };
+    "CREATE TABLE tk (tkID INTEGER PRIMARY KEY AUTOINCREMENT, tkTeksti TEXT, tkTyyppi INTEGER, tkParam "
+    "INTEGER)" };
 const CreateTable SettingsTable { "Settings",
     "CREATE TABLE Settings (setID INTEGER PRIMARY KEY AUTOINCREMENT, setSection TEXT, setKey TEXT, "
     "setString TEXT)" };
 const CreateTable TlSaldotTable { "tlSaldot",
-    "CREATE TABLE tlSaldot (tlsID INTEGER PRIMARY KEY AUTOINCREMENT, Tili TEXT, Debet INTEGER, Kredit INTEGER, "
+    "CREATE TABLE tlSaldot (tlsID INTEGER PRIMARY KEY AUTOINCREMENT, Tili TEXT, Debet INTEGER, Kredit "
+    "INTEGER, "
     "Erotus INTEGER)" };
 const CreateTable TlTarkastelutTable { "tlTarkastelut",
     "CREATE TABLE tlTarkastelut (tltID INTEGER PRIMARY KEY AUTOINCREMENT, Numero INTEGER, Paiva TEXT, "
@@ -82,7 +84,10 @@ const char* const Indexes[] = {
     "CREATE INDEX IF NOT EXISTS ix_Settings_key ON Settings (setSection, setKey)",
 };
 
-QString quoted(const QString& name) { return u'"' + QString(name).replace(u'"', QStringLiteral("\"\"")) + u'"'; }
+QString quoted(const QString& name)
+{
+    return u'"' + QString(name).replace(u'"', QStringLiteral("\"\"")) + u'"';
+}
 
 class Upgrader {
 public:
@@ -110,7 +115,8 @@ public:
 
     bool recreateQueries(int step)
     {
-        for (const QString& name : { QStringLiteral("viennit"), QStringLiteral("viennitA"), QStringLiteral("viennitL") }) {
+        for (const QString& name :
+            { QStringLiteral("viennit"), QStringLiteral("viennitA"), QStringLiteral("viennitL") }) {
             if (Schema::queryPresent(m_db, name) && !exec(step, QStringLiteral("DROP VIEW ") + quoted(name)))
                 return false;
             if (!exec(step, QStringLiteral("CREATE VIEW %1 AS %2").arg(quoted(name), Schema::querySql(name))))

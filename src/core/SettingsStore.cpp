@@ -73,7 +73,8 @@ int IniSettingsStore::findKey(const QString& wanted, int* sectionEnd) const
         if (sectionEnd && !m_lines.at(i).trimmed().isEmpty())
             *sectionEnd = i + 1;
         QString key;
-        if (found < 0 && splitKeyValue(m_lines.at(i), &key, nullptr) && key.compare(wanted, Qt::CaseInsensitive) == 0)
+        if (found < 0 && splitKeyValue(m_lines.at(i), &key, nullptr)
+            && key.compare(wanted, Qt::CaseInsensitive) == 0)
             found = i;
     }
     return found;
@@ -132,7 +133,8 @@ DbSettingsStore::DbSettingsStore(const QSqlDatabase& db)
 QString DbSettingsStore::read(const QString& key, const QString& defaultValue) const
 {
     QSqlQuery q(m_db);
-    q.prepare(QStringLiteral("SELECT setString FROM Settings WHERE setSection = ? AND setKey = ? ORDER BY setID"));
+    q.prepare(
+        QStringLiteral("SELECT setString FROM Settings WHERE setSection = ? AND setKey = ? ORDER BY setID"));
     q.addBindValue(m_section);
     q.addBindValue(key);
     if (!q.exec() || !q.next())

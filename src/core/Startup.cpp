@@ -27,7 +27,8 @@ Startup::Startup()
 QString Startup::currencyWarning()
 {
     return QStringList {
-        QStringLiteral("Windowsin kansallisuus / maakohtaisissa asetuksissa on valuuttatunnuksena vielä 'mk'."),
+        QStringLiteral(
+            "Windowsin kansallisuus / maakohtaisissa asetuksissa on valuuttatunnuksena vielä 'mk'."),
         QStringLiteral("Vorkam ja monet muut ohjelmat käyttävät tätä asetusta näytöllä ja tulosteilla."),
         QStringLiteral("1. Avaa Käynnistä -valikosta Ohjauspaneeli (Control Panel)."),
         QStringLiteral("2. Avaa Kansallisuus (tai Maakohtaiset) asetukset (Regional and Language Options)."),
@@ -68,12 +69,13 @@ Startup::Result Startup::run()
     if (install.MultiDb) {
         const QString current = install.Database;
         const QString start = current.contains(QLatin1String("mdb")) ? current : QDir(current).absolutePath();
-        const QString chosen
-            = dialogs.openFileName(QStringLiteral("Seuran valinta"), QStringLiteral("Database (*.mdb)"), start);
+        const QString chosen = dialogs.openFileName(
+            QStringLiteral("Seuran valinta"), QStringLiteral("Database (*.mdb)"), start);
         if (!chosen.isEmpty()) {
             install.Database = chosen;
             if (!ProgramSettings::saveDatabase())
-                dialogs.information(QStringLiteral("Asetustiedostoon %1 ei voi kirjoittaa.").arg(Paths::iniFile()));
+                dialogs.information(
+                    QStringLiteral("Asetustiedostoon %1 ei voi kirjoittaa.").arg(Paths::iniFile()));
         }
     }
 
@@ -92,7 +94,8 @@ Startup::Result Startup::run()
                                   .arg(upgrade.failedStep)
                                   .arg(upgrade.error));
             if (result.defaultTaken && !ProgramSettings::saveDatabase())
-                dialogs.information(QStringLiteral("Asetustiedostoon %1 ei voi kirjoittaa.").arg(Paths::iniFile()));
+                dialogs.information(
+                    QStringLiteral("Asetustiedostoon %1 ei voi kirjoittaa.").arg(Paths::iniFile()));
             ProgramSettings::loadBookkeeping(db, install.Database, today);
             result.databaseOpen = true;
         }
@@ -118,11 +121,13 @@ bool Startup::openAndCheck(Result& result)
             dialogs.information(QStringLiteral("Tietokanta on kirjoitussuojatussa tilassa.\nEnnen avaamista "
                                                "Vorkamissa sen tulee olla kirjoitettavassa tilassa."));
             readOnly = true;
-            if (dialogs.question(QStringLiteral("Haluatko, että Vorkam muuttaa tietokannan kirjoitettavaan tilaan?"))) {
+            if (dialogs.question(
+                    QStringLiteral("Haluatko, että Vorkam muuttaa tietokannan kirjoitettavaan tilaan?"))) {
                 if (FileOps::instance().makeWritable(install.Database))
                     readOnly = false;
                 else
-                    dialogs.information(QStringLiteral("Kirjoitussuojauksen poistaminen ei jostain syystä onnistunut."));
+                    dialogs.information(
+                        QStringLiteral("Kirjoitussuojauksen poistaminen ei jostain syystä onnistunut."));
             }
         }
         opened = DatabaseFile::open(install.Database, StartupConnection, readOnly);
@@ -133,10 +138,11 @@ bool Startup::openAndCheck(Result& result)
         case DbError::None:
             return true;
         case DbError::JetFormat:
-            dialogs.error(QStringLiteral("Tietokanta %1 on vanhassa Jet-muodossa, jota Vorkam ei voi avata "
-                                         "sellaisenaan.\nTietokanta on muunnettava Vorkamin muotoon ennen käyttöä. "
-                                         "Tiedostoa ei ole muutettu.")
-                              .arg(install.Database));
+            dialogs.error(
+                QStringLiteral("Tietokanta %1 on vanhassa Jet-muodossa, jota Vorkam ei voi avata "
+                               "sellaisenaan.\nTietokanta on muunnettava Vorkamin muotoon ennen käyttöä. "
+                               "Tiedostoa ei ole muutettu.")
+                    .arg(install.Database));
             return false;
         case DbError::Damaged:
         case DbError::Failed:
@@ -166,16 +172,18 @@ void Startup::repair(const QString& path, Result& result)
     Dialogs& dialogs = Dialogs::instance();
     FileOps& ops = FileOps::instance();
     result.repaired = true;
-    dialogs.plain(QStringLiteral("Tietokanta on vioittunut edellisen käyttökerran lopetuksen yhteydessä, yritän "
-                                 "korjata tietokannan. Odota hetki."));
+    dialogs.plain(
+        QStringLiteral("Tietokanta on vioittunut edellisen käyttökerran lopetuksen yhteydessä, yritän "
+                       "korjata tietokannan. Odota hetki."));
     const QString repaired = path + u'2';
     const QString old = path + QStringLiteral("OLD");
     // A leftover copy of an earlier failed repair is only a copy: the damaged original is kept.
     if (QFileInfo::exists(repaired) && !QFileInfo(repaired).isDir())
         ops.remove(repaired);
     if (!DatabaseFile::repairInto(path, repaired)) {
-        dialogs.plain(QStringLiteral("Tietokannan korjaus ei onnistunut. Palauta tietokanta varmuuskopiolta ennen "
-                                     "kuin jatkat Vorkamin käyttöä."));
+        dialogs.plain(
+            QStringLiteral("Tietokannan korjaus ei onnistunut. Palauta tietokanta varmuuskopiolta ennen "
+                           "kuin jatkat Vorkamin käyttöä."));
         return;
     }
     if (!ops.rename(path, old)) {

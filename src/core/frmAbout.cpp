@@ -13,10 +13,10 @@ frmAbout::frmAbout(QWidget* parent)
 {
     ui->setupUi(this);
     ui->lblVersio->setText(QStringLiteral("Versio %1").arg(QCoreApplication::applicationVersion()));
-    ui->lblTiedostot->setText(QStringLiteral("Tietokanta: %1\nAsetukset: %2\nOhjelmakansio: %3")
-                                  .arg(QDir::toNativeSeparators(ProgramSettings::installation().Database),
-                                      QDir::toNativeSeparators(Paths::iniFile()),
-                                      QDir::toNativeSeparators(Paths::programDir())));
+    ui->lblTiedostot->setText(
+        QStringLiteral("Tietokanta: %1\nAsetukset: %2\nOhjelmakansio: %3")
+            .arg(QDir::toNativeSeparators(ProgramSettings::installation().Database),
+                QDir::toNativeSeparators(Paths::iniFile()), QDir::toNativeSeparators(Paths::programDir())));
     connect(ui->cOK, &QPushButton::clicked, this, &QDialog::accept);
 }
 

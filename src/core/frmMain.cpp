@@ -51,10 +51,11 @@ frmMain::frmMain(QWidget* parent)
              static_cast<QWidget*>(ui->cTulosJaTase) })
         w->setEnabled(false);
     for (QAction* a : { ui->mTositteet, ui->mTulosJaTase, ui->mTilit, ui->mAsetukset, ui->mAvausviennit,
-             ui->mTilinpaatosviennit, ui->mKopiotikkuVarmistus, ui->mKopiotikkuPalautus, ui->mKopioTikkuHallinta,
-             ui->mVarmistusKansioon, ui->mMuokkaaTietokantaa, ui->mLuoTietokantaMallistaYhdistys,
-             ui->mLuoTietokantaMallistaAOY, ui->mLuoTietokantaMallistaLions, ui->mLuoTietokantaMallistaMetalli,
-             ui->mLuoTietokantaNykyisesta, ui->mService })
+             ui->mTilinpaatosviennit, ui->mKopiotikkuVarmistus, ui->mKopiotikkuPalautus,
+             ui->mKopioTikkuHallinta, ui->mVarmistusKansioon, ui->mMuokkaaTietokantaa,
+             ui->mLuoTietokantaMallistaYhdistys, ui->mLuoTietokantaMallistaAOY,
+             ui->mLuoTietokantaMallistaLions, ui->mLuoTietokantaMallistaMetalli, ui->mLuoTietokantaNykyisesta,
+             ui->mService })
         a->setEnabled(false);
 
     connect(ui->cKayttotuki, &QPushButton::clicked, this, &frmMain::openManual);

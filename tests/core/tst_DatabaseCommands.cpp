@@ -13,15 +13,18 @@
 
 namespace {
 
-const QString Done = QStringLiteral("information: Tietokannan varmuuskopiointi ja uudelleenjärjestely valmis.");
+const QString Done
+    = QStringLiteral("information: Tietokannan varmuuskopiointi ja uudelleenjärjestely valmis.");
 const QString RenameFailed = QStringLiteral("error: Tietokannan uudelleen nimeäminen ei onnistu.");
-const QString FinalRenameFailed = QStringLiteral("error: Korjatun tietokannan uudelleen nimeäminen ei onnistu.");
+const QString FinalRenameFailed
+    = QStringLiteral("error: Korjatun tietokannan uudelleen nimeäminen ei onnistu.");
 const QString StopRestore = QStringLiteral("question: Haluatko keskeyttää tietokannan palautuksen?");
 
 QString startMessage(const QString& folder)
 {
-    return QStringLiteral("information: Aloitetaan tietokannan varmuuskopiointi ja uudelleenjärjestely.\nVarmista "
-                          "että kohde %1 on valmiina.\nKopiointi kestää hetken...")
+    return QStringLiteral(
+        "information: Aloitetaan tietokannan varmuuskopiointi ja uudelleenjärjestely.\nVarmista "
+        "että kohde %1 on valmiina.\nKopiointi kestää hetken...")
         .arg(folder);
 }
 
@@ -80,9 +83,15 @@ void tst_DatabaseCommands::workNames_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("two");
     QTest::addColumn<QString>("three");
-    QTest::newRow("mdb") << "/koti/seura.mdb" << "/koti/seura.md2" << "/koti/seura.md3";
-    QTest::newRow("last character not b") << "/koti/seura.dat" << "/koti/seura.da2" << "/koti/seura.da3";
-    QTest::newRow("no extension") << "/koti/kirjat" << "/koti/kirja2" << "/koti/kirja3";
+    QTest::newRow("mdb") << "/koti/seura.mdb"
+                         << "/koti/seura.md2"
+                         << "/koti/seura.md3";
+    QTest::newRow("last character not b") << "/koti/seura.dat"
+                                          << "/koti/seura.da2"
+                                          << "/koti/seura.da3";
+    QTest::newRow("no extension") << "/koti/kirjat"
+                                  << "/koti/kirja2"
+                                  << "/koti/kirja3";
 }
 
 void tst_DatabaseCommands::workNames()
@@ -177,9 +186,9 @@ void tst_DatabaseCommands::compactionFailure()
     // The compacted copy's name is taken by a folder that cannot be removed.
     QDir().mkpath(env.path(QStringLiteral("seura.md2/sisalto")));
     QVERIFY(!DatabaseCommands::backupAndReorganize());
-    QVERIFY(dialogs.transcript().last().startsWith(
-        QStringLiteral("error: Tietokannan uudelleenjärjestely ei onnistunut. Palauta tietokanta varmuuskopiolta "
-                       "ennen kuin jatkat Vorkamin käyttöä.\n")));
+    QVERIFY(dialogs.transcript().last().startsWith(QStringLiteral(
+        "error: Tietokannan uudelleenjärjestely ei onnistunut. Palauta tietokanta varmuuskopiolta "
+        "ennen kuin jatkat Vorkamin käyttöä.\n")));
     QCOMPARE(TestEnv::readFile(books.file), books.bytes);
 }
 
@@ -225,13 +234,19 @@ void tst_DatabaseCommands::restoreReplacesAfterQuestion()
     const QByteArray backupBytes = TestEnv::readFile(backup);
 
     // The first target is refused, then the user goes on and takes the database in use.
-    dialogs.answerOpenFile(backup).answerSaveFile(books.file).answerNo().answerNo().answerSaveFile(books.file).answerYes();
+    dialogs.answerOpenFile(backup)
+        .answerSaveFile(books.file)
+        .answerNo()
+        .answerNo()
+        .answerSaveFile(books.file)
+        .answerYes();
     QVERIFY(DatabaseCommands::restoreFromBackup());
     const QStringList t = dialogs.transcript();
     QCOMPARE(t.at(2), QStringLiteral("question: Tiedosto on jo olemassa, korvataanko varmuuskopiolla?"));
     QCOMPARE(t.at(3), StopRestore);
-    QCOMPARE(t.last(), QStringLiteral("information: Tietokanta on palautettu. Vorkam suljetaan, jotta palautettu "
-                                      "tietokanta otetaan käyttöön seuraavalla käynnistyksellä."));
+    QCOMPARE(t.last(),
+        QStringLiteral("information: Tietokanta on palautettu. Vorkam suljetaan, jotta palautettu "
+                       "tietokanta otetaan käyttöön seuraavalla käynnistyksellä."));
     QCOMPARE(TestEnv::readFile(books.file), backupBytes);
     QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), books.file);
     QCOMPARE(dialogs.remainingAnswers(), 0);

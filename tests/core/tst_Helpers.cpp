@@ -32,7 +32,8 @@ void tst_Helpers::moneyParse_data()
     QTest::newRow("comma decimals") << "12,50" << true << qint64(125000);
     QTest::newRow("dot decimals") << "12.50" << true << qint64(125000);
     QTest::newRow("space thousands") << "1 234,50" << true << qint64(12345000);
-    QTest::newRow("no-break space thousands") << QString::fromUtf8("1\u00a0234,50") << true << qint64(12345000);
+    QTest::newRow("no-break space thousands")
+        << QString::fromUtf8("1\u00a0234,50") << true << qint64(12345000);
     QTest::newRow("dot thousands, comma decimals") << "1.234,50" << true << qint64(12345000);
     QTest::newRow("comma thousands, dot decimals") << "1,234.50" << true << qint64(12345000);
     QTest::newRow("dot thousands only") << "1.234.567" << true << qint64(12345670000);
@@ -77,14 +78,20 @@ void tst_Helpers::moneyFormat_data()
     QTest::addColumn<QString>("plain");
     QTest::addColumn<QString>("currency");
     const QString nb = QString(QChar(0x00A0));
-    QTest::newRow("thousands") << qint64(12345000) << "1" + nb + "234,50" << "1" + nb + "234,50" + nb + QString::fromUtf8("€");
-    QTest::newRow("zero") << qint64(0) << "0,00" << "0,00" + nb + QString::fromUtf8("€");
-    QTest::newRow("negative") << qint64(-12345000) << "-1" + nb + "234,50" << "-1" + nb + "234,50" + nb + QString::fromUtf8("€");
+    QTest::newRow("thousands") << qint64(12345000) << "1" + nb + "234,50"
+                               << "1" + nb + "234,50" + nb + QString::fromUtf8("€");
+    QTest::newRow("zero") << qint64(0) << "0,00"
+                          << "0,00" + nb + QString::fromUtf8("€");
+    QTest::newRow("negative") << qint64(-12345000) << "-1" + nb + "234,50"
+                              << "-1" + nb + "234,50" + nb + QString::fromUtf8("€");
     QTest::newRow("millions") << qint64(12345678900000) << "1" + nb + "234" + nb + "567" + nb + "890,00"
                               << "1" + nb + "234" + nb + "567" + nb + "890,00" + nb + QString::fromUtf8("€");
-    QTest::newRow("half cent rounds up") << qint64(50) << "0,01" << "0,01" + nb + QString::fromUtf8("€");
-    QTest::newRow("negative half cent rounds away") << qint64(-50) << "-0,01" << "-0,01" + nb + QString::fromUtf8("€");
-    QTest::newRow("under half cent") << qint64(49) << "0,00" << "0,00" + nb + QString::fromUtf8("€");
+    QTest::newRow("half cent rounds up") << qint64(50) << "0,01"
+                                         << "0,01" + nb + QString::fromUtf8("€");
+    QTest::newRow("negative half cent rounds away") << qint64(-50) << "-0,01"
+                                                    << "-0,01" + nb + QString::fromUtf8("€");
+    QTest::newRow("under half cent") << qint64(49) << "0,00"
+                                     << "0,00" + nb + QString::fromUtf8("€");
 }
 
 void tst_Helpers::moneyFormat()
@@ -114,11 +121,16 @@ void tst_Helpers::amountBySide_data()
     QTest::addColumn<QString>("type");
     QTest::addColumn<QString>("side");
     QTest::addColumn<qint64>("expected");
-    QTest::newRow("debit on debit side") << "D" << "D" << qint64(100);
-    QTest::newRow("credit on debit side") << "K" << "D" << qint64(-100);
-    QTest::newRow("credit on credit side") << "K" << "K" << qint64(100);
-    QTest::newRow("debit on credit side") << "D" << "K" << qint64(-100);
-    QTest::newRow("only first character counts") << "Debet" << "D" << qint64(100);
+    QTest::newRow("debit on debit side") << "D"
+                                         << "D" << qint64(100);
+    QTest::newRow("credit on debit side") << "K"
+                                          << "D" << qint64(-100);
+    QTest::newRow("credit on credit side") << "K"
+                                           << "K" << qint64(100);
+    QTest::newRow("debit on credit side") << "D"
+                                          << "K" << qint64(-100);
+    QTest::newRow("only first character counts") << "Debet"
+                                                 << "D" << qint64(100);
 }
 
 void tst_Helpers::amountBySide()

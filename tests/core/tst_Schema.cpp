@@ -154,8 +154,9 @@ void tst_Schema::failingStepResumesNextTime()
         QCOMPARE(r.appliedSteps, (QList<int> { 1, 2, 3 }));
         QVERIFY(Schema::tableMissing(db, QStringLiteral("tk")));
 
-        QVERIFY(q.exec(QStringLiteral("CREATE TABLE toE (toEID INTEGER PRIMARY KEY AUTOINCREMENT, toENumero INTEGER, "
-                                      "toEPvm TEXT, toESelite TEXT, toEAvaustosite INTEGER NOT NULL DEFAULT 0)")));
+        QVERIFY(q.exec(
+            QStringLiteral("CREATE TABLE toE (toEID INTEGER PRIMARY KEY AUTOINCREMENT, toENumero INTEGER, "
+                           "toEPvm TEXT, toESelite TEXT, toEAvaustosite INTEGER NOT NULL DEFAULT 0)")));
         r = Schema::UpdateDatabase(db);
         QVERIFY2(r.ok, qPrintable(r.error));
         QCOMPARE(r.appliedSteps.first(), 4);
@@ -173,7 +174,8 @@ void tst_Schema::tablesCreatedWithTheirFieldsInOrder()
             QStringLiteral("tltID,Numero,Paiva,Selite,Debet,Kredit,Erotus"));
         QCOMPARE(columns(db, QStringLiteral("vipPohjat")).join(u','),
             QStringLiteral("vipID,viptlID,viptpID,vipTyyppi,vipArvo"));
-        QCOMPARE(columns(db, QStringLiteral("Settings")).join(u','), QStringLiteral("setID,setSection,setKey,setString"));
+        QCOMPARE(columns(db, QStringLiteral("Settings")).join(u','),
+            QStringLiteral("setID,setSection,setKey,setString"));
         // Automatic keys are never reused, even after the newest row is deleted.
         QSqlQuery q(db);
         QVERIFY(q.exec(QStringLiteral("INSERT INTO tk (tkTeksti) VALUES ('a')")));

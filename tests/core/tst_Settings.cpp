@@ -35,7 +35,8 @@ void tst_Settings::iniRoundTrip()
     }
     QCOMPARE(env.readIni(), QStringLiteral("[VORKAM]\nDatabase=/koti/seura/toinen.mdb\nMultiDb=1\n"));
     IniSettingsStore again(env.iniFile());
-    QCOMPARE(again.read(QStringLiteral("database"), QStringLiteral("x")), QStringLiteral("/koti/seura/toinen.mdb"));
+    QCOMPARE(again.read(QStringLiteral("database"), QStringLiteral("x")),
+        QStringLiteral("/koti/seura/toinen.mdb"));
     QCOMPARE(again.read(QStringLiteral("Puuttuva"), QStringLiteral("oletus")), QStringLiteral("oletus"));
     again.setSection(QStringLiteral("MUU"));
     QCOMPARE(again.read(QStringLiteral("Database"), QStringLiteral("ei")), QStringLiteral("ei"));
@@ -44,8 +45,9 @@ void tst_Settings::iniRoundTrip()
 void tst_Settings::iniKeepsWhatItDoesNotUnderstand()
 {
     TestEnv env;
-    const QByteArray garbled("\xff\xfe roskaa\n[MUU]\nDatabase=/muu.mdb\n; kommentti\n[VORKAM]\r\nMultiDb=2\r\n"
-                             "rikkinainen rivi\n\x01\x02\n");
+    const QByteArray garbled(
+        "\xff\xfe roskaa\n[MUU]\nDatabase=/muu.mdb\n; kommentti\n[VORKAM]\r\nMultiDb=2\r\n"
+        "rikkinainen rivi\n\x01\x02\n");
     env.writeIni(garbled);
     IniSettingsStore ini(env.iniFile());
     QCOMPARE(ini.read(QStringLiteral("Database"), QStringLiteral("-")), QStringLiteral("-"));
@@ -53,9 +55,11 @@ void tst_Settings::iniKeepsWhatItDoesNotUnderstand()
     QVERIFY(ini.write(QStringLiteral("Database"), QStringLiteral("/uusi.mdb")));
     const QByteArray after = TestEnv::readFile(env.iniFile());
     // Every line that was there is still there; the new key went into the VORKAM section.
-    QVERIFY(after.startsWith("\xff\xfe roskaa\n[MUU]\nDatabase=/muu.mdb\n; kommentti\n[VORKAM]\nMultiDb=2\n"));
+    QVERIFY(
+        after.startsWith("\xff\xfe roskaa\n[MUU]\nDatabase=/muu.mdb\n; kommentti\n[VORKAM]\nMultiDb=2\n"));
     QVERIFY(after.contains("rikkinainen rivi\n\x01\x02\nDatabase=/uusi.mdb\n"));
-    QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), QStringLiteral("/uusi.mdb"));
+    QCOMPARE(
+        IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), QStringLiteral("/uusi.mdb"));
 }
 
 void tst_Settings::installationDefaultsAreStored()

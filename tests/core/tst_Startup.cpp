@@ -1,7 +1,7 @@
 #include "DatabaseFile.h"
 #include "ProgramSettings.h"
-#include "ScriptedDialogs.h"
 #include "Schema.h"
+#include "ScriptedDialogs.h"
 #include "SettingsStore.h"
 #include "Startup.h"
 #include "TestEnv.h"
@@ -18,13 +18,15 @@ const QString ReadOnlyInfo = QStringLiteral(
     "kirjoitettavassa tilassa.");
 const QString ReadOnlyQuestion
     = QStringLiteral("question: Haluatko, että Vorkam muuttaa tietokannan kirjoitettavaan tilaan?");
-const QString NotFound = QStringLiteral("information: Tietokantaa ei löydy, korjaa asetuksista tietokannan nimi");
+const QString NotFound
+    = QStringLiteral("information: Tietokantaa ei löydy, korjaa asetuksista tietokannan nimi");
 const QString TryDefault = QStringLiteral("question: Yritetäänkö avata oletustietokanta?");
 const QString Damaged = QStringLiteral("plain: Tietokanta on vioittunut edellisen käyttökerran lopetuksen "
                                        "yhteydessä, yritän korjata tietokannan. Odota hetki.");
 const QString RepairFailed = QStringLiteral("plain: Tietokannan korjaus ei onnistunut. Palauta tietokanta "
                                             "varmuuskopiolta ennen kuin jatkat Vorkamin käyttöä.");
-const QString RenameDamagedFailed = QStringLiteral("plain: Vioittuneen tietokannan uudelleen nimeäminen ei onnistu.");
+const QString RenameDamagedFailed
+    = QStringLiteral("plain: Vioittuneen tietokannan uudelleen nimeäminen ei onnistu.");
 
 Startup::Result runStartup()
 {
@@ -96,7 +98,8 @@ void tst_Startup::cleanOpenUpgradesOldestLayout()
     // The start-up's own connection is closed at the end.
     QVERIFY(QSqlDatabase::connectionNames().isEmpty());
     // A second start finds nothing more to upgrade.
-    withDatabase(file, [](QSqlDatabase& db) { QCOMPARE(Schema::UpdateDatabase(db).appliedSteps, QList<int> { 12 }); });
+    withDatabase(
+        file, [](QSqlDatabase& db) { QCOMPARE(Schema::UpdateDatabase(db).appliedSteps, QList<int> { 12 }); });
 }
 
 void tst_Startup::captionNamesAssociationAndFile()
@@ -126,8 +129,8 @@ void tst_Startup::currencyInMarksWarns()
     startup.formatCurrency = [] { return QStringLiteral("1 234,50 MK"); };
     startup.run();
     QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Information), QStringList { Startup::currencyWarning() });
-    QVERIFY(Startup::currencyWarning().startsWith(
-        QStringLiteral("Windowsin kansallisuus / maakohtaisissa asetuksissa on valuuttatunnuksena vielä 'mk'.\n")));
+    QVERIFY(Startup::currencyWarning().startsWith(QStringLiteral(
+        "Windowsin kansallisuus / maakohtaisissa asetuksissa on valuuttatunnuksena vielä 'mk'.\n")));
     QCOMPARE(Startup::currencyWarning().count(u'\n'), 7);
 }
 
@@ -162,7 +165,8 @@ void tst_Startup::readOnlyFile()
     const Startup::Result r = runStartup();
     QStringList expected { ReadOnlyInfo, ReadOnlyQuestion };
     if (answerYes && !clearingWorks)
-        expected.append(QStringLiteral("information: Kirjoitussuojauksen poistaminen ei jostain syystä onnistunut."));
+        expected.append(
+            QStringLiteral("information: Kirjoitussuojauksen poistaminen ei jostain syystä onnistunut."));
     QCOMPARE(dialogs.transcript().mid(0, expected.size()), expected);
     QCOMPARE(writable(file), writableAfter);
     QVERIFY(r.databaseOpen);
@@ -347,12 +351,14 @@ void tst_Startup::foreignDatabaseIsNotUpgraded()
     TestEnv env;
     ScriptedDialogs dialogs;
     const QString file = env.path(QStringLiteral("muu.mdb"));
-    withDatabase(file, [](QSqlDatabase& db) { QSqlQuery(db).exec(QStringLiteral("CREATE TABLE osoitteet (nimi TEXT)")); });
+    withDatabase(file,
+        [](QSqlDatabase& db) { QSqlQuery(db).exec(QStringLiteral("CREATE TABLE osoitteet (nimi TEXT)")); });
     const QByteArray before = TestEnv::readFile(file);
     setDatabase(env, file);
     const Startup::Result r = runStartup();
     QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error),
-        QStringList { QStringLiteral("Tiedosto %1 ei ole Vorkamin tietokanta: siitä puuttuu taulu tl.").arg(file) });
+        QStringList {
+            QStringLiteral("Tiedosto %1 ei ole Vorkamin tietokanta: siitä puuttuu taulu tl.").arg(file) });
     QVERIFY(!r.databaseOpen);
     QCOMPARE(TestEnv::readFile(file), before);
 }
@@ -363,9 +369,18 @@ void tst_Startup::associationChoice_data()
     QTest::addColumn<QString>("answer");
     QTest::addColumn<QString>("expectedStart");
     QTest::addColumn<QString>("expectedDatabase");
-    QTest::newRow("chosen") << "a.mdb" << "b.mdb" << "a.mdb" << "b.mdb";
-    QTest::newRow("cancelled keeps the current") << "a.mdb" << "" << "a.mdb" << "a.mdb";
-    QTest::newRow("a folder starts the dialog there") << "kirjat" << "b.mdb" << "kirjat" << "b.mdb";
+    QTest::newRow("chosen") << "a.mdb"
+                            << "b.mdb"
+                            << "a.mdb"
+                            << "b.mdb";
+    QTest::newRow("cancelled keeps the current") << "a.mdb"
+                                                 << ""
+                                                 << "a.mdb"
+                                                 << "a.mdb";
+    QTest::newRow("a folder starts the dialog there") << "kirjat"
+                                                      << "b.mdb"
+                                                      << "kirjat"
+                                                      << "b.mdb";
 }
 
 void tst_Startup::associationChoice()
@@ -386,7 +401,8 @@ void tst_Startup::associationChoice()
     runStartup();
     QCOMPARE(dialogs.shown().first().text, QStringLiteral("Seuran valinta | ") + env.path(expectedStart));
     QCOMPARE(ProgramSettings::installation().Database, env.path(expectedDatabase));
-    QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), env.path(expectedDatabase));
+    QCOMPARE(
+        IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), env.path(expectedDatabase));
 }
 
 QTEST_GUILESS_MAIN(tst_Startup)

@@ -8,9 +8,9 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QTest>
 #include <QTimer>
 #include <QToolButton>
-#include <QTest>
 
 namespace {
 
@@ -51,12 +51,20 @@ void tst_frmMain::buttons_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("caption");
     QTest::addColumn<QString>("tooltip");
-    QTest::newRow("cTositteet") << "cTositteet" << "Tositteet" << "Avaa Tositteet";
-    QTest::newRow("cTilit") << "cTilit" << "Tilit" << "Avaa Tilit";
-    QTest::newRow("cTulosJaTase") << "cTulosJaTase" << "Tulos ja tase" << "Avaa Tulos ja tase";
+    QTest::newRow("cTositteet") << "cTositteet"
+                                << "Tositteet"
+                                << "Avaa Tositteet";
+    QTest::newRow("cTilit") << "cTilit"
+                            << "Tilit"
+                            << "Avaa Tilit";
+    QTest::newRow("cTulosJaTase") << "cTulosJaTase"
+                                  << "Tulos ja tase"
+                                  << "Avaa Tulos ja tase";
     QTest::newRow("cKayttotuki") << "cKayttotuki" << QString::fromUtf8("Käyttötuki")
                                  << QString::fromUtf8("Avaa käyttötukisivu selainohjelmaan");
-    QTest::newRow("cSulje") << "cSulje" << "Sulje" << "Sulje Vorkam [Alt+F4]";
+    QTest::newRow("cSulje") << "cSulje"
+                            << "Sulje"
+                            << "Sulje Vorkam [Alt+F4]";
 }
 
 void tst_frmMain::buttons()
@@ -86,21 +94,25 @@ void tst_frmMain::menusInOrder()
     QStringList file = menuItems(top.at(0));
     file.removeAll(QStringLiteral("-"));
     QCOMPARE(file,
-        (QStringList { "mTositteet=&Tositteet", "mTulosJaTase=T&ulos ja tase", "mTilit=T&ilit", "mAsetukset=&Asetukset",
-            "mAvausviennit=Avausviennit", QString::fromUtf8("mTilinpaatosviennit=Tilinpäätösviennit"),
-            "mKopioTikku=Varmistus Kopiotikulle", "mVarmistusKansioon=Varmistus kansioon",
-            "mVarmistus=Tietokannan &varmuuskopio", "mPalautus=Tietokannan palautus", "mSulje=&Sulje" }));
+        (QStringList { "mTositteet=&Tositteet", "mTulosJaTase=T&ulos ja tase", "mTilit=T&ilit",
+            "mAsetukset=&Asetukset", "mAvausviennit=Avausviennit",
+            QString::fromUtf8("mTilinpaatosviennit=Tilinpäätösviennit"), "mKopioTikku=Varmistus Kopiotikulle",
+            "mVarmistusKansioon=Varmistus kansioon", "mVarmistus=Tietokannan &varmuuskopio",
+            "mPalautus=Tietokannan palautus", "mSulje=&Sulje" }));
     QCOMPARE(menuItems(w.findChild<QMenu*>(QStringLiteral("mKopioTikku"))),
-        (QStringList { "mKopiotikkuVarmistus=Varmuuskopio", "mKopiotikkuPalautus=Palautus", "mKopioTikkuHallinta=Hallinta" }));
+        (QStringList { "mKopiotikkuVarmistus=Varmuuskopio", "mKopiotikkuPalautus=Palautus",
+            "mKopioTikkuHallinta=Hallinta" }));
     QStringList db = menuItems(top.at(1));
     db.removeAll(QStringLiteral("-"));
     QCOMPARE(db,
-        (QStringList { "mMuokkaaTietokantaa=Muokkaa tietokantaa", "mLuoTietokantaMallista=Luo tietokanta mallista",
+        (QStringList { "mMuokkaaTietokantaa=Muokkaa tietokantaa",
+            "mLuoTietokantaMallista=Luo tietokanta mallista",
             QString::fromUtf8("mLuoTietokantaNykyisesta=Kopio nykyisestä"),
             QString::fromUtf8("mService=Huoltotiedoston lähetys"), "mTietoja=Tietoja" }));
     QCOMPARE(menuItems(w.findChild<QMenu*>(QStringLiteral("mLuoTietokantaMallista"))),
-        (QStringList { "mLuoTietokantaMallistaYhdistys=Yhdistyksen malli", "mLuoTietokantaMallistaAOY=Asunto OY:n malli",
-            "mLuoTietokantaMallistaLions=Lions", "mLuoTietokantaMallistaMetalli=Metalliliitto" }));
+        (QStringList { "mLuoTietokantaMallistaYhdistys=Yhdistyksen malli",
+            "mLuoTietokantaMallistaAOY=Asunto OY:n malli", "mLuoTietokantaMallistaLions=Lions",
+            "mLuoTietokantaMallistaMetalli=Metalliliitto" }));
     // The development commands are not part of the program.
     QVERIFY(!w.findChild<QObject*>(QStringLiteral("mTesti")));
     QVERIFY(!w.findChild<QObject*>(QStringLiteral("mTestiTosite")));
@@ -152,7 +164,8 @@ void tst_frmMain::supportOpensManual()
     frmMain w;
     QTest::mouseClick(w.findChild<QPushButton*>(QStringLiteral("cKayttotuki")), Qt::LeftButton);
     QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::OpenUrl),
-        QStringList { QUrl::fromLocalFile(env.programDir() + QStringLiteral("/kayttoohje/index.html")).toString() });
+        QStringList {
+            QUrl::fromLocalFile(env.programDir() + QStringLiteral("/kayttoohje/index.html")).toString() });
 }
 
 void tst_frmMain::closeEndsProgram()

@@ -67,17 +67,23 @@ bool TestEnv::createDatabase(const QString& file, Layout layout)
             ok = Schema::UpdateDatabase(db).ok;
         QSqlQuery q(db);
         ok = ok && db.transaction();
-        ok = ok && q.exec(QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (1910, 'Pankkitili', ' '), "
-                                         "(2250, 'Edellisten tilikausien ylijäämä', ' '), (5000, 'Jäsenmaksut', ' ')"));
-        ok = ok && q.exec(QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (1, '2011-02-01', "
-                                         "'Jäsenmaksu O''Brien')"));
-        ok = ok && q.exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) VALUES "
-                                         "(1, 1, 'D', 255000, 'Jäsenmaksu'), (1, 3, 'K', 255000, 'Jäsenmaksu')"));
+        ok = ok
+            && q.exec(QStringLiteral(
+                "INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (1910, 'Pankkitili', ' '), "
+                "(2250, 'Edellisten tilikausien ylijäämä', ' '), (5000, 'Jäsenmaksut', ' ')"));
+        ok = ok
+            && q.exec(
+                QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (1, '2011-02-01', "
+                               "'Jäsenmaksu O''Brien')"));
+        ok = ok
+            && q.exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) VALUES "
+                                     "(1, 1, 'D', 255000, 'Jäsenmaksu'), (1, 3, 'K', 255000, 'Jäsenmaksu')"));
         // Enough rows to fill several pages, so a damaged page leaves others readable.
         for (int i = 0; ok && i < 400; ++i)
-            ok = q.exec(QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (%1, '2011-03-01', "
-                                       "'Tosite numero %1 jolla on pitkähkö selite sivujen täyttämiseksi')")
-                            .arg(i + 2));
+            ok = q.exec(
+                QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (%1, '2011-03-01', "
+                               "'Tosite numero %1 jolla on pitkähkö selite sivujen täyttämiseksi')")
+                    .arg(i + 2));
         ok = ok && db.commit();
     });
     return ok;

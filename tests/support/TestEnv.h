@@ -33,8 +33,7 @@ private:
 };
 
 // Runs `work` with a short-lived connection to `file`.
-template <typename Work>
-void withDatabase(const QString& file, Work work)
+template <typename Work> void withDatabase(const QString& file, Work work)
 {
     const QString name = QStringLiteral("test_with_database");
     {

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "TositeRecord.h"
+#include "cVienti.h"
+
+#include <memory>
+#include <vector>
+
+// One voucher of the current fiscal year (table "to"), with the cursor that steps through the
+// vouchers of one kind in number order. Ordinary, opening and closing vouchers are browsed as
+// three separate sequences but share one number sequence. Vouchers numbered below 0 carry
+// ledger balance rows and are never seen by numbering or the cursor.
+class cTosite final : public TositeRecord {
+    Q_OBJECT
+
+public:
+    using Viennit = std::vector<std::unique_ptr<cVienti>>;
+
+    cTosite()
+        : TositeRecord(VoucherLayout::current())
+    {
+    }
+
+    // Gives a new voucher the next number of the shared sequence and the latest voucher date
+    // (`defaultDate` when there are no vouchers). Writes nothing; returns the number.
+    // `avaustosite` does not change the numbering: all kinds share one sequence.
+    qint32 SetTositeNumeroJaPaiva(const QDate& defaultDate, bool avaustosite);
+
+    // A new, unsaved entry of this voucher; IsEmpty when the voucher is.
+    std::unique_ptr<cVienti> AddNewVienti(const QString& tyyppi) const;
+    // The stored entries of one type ("D" or "K"), in the order they were stored.
+    Viennit GetViennit(const QString& tyyppi) const;
+
+    // Each returns a new voucher of the kind given (opening, closing), IsEmpty when there is none.
+    std::unique_ptr<cTosite> GetFirst(bool avaustosite, bool paatostosite) const;
+    std::unique_ptr<cTosite> GetPrevious(bool avaustosite, bool paatostosite) const;
+    std::unique_ptr<cTosite> GetNext(bool avaustosite, bool paatostosite) const;
+    std::unique_ptr<cTosite> GetLast(bool avaustosite, bool paatostosite) const;
+
+    // The greatest number of debit or of credit entries in any one voucher: how many entry rows
+    // the longest voucher needs.
+    static qint16 MaxLkmViennitPerTosite();
+
+private:
+    std::unique_ptr<cTosite> found(qint32 key) const;
+    std::unique_ptr<cTosite> step(const QString& numberCondition, const QVariant& numero, bool avaustosite,
+        bool paatostosite, bool descending) const;
+};

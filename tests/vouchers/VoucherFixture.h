@@ -1,0 +1,94 @@
+#pragma once
+
+#include "DBC.h"
+#include "ProgramSettings.h"
+#include "Schema.h"
+#include "TestEnv.h"
+
+#include <QDate>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTest>
+#include <QVariant>
+
+// A private, empty association database of the current layout, opened as the program's
+// database, with small helpers to put rows in and read them back.
+class VoucherFixture final {
+public:
+    VoucherFixture()
+    {
+        const QString file = env.path(QStringLiteral("data/vouchers.mdb"));
+        withDatabase(file,
+            [this](QSqlDatabase& db) { ok = Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok; });
+        ProgramSettings::installation().Database = file;
+        ok = ok && DBC::instance().AvaaDB().isOpen();
+        ProgramSettings::bookkeeping().TilikausiAlku = QDate(2011, 1, 1);
+        ProgramSettings::bookkeeping().TilikausiLoppu = QDate(2011, 12, 31);
+        ProgramSettings::bookkeeping().LaskettavaTili = 0;
+        ProgramSettings::bookkeeping().AutomaattisestiUusiTosite = false;
+    }
+
+    static QSqlDatabase db() { return DBC::instance().AvaaDB(); }
+
+    // Runs a statement with bound values; fails the test on error.
+    static bool exec(const QString& sql, const QVariantList& values = {})
+    {
+        QSqlQuery q(db());
+        if (!q.prepare(sql)) {
+            qWarning("%s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
+            return false;
+        }
+        for (const QVariant& v : values)
+            q.addBindValue(v);
+        if (!q.exec()) {
+            qWarning("%s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
+            return false;
+        }
+        return true;
+    }
+
+    static QVariant value(const QString& sql, const QVariantList& values = {})
+    {
+        QSqlQuery q(db());
+        q.prepare(sql);
+        for (const QVariant& v : values)
+            q.addBindValue(v);
+        return q.exec() && q.next() ? q.value(0) : QVariant();
+    }
+
+    static int count(const QString& table, const QString& where = QStringLiteral("1 = 1"))
+    {
+        return value(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2").arg(table, where)).toInt();
+    }
+
+    // Rows written by this connection so far: tells whether an operation wrote anything.
+    static qint64 totalChanges() { return value(QStringLiteral("SELECT total_changes()")).toLongLong(); }
+
+    // kind: "" ordinary, "A" opening, "P" closing. Returns the new key.
+    static int addTosite(int numero, const QString& kind = QString(),
+        const QString& pvm = QStringLiteral("2011-03-01"), const QString& selite = QStringLiteral("Tosite"))
+    {
+        exec(QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite, toAvaustosite, toPaatostosite, "
+                            "toAutomaatti) VALUES (?, ?, ?, ?, ?, 0)"),
+            { numero, pvm, selite, kind == u"A" ? 1 : 0, kind == u"P" ? 1 : 0 });
+        return value(QStringLiteral("SELECT MAX(toID) FROM \"to\"")).toInt();
+    }
+
+    static int addVienti(int toId, int tlId, const QString& tyyppi, qint64 raw)
+    {
+        exec(QStringLiteral(
+                 "INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) VALUES (?, ?, ?, ?, 'x')"),
+            { toId, tlId, tyyppi, raw });
+        return value(QStringLiteral("SELECT MAX(viID) FROM vi")).toInt();
+    }
+
+    static int addTili(int numero, const QString& nimi)
+    {
+        exec(QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (?, ?, ' ')"),
+            { numero, nimi });
+        return value(QStringLiteral("SELECT MAX(tlID) FROM tl")).toInt();
+    }
+
+    TestEnv env;
+    bool ok = false;
+};

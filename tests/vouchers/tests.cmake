@@ -1,2 +1,3 @@
 # Tests of the vouchers subsystem: vorkam_add_test(name SOURCES vouchers/tst_X.cpp) or with UI for windows.
 vorkam_add_test(tst_cTosite SOURCES vouchers/tst_cTosite.cpp)
+vorkam_add_test(tst_cTositeEd SOURCES vouchers/tst_cTositeEd.cpp)

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "VientiRecord.h"
+
+// One entry of a voucher of the previous fiscal year (table viE). A new entry's key is the
+// largest key + 1, given by the program.
+class cVientiEd final : public VientiRecord {
+public:
+    cVientiEd()
+        : VientiRecord(VoucherLayout::previous())
+    {
+    }
+};

@@ -1,0 +1,198 @@
+#include "Tilikartta.h"
+
+#include "ProgramSettings.h"
+#include "RecordText.h"
+#include "Transaction.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+
+namespace Tilikartta {
+
+namespace {
+
+const QString PuuVirhe = QStringLiteral("Virhe luotaessa hakemistopuuta tileistä.");
+
+QString puuVirhe(const QString& syy) { return PuuVirhe + u'\n' + syy; }
+
+// Removes the leading rows whose name is missing or begins below "A". Gives "" or the cause
+// that stopped the tree.
+QString siivoaAlkurivit(const QSqlDatabase& db)
+{
+    Transaction transaction(db);
+    QString syy;
+    for (;;) {
+        QSqlQuery q(db);
+        if (!q.exec(QStringLiteral("SELECT tlID, tlNimi FROM tl ORDER BY tlNumero, tlNimi LIMIT 1"))) {
+            syy = q.lastError().text();
+            break;
+        }
+        if (!q.next())
+            break;
+        const qint32 id = q.value(0).toInt();
+        const QVariant nimi = q.value(1);
+        q.finish();
+        if (!nimi.isNull()) {
+            const QString text = nimi.toString();
+            if (text.isEmpty()) {
+                syy = QStringLiteral("Tilin nimi on tyhjä, eikä sillä ole ensimmäistä merkkiä.");
+                break;
+            }
+            if (text.at(0).unicode() >= 65)
+                break;
+        }
+        QSqlQuery del(db);
+        del.prepare(QStringLiteral("DELETE FROM tl WHERE tlID = ?"));
+        del.addBindValue(id);
+        if (!del.exec()) {
+            syy = del.lastError().text();
+            break;
+        }
+    }
+    // The rows removed so far stay removed, as when the tree stops further on.
+    if (transaction.isActive() && !transaction.commit() && syy.isEmpty())
+        syy = db.lastError().text();
+    return syy;
+}
+
+} // namespace
+
+std::optional<int> ryhma(qint32 numero)
+{
+    const qint32 g = numero / 1000;
+    if (g * 1000 <= 0)
+        return MuutIndex;
+    if (g - 1 >= RyhmaCount)
+        return std::nullopt;
+    return g - 1;
+}
+
+QString ryhmaAvain(int index)
+{
+    return index == MuutIndex ? QStringLiteral("MuutPN")
+                              : QString::number((index + 1) * 1000) + QStringLiteral("PN");
+}
+
+QString ryhmaTeksti(int index)
+{
+    return index == MuutIndex ? QStringLiteral("Muut") : u' ' + QString::number((index + 1) * 1000) + u' ';
+}
+
+QString tiliAvain(qint32 id) { return QString::number(id) + QStringLiteral("ID"); }
+
+QString tiliTeksti(qint32 numero, const QString& nimi) { return QString::number(numero) + u' ' + nimi; }
+
+std::optional<qint32> tiliAvaimesta(const QString& key)
+{
+    if (!key.contains(QStringLiteral("ID"), Qt::CaseInsensitive))
+        return std::nullopt;
+    bool ok = false;
+    const qint32 id = key.left(key.size() - 2).toInt(&ok);
+    return ok ? std::optional<qint32>(id) : std::nullopt;
+}
+
+std::optional<qint32> numeroTekstista(const QString& text)
+{
+    bool ok = false;
+    const qint32 value = text.trimmed().toInt(&ok, 10);
+    return ok ? std::optional<qint32>(value) : std::nullopt;
+}
+
+Puu lueTilikartta(const QSqlDatabase& db)
+{
+    Puu puu;
+    if (const QString syy = siivoaAlkurivit(db); !syy.isEmpty()) {
+        puu.virhe = puuVirhe(syy);
+        return puu;
+    }
+    QSqlQuery q(db);
+    if (!q.exec(QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl ORDER BY tlNumero, tlNimi"))) {
+        puu.virhe = puuVirhe(q.lastError().text());
+        return puu;
+    }
+    while (q.next()) {
+        Rivi rivi;
+        rivi.id = q.value(0).toInt();
+        rivi.numero = q.value(1).toInt();
+        rivi.nimi = q.value(2).toString();
+        const std::optional<int> r = ryhma(rivi.numero);
+        if (!r) {
+            puu.virhe = puuVirhe(
+                QStringLiteral("Tilinumerolle %1 ei ole ryhmää: suurin sallittu tilinumero on 10999.")
+                    .arg(rivi.numero));
+            break;
+        }
+        rivi.ryhma = *r;
+        puu.rivit.append(rivi);
+    }
+    return puu;
+}
+
+Tarkistus tarkistaTili(const QSqlDatabase& db, const QString& numeroText, const QString& nimi, qint32 omaId)
+{
+    const std::optional<qint32> numero = numeroTekstista(numeroText);
+    if (!numero || QString::number(*numero).size() < 4)
+        return { QStringLiteral("Tilinumeron tulee olla neljä numeroa pitkä."), true };
+    if (!ryhma(*numero))
+        return { QStringLiteral("Tilinumeron tulee olla pienempi kuin 11000."), true };
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT COUNT(*) AS Lkm FROM tl WHERE tlNumero = ? AND tlID <> ?"));
+    q.addBindValue(*numero);
+    q.addBindValue(omaId);
+    if (!q.exec() || !q.next())
+        return { q.lastError().text(), false };
+    if (q.value(0).toInt() > 0)
+        return { QStringLiteral("Tilinumerolla ") + numeroText + QStringLiteral(" löytyy jo tili."), true };
+    // A name of blanks only is refused too: such an account would be removed when the tree is
+    // next built.
+    if (nimi.trimmed().isEmpty())
+        return { QStringLiteral("Tilillä tulee olla nimi."), false };
+    return {};
+}
+
+qint32 lisaaTili(const QSqlDatabase& db, const QString& numeroText, const QString& nimi,
+    const QString& kuvaus, Tarkistus* virhe)
+{
+    Tarkistus tarkistus = tarkistaTili(db, numeroText, nimi);
+    qint32 id = 0;
+    if (tarkistus.ok()) {
+        QSqlQuery q(db);
+        q.prepare(
+            QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus, tlAlkusaldo, tlLoppusaldo, tlPrint) "
+                           "VALUES (?, ?, ?, 0, 0, 0)"));
+        q.addBindValue(*numeroTekstista(numeroText));
+        q.addBindValue(RecordText::storedName(nimi));
+        q.addBindValue(RecordText::storedDescription(kuvaus));
+        if (q.exec())
+            id = q.lastInsertId().toInt();
+        else
+            tarkistus.viesti = q.lastError().text();
+    }
+    if (virhe)
+        *virhe = tarkistus;
+    return id;
+}
+
+QString poistonEste(const QSqlDatabase& db, qint32 id)
+{
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT (SELECT COUNT(viID) FROM vi WHERE viArvo <> 0 AND vitlID = ?), "
+                             "(SELECT COUNT(viEID) FROM viE WHERE viEArvo <> 0 AND viEtlID = ?)"));
+    q.addBindValue(id);
+    q.addBindValue(id);
+    if (!q.exec() || !q.next())
+        return q.lastError().text();
+    if (q.value(0).toInt() > 0 || q.value(1).toInt() > 0)
+        return QStringLiteral(
+            "Tilillä on vientejä kuluvalla tai edellisellä tilikaudella eikä sitä voida poistaa.");
+    return {};
+}
+
+bool tietokantaAsetusPuuttuu()
+{
+    const QString database = ProgramSettings::installation().Database.trimmed();
+    return database.isEmpty() || database.compare(QStringLiteral("unknown"), Qt::CaseInsensitive) == 0;
+}
+
+} // namespace Tilikartta

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QList>
+#include <QSqlDatabase>
+#include <QString>
+#include <optional>
+
+// The rules of the chart of accounts that its windows share: the grouping by thousands, the
+// reading of the chart for the tree, adding an account and the delete rule.
+namespace Tilikartta {
+
+// Group nodes: index 0–8 for the groups 1000–9000, index 9 for "Muut".
+constexpr int RyhmaCount = 10;
+constexpr int MuutIndex = 9;
+
+// The group of an account number: 1000–1999 in index 0 … 9000–9999 in index 8; numbers below
+// 1000 (also 0 and negative) and 10000–10999 in "Muut". Numbers of 11000 and more have no
+// group: nullopt.
+std::optional<int> ryhma(qint32 numero);
+
+// Node keys and texts of the tree.
+QString ryhmaAvain(int index); // "3000PN", "MuutPN"
+QString ryhmaTeksti(int index); // " 3000 ", "Muut"
+QString tiliAvain(qint32 id); // "57ID"
+QString tiliTeksti(qint32 numero, const QString& nimi); // "1910 Pankkitili"
+// The account id of a node key, nullopt for a group node.
+std::optional<qint32> tiliAvaimesta(const QString& key);
+
+// An account number as the user typed it: a whole number, blanks around it allowed.
+std::optional<qint32> numeroTekstista(const QString& text);
+
+struct Rivi {
+    qint32 id = 0;
+    qint32 numero = 0;
+    QString nimi;
+    int ryhma = MuutIndex;
+};
+
+struct Puu {
+    QList<Rivi> rivit;
+    // "" when the whole chart was read; otherwise the tree message. The rows read before the
+    // failure are kept.
+    QString virhe;
+};
+
+// Reads the chart in number and name order for the tree. First removes the leading rows whose
+// name is missing or begins with a character below "A" (a blank, a digit, punctuation), up to
+// the first row whose name begins with "A" or above; rows like that further down are kept.
+// A leading empty name, and a number of 11000 or more, end the reading with the message
+// "Virhe luotaessa hakemistopuuta tileistä." and a line with the cause.
+Puu lueTilikartta(const QSqlDatabase& db);
+
+// The outcome of a check: "" when it passed, otherwise the message and whether the number
+// field is at fault.
+struct Tarkistus {
+    QString viesti;
+    bool numerossa = false;
+    bool ok() const { return viesti.isEmpty(); }
+};
+
+// The checks of a new or renumbered account, in order: the number is a number of at least
+// four digits (leading zeros do not count), it fits the tree (below 11000), no other account
+// than `omaId` has it, and the name is not blank.
+Tarkistus tarkistaTili(
+    const QSqlDatabase& db, const QString& numeroText, const QString& nimi, qint32 omaId = 0);
+
+// Adds an account after tarkistaTili; an empty description is stored as a blank. Gives the
+// new tlID, or 0 with `virhe` set when the checks or the database refused.
+qint32 lisaaTili(const QSqlDatabase& db, const QString& numeroText, const QString& nimi,
+    const QString& kuvaus, Tarkistus* virhe);
+
+// The delete rule: an account with entries of a non-zero amount in this or the previous
+// fiscal year cannot be deleted. Gives "" when it can, otherwise the message.
+QString poistonEste(const QSqlDatabase& db, qint32 id);
+
+// The database setting is missing or reads "unknown".
+bool tietokantaAsetusPuuttuu();
+
+} // namespace Tilikartta

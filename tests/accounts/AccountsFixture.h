@@ -1,0 +1,75 @@
+#pragma once
+
+#include "DBC.h"
+#include "Money.h"
+#include "ProgramSettings.h"
+#include "Schema.h"
+#include "TestEnv.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTest>
+#include <QVariant>
+
+// An association database of the current layout with a chosen chart and no vouchers, opened
+// as the program's database.
+struct AccountsFixture {
+    TestEnv env;
+    QString file = env.path(QStringLiteral("tilit.mdb"));
+
+    AccountsFixture()
+    {
+        bool ok = false;
+        withDatabase(file,
+            [&](QSqlDatabase& db) { ok = Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok; });
+        if (!ok)
+            qFatal("cannot create the test database");
+        ProgramSettings::installation().Database = file;
+    }
+
+    QSqlDatabase db() const { return DBC::instance().AvaaDB(); }
+
+    // Runs a statement with bound values; fails the program on an error so a broken fixture
+    // never passes as a result.
+    QSqlQuery exec(const QString& sql, const QVariantList& values = {}) const
+    {
+        QSqlQuery q(db());
+        q.prepare(sql);
+        for (const QVariant& v : values)
+            q.addBindValue(v);
+        if (!q.exec())
+            qFatal("%s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
+        return q;
+    }
+
+    // Adds an account and gives its tlID; a null name is stored as NULL.
+    qint32 tili(qint32 numero, const QVariant& nimi, const QString& kuvaus = QStringLiteral(" ")) const
+    {
+        return exec(QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (?, ?, ?)"),
+            { numero, nimi, kuvaus })
+            .lastInsertId()
+            .toInt();
+    }
+
+    // Adds an entry of this (`edellinen` false) or the previous fiscal year.
+    void vienti(qint32 tlID, const QString& tyyppi, Money arvo, bool avaus, bool edellinen = false) const
+    {
+        const QString sql = edellinen
+            ? QStringLiteral(
+                "INSERT INTO viE (viEtoID, viEtlID, viETyyppi, viEArvo, viESelite, viEAvausvienti) "
+                "VALUES (1, ?, ?, ?, 'x', ?)")
+            : QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite, viAvausvienti) "
+                             "VALUES (1, ?, ?, ?, 'x', ?)");
+        exec(sql, { tlID, tyyppi, arvo.raw(), avaus ? 1 : 0 });
+    }
+
+    QVariant value(const QString& sql, const QVariantList& values = {}) const
+    {
+        QSqlQuery q = exec(sql, values);
+        return q.next() ? q.value(0) : QVariant();
+    }
+
+    int tileja() const { return value(QStringLiteral("SELECT COUNT(*) FROM tl")).toInt(); }
+};
+
+inline Money euros(const char* text) { return *Money::parse(QString::fromLatin1(text)); }

@@ -5,6 +5,9 @@ set(VORKAM_VOUCHERS_CORE
   vouchers/TositeRecord.cpp
   vouchers/cTosite.cpp
   vouchers/cTositeEd.cpp
+  vouchers/VoucherAccounts.cpp
 )
 set(VORKAM_VOUCHERS_UI
+  vouchers/frmNewTositteet.cpp
+  vouchers/frmNewTositteet.ui
 )

@@ -1,3 +1,4 @@
 # Tests of the vouchers subsystem: vorkam_add_test(name SOURCES vouchers/tst_X.cpp) or with UI for windows.
 vorkam_add_test(tst_cTosite SOURCES vouchers/tst_cTosite.cpp)
 vorkam_add_test(tst_cTositeEd SOURCES vouchers/tst_cTositeEd.cpp)
+vorkam_add_test(tst_frmNewTositteet UI SOURCES vouchers/tst_frmNewTositteet.cpp)

@@ -9,4 +9,13 @@ set(VORKAM_ACCOUNTS_CORE
   accounts/Tilikartta.h
 )
 set(VORKAM_ACCOUNTS_UI
+  accounts/frmLisaaTili.cpp
+  accounts/frmLisaaTili.h
+  accounts/frmLisaaTili.ui
+  accounts/frmTilikartta.cpp
+  accounts/frmTilikartta.h
+  accounts/frmTilikartta.ui
+  accounts/frmTilitNew.cpp
+  accounts/frmTilitNew.h
+  accounts/frmTilitNew.ui
 )

@@ -1,3 +1,4 @@
 # Tests of the accounts subsystem: vorkam_add_test(name SOURCES accounts/tst_X.cpp) or with UI for windows.
 vorkam_add_test(tst_cTili SOURCES accounts/tst_cTili.cpp)
 vorkam_add_test(tst_Tilikartta SOURCES accounts/tst_Tilikartta.cpp)
+vorkam_add_test(tst_frmTilitNew UI SOURCES accounts/tst_frmTilitNew.cpp)

@@ -71,9 +71,9 @@ const CreateTable VipPohjatTable { "vipPohjat",
     "vipTyyppi TEXT, vipArvo INTEGER)" };
 
 const char* const Indexes[] = {
-    "CREATE INDEX IF NOT EXISTS ix_vi_vitoID ON vi (vitoID)",
+    "CREATE INDEX IF NOT EXISTS ix_vi_vitoID ON vi (vitoID, viTyyppi)",
     "CREATE INDEX IF NOT EXISTS ix_vi_vitlID ON vi (vitlID)",
-    "CREATE INDEX IF NOT EXISTS ix_viE_viEtoID ON viE (viEtoID)",
+    "CREATE INDEX IF NOT EXISTS ix_viE_viEtoID ON viE (viEtoID, viETyyppi)",
     "CREATE INDEX IF NOT EXISTS ix_viE_viEtlID ON viE (viEtlID)",
     "CREATE INDEX IF NOT EXISTS ix_to_toNumero ON \"to\" (toNumero)",
     "CREATE INDEX IF NOT EXISTS ix_to_toPvm ON \"to\" (toPvm)",

@@ -8,6 +8,8 @@
 #include "ProgramEnd.h"
 #include "ProgramSettings.h"
 #include "frmAbout.h"
+#include "frmNewTositteet.h"
+#include "frmTilitNew.h"
 
 #include <QCloseEvent>
 #include <QFileInfo>
@@ -46,18 +48,28 @@ frmMain::frmMain(QWidget* parent)
     ui->cTositteet->setDefault(true);
     ui->cSulje->setShortcut(QKeySequence(QStringLiteral("Alt+F4")));
 
-    // Windows and commands that arrive in later versions are shown but cannot be chosen yet.
+    // Windows and commands that arrive in later versions are shown but cannot be chosen yet;
+    // the working windows open once the start-up has opened a database.
     for (QWidget* w : { static_cast<QWidget*>(ui->cTositteet), static_cast<QWidget*>(ui->cTilit),
              static_cast<QWidget*>(ui->cTulosJaTase) })
         w->setEnabled(false);
     for (QAction* a : { ui->mTositteet, ui->mTulosJaTase, ui->mTilit, ui->mAsetukset, ui->mAvausviennit,
-             ui->mTilinpaatosviennit, ui->mKopiotikkuVarmistus, ui->mKopiotikkuPalautus,
+             ui->mTilinpaatosviennit, ui->mVarmistus, ui->mKopiotikkuVarmistus, ui->mKopiotikkuPalautus,
              ui->mKopioTikkuHallinta, ui->mVarmistusKansioon, ui->mMuokkaaTietokantaa,
              ui->mLuoTietokantaMallistaYhdistys, ui->mLuoTietokantaMallistaAOY,
              ui->mLuoTietokantaMallistaLions, ui->mLuoTietokantaMallistaMetalli, ui->mLuoTietokantaNykyisesta,
              ui->mService })
         a->setEnabled(false);
 
+    // The voucher command opens the current voucher window whatever VanhatTositteet says:
+    // Vorkam has no older window.
+    connect(ui->cTositteet, &QPushButton::clicked, this, [this] { openWindow(Window::Tositteet); });
+    connect(ui->mTositteet, &QAction::triggered, this, [this] { openWindow(Window::Tositteet); });
+    connect(ui->mAvausviennit, &QAction::triggered, this, [this] { openWindow(Window::Avausviennit); });
+    connect(ui->mTilinpaatosviennit, &QAction::triggered, this,
+        [this] { openWindow(Window::Tilinpaatosviennit); });
+    connect(ui->cTilit, &QPushButton::clicked, this, [this] { openWindow(Window::Tilit); });
+    connect(ui->mTilit, &QAction::triggered, this, [this] { openWindow(Window::Tilit); });
     connect(ui->cKayttotuki, &QPushButton::clicked, this, &frmMain::openManual);
     connect(ui->cSulje, &QPushButton::clicked, this, &frmMain::endProgram);
     connect(ui->mSulje, &QAction::triggered, this, &frmMain::endProgram);
@@ -81,7 +93,40 @@ void frmMain::startUp()
     } else {
         ui->lblSeura->setText(QStringLiteral("Tietokantaa ei ole avattu."));
     }
-    ui->mVarmistus->setEnabled(m_startup.databaseOpen);
+    const bool open = m_startup.databaseOpen;
+    for (QWidget* w : { static_cast<QWidget*>(ui->cTositteet), static_cast<QWidget*>(ui->cTilit) })
+        w->setEnabled(open);
+    for (QAction* a :
+        { ui->mTositteet, ui->mTilit, ui->mAvausviennit, ui->mTilinpaatosviennit, ui->mVarmistus })
+        a->setEnabled(open);
+}
+
+void frmMain::openWindow(Window which)
+{
+    QPointer<QWidget>& slot = m_windows[int(which)];
+    if (!slot) {
+        switch (which) {
+        case Window::Tositteet:
+            slot = new frmNewTositteet(frmNewTositteet::Kind::Ordinary, this);
+            break;
+        case Window::Avausviennit:
+            slot = new frmNewTositteet(frmNewTositteet::Kind::Opening, this);
+            break;
+        case Window::Tilinpaatosviennit:
+            slot = new frmNewTositteet(frmNewTositteet::Kind::Closing, this);
+            break;
+        case Window::Tilit:
+            slot = new frmTilitNew(this);
+            break;
+        case Window::Count:
+            return;
+        }
+        slot->setWindowFlag(Qt::Window);
+        slot->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    slot->show();
+    slot->raise();
+    slot->activateWindow();
 }
 
 void frmMain::openManual()
@@ -112,6 +157,13 @@ void frmMain::endProgram()
 
 void frmMain::closeEvent(QCloseEvent* event)
 {
+    // The working windows close first, so that each can save or keep its unsaved changes.
+    for (QPointer<QWidget>& w : m_windows) {
+        if (w && !w->close()) {
+            event->ignore();
+            return;
+        }
+    }
     DBC::instance().SuljeDB();
     event->accept();
 }

@@ -3,6 +3,7 @@
 #include "Startup.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <memory>
 
 namespace Ui {
@@ -26,6 +27,9 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    enum class Window { Tositteet, Avausviennit, Tilinpaatosviennit, Tilit, Count };
+    // Opens a working window, or brings it forward when it is open already.
+    void openWindow(Window which);
     void openManual();
     void showAbout();
     void backupAndReorganize();
@@ -34,4 +38,5 @@ private:
 
     std::unique_ptr<Ui::frmMain> ui;
     Startup::Result m_startup;
+    QPointer<QWidget> m_windows[int(Window::Count)];
 };

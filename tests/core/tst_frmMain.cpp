@@ -40,6 +40,8 @@ private slots:
     void laterFeaturesAreDisabled();
     void startUpSetsCaption();
     void withoutDatabaseBackupIsDisabled();
+    void workingWindowsOpenOnce_data();
+    void workingWindowsOpenOnce();
     void supportOpensManual();
     void closeEndsProgram();
     void restoreEndsProgram();
@@ -155,6 +157,51 @@ void tst_frmMain::withoutDatabaseBackupIsDisabled()
     w.startUp();
     QCOMPARE(w.windowTitle(), QStringLiteral("Vorkam"));
     QVERIFY(!w.findChild<QAction*>(QStringLiteral("mVarmistus"))->isEnabled());
+}
+
+void tst_frmMain::workingWindowsOpenOnce_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("window");
+    QTest::addColumn<QString>("title");
+    QTest::newRow("cTositteet") << "cTositteet"
+                                << "frmNewTositteet"
+                                << "Tositteet";
+    QTest::newRow("mAvausviennit") << "mAvausviennit"
+                                   << "frmNewTositteet"
+                                   << "Avausviennit";
+    QTest::newRow("mTilinpaatosviennit") << "mTilinpaatosviennit"
+                                         << "frmNewTositteet" << QString::fromUtf8("Tilinpäätösviennit");
+    QTest::newRow("cTilit") << "cTilit"
+                            << "frmTilitNew"
+                            << "Tilit";
+}
+
+void tst_frmMain::workingWindowsOpenOnce()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, window);
+    QFETCH(QString, title);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("kerho.mdb"));
+    QVERIFY(TestEnv::createDatabase(file));
+    env.writeIni("[VORKAM]\nDatabase=" + file.toUtf8() + "\n");
+    frmMain w;
+    w.startUp();
+    const auto trigger = [&] {
+        if (auto* button = w.findChild<QPushButton*>(command))
+            button->click();
+        else
+            w.findChild<QAction*>(command)->trigger();
+    };
+    trigger();
+    trigger();
+    const QList<QWidget*> opened = w.findChildren<QWidget*>(window, Qt::FindDirectChildrenOnly);
+    QCOMPARE(opened.size(), 1);
+    QVERIFY(opened.first()->isWindow());
+    QVERIFY2(opened.first()->windowTitle().contains(title), qPrintable(opened.first()->windowTitle()));
+    QVERIFY(opened.first()->testAttribute(Qt::WA_DeleteOnClose));
 }
 
 void tst_frmMain::supportOpensManual()

@@ -318,9 +318,13 @@ void frmTilitNew::tallenna()
         return;
     if (!tarkistaMuutokset())
         return;
-    if (!m_tili->Save(false))
+    if (!m_tili->Save(false)) {
         Dialogs::instance().error(
             QStringLiteral("Tilin tallentaminen ei onnistunut.\n") + m_tili->lastError());
+        return;
+    }
+    // Reading the saved row back makes it what Peru returns to: Peru undoes unsaved edits only.
+    m_tili->Read(m_tili->id());
 }
 
 void frmTilitNew::peru()

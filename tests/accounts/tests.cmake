@@ -4,3 +4,5 @@ vorkam_add_test(tst_Tilikartta SOURCES accounts/tst_Tilikartta.cpp)
 vorkam_add_test(tst_frmTilitNew UI SOURCES accounts/tst_frmTilitNew.cpp)
 vorkam_add_test(tst_frmLisaaTili UI SOURCES accounts/tst_frmLisaaTili.cpp)
 vorkam_add_test(tst_frmTilikartta UI SOURCES accounts/tst_frmTilikartta.cpp)
+# The window is also tried on the demo association.
+add_dependencies(tst_frmTilitNew vorkam_data)

@@ -1,10 +1,13 @@
 #include "AccountsFixture.h"
 #include "ScriptedDialogs.h"
+#include "Tilikartta.h"
+#include "cTili.h"
 #include "frmLisaaTili.h"
 #include "frmTilitNew.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -115,6 +118,7 @@ private slots:
     void enterMovesBetweenFields();
     void printingDisabled();
     void emptyChart();
+    void demoAssociation();
 };
 
 void tst_frmTilitNew::treeGroupsByThousands()
@@ -559,6 +563,68 @@ void tst_frmTilitNew::emptyChart()
     QVERIFY(w.nykyinenTili().IsEmpty());
     QCOMPARE(f.tileja(), 0);
     QCOMPARE(dialogs.transcript(), QStringList());
+}
+
+void tst_frmTilitNew::demoAssociation()
+{
+    TestEnv env;
+    const QString demo = QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb");
+    if (!QFile::exists(demo))
+        QSKIP("the demo association has not been built");
+    const QString file = env.path(QStringLiteral("demo1.mdb"));
+    QVERIFY(QFile::copy(demo, file));
+    QFile(file).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    ProgramSettings::installation().Database = file;
+    ScriptedDialogs dialogs;
+    dialogs.answerYes();
+    const auto count = [] {
+        QSqlQuery q(DBC::instance().AvaaDB());
+        return q.exec(QStringLiteral("SELECT COUNT(*) FROM tl")) && q.next() ? q.value(0).toInt() : -1;
+    };
+    const int accounts = count();
+    frmTilitNew w;
+    w.show();
+    QVERIFY(QTest::qWaitForWindowActive(&w));
+    auto* tree = child<QTreeWidget>(w, "tvTilit");
+    int shown = 0;
+    for (int i = 0; i < tree->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* group = tree->topLevelItem(i);
+        for (int j = 0; j < group->childCount(); ++j) {
+            const int numero = group->child(j)->text(0).section(u' ', 0, 0).toInt();
+            QCOMPARE(Tilikartta::ryhma(numero).value_or(-1), i);
+        }
+        shown += group->childCount();
+    }
+    QCOMPARE(shown, accounts);
+
+    QTimer::singleShot(0, this, [&] {
+        auto* dialog = QApplication::activeModalWidget();
+        child<QLineEdit>(*dialog, "tTilinumero")->setText(QStringLiteral("3050"));
+        child<QLineEdit>(*dialog, "tNimi")->setText(QStringLiteral("Talkootuotot"));
+        click(*dialog, "cLisaa");
+    });
+    click(w, "cUusi");
+    const qint32 id = w.nykyinenTili().id();
+    QVERIFY(id > 0);
+    QCOMPARE(count(), accounts + 1);
+    retype(child<QLineEdit>(w, "tNimi"), QStringLiteral("Talkoot"));
+    retype(child<QLineEdit>(w, "tTilinumero"), QStringLiteral("4050"));
+    QCOMPARE(parentKey(tree, id), QStringLiteral("4000PN"));
+    // The offscreen platform does not hand the activation back when the dialog closes.
+    w.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&w));
+    QTest::keyClick(&w, Qt::Key_S, Qt::ControlModifier);
+    retype(child<QLineEdit>(w, "tNimi"), QStringLiteral("Kumottava"));
+    click(w, "cPeru");
+    QCOMPARE(child<QLineEdit>(w, "tNimi")->text(), QStringLiteral("Talkoot"));
+    cTili saved;
+    QVERIFY(saved.Read(id));
+    QCOMPARE(saved.Numero(), 4050);
+    QCOMPARE(saved.Nimi(), QStringLiteral("Talkoot"));
+    click(w, "cPoista");
+    QCOMPARE(count(), accounts);
+    QCOMPARE(dialogs.transcript(),
+        QStringList { QStringLiteral("question: Haluatko varmasti poistaa valitun tilin?") });
 }
 
 QTEST_MAIN(tst_frmTilitNew)

@@ -69,8 +69,10 @@ VoucherAccounts::Sums VoucherAccounts::storedSums(qint32 tlId)
 {
     Sums sums;
     QSqlQuery q(DBC::instance().AvaaDB());
+    // EXISTS looks each entry's voucher up by its key; IN (SELECT …) would first gather every
+    // voucher of the year, which costs more than the account's own entries.
     if (!q.prepare(QStringLiteral("SELECT viTyyppi, SUM(viArvo) FROM vi WHERE vitlID = ? "
-                                  "AND vitoID IN (SELECT toID FROM \"to\") GROUP BY viTyyppi")))
+                                  "AND EXISTS (SELECT 1 FROM \"to\" WHERE toID = vitoID) GROUP BY viTyyppi")))
         throw VoucherDatabaseError(q.lastError().text());
     q.addBindValue(tlId);
     VoucherDatabaseError::exec(q);

@@ -70,6 +70,18 @@ struct AccountsFixture {
     }
 
     int tileja() const { return value(QStringLiteral("SELECT COUNT(*) FROM tl")).toInt(); }
+    QVariant kentta(qint32 tlID, const char* column) const
+    {
+        return value(QStringLiteral("SELECT %1 FROM tl WHERE tlID = ?").arg(QLatin1String(column)), { tlID });
+    }
+    QString nimi(qint32 tlID) const { return kentta(tlID, "tlNimi").toString(); }
 };
 
 inline Money euros(const char* text) { return *Money::parse(QString::fromLatin1(text)); }
+
+// Messages that more than one test expects.
+inline const QString FourDigits = QStringLiteral("Tilinumeron tulee olla neljä numeroa pitkä.");
+inline const QString NoName = QStringLiteral("Tilillä tulee olla nimi.");
+inline const QString TreeError = QStringLiteral("Virhe luotaessa hakemistopuuta tileistä.\n");
+inline const QString HasEntries
+    = QStringLiteral("Tilillä on vientejä kuluvalla tai edellisellä tilikaudella eikä sitä voida poistaa.");

@@ -30,30 +30,31 @@ public:
 
     static QSqlDatabase db() { return DBC::instance().AvaaDB(); }
 
-    // Runs a statement with bound values; fails the test on error.
-    static bool exec(const QString& sql, const QVariantList& values = {})
+    // Runs a statement with bound values; warns with the database's error when it fails.
+    static QSqlQuery run(const QString& sql, const QVariantList& values, bool& ok)
     {
         QSqlQuery q(db());
-        if (!q.prepare(sql)) {
-            qWarning("%s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
-            return false;
-        }
+        ok = q.prepare(sql);
         for (const QVariant& v : values)
             q.addBindValue(v);
-        if (!q.exec()) {
+        ok = ok && q.exec();
+        if (!ok)
             qWarning("%s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
-            return false;
-        }
-        return true;
+        return q;
+    }
+
+    static bool exec(const QString& sql, const QVariantList& values = {})
+    {
+        bool ok = false;
+        run(sql, values, ok);
+        return ok;
     }
 
     static QVariant value(const QString& sql, const QVariantList& values = {})
     {
-        QSqlQuery q(db());
-        q.prepare(sql);
-        for (const QVariant& v : values)
-            q.addBindValue(v);
-        return q.exec() && q.next() ? q.value(0) : QVariant();
+        bool ok = false;
+        QSqlQuery q = run(sql, values, ok);
+        return ok && q.next() ? q.value(0) : QVariant();
     }
 
     static int count(const QString& table, const QString& where = QStringLiteral("1 = 1"))
@@ -80,6 +81,15 @@ public:
                  "INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) VALUES (?, ?, ?, ?, 'x')"),
             { toId, tlId, tyyppi, raw });
         return value(QStringLiteral("SELECT MAX(viID) FROM vi")).toInt();
+    }
+
+    // Makes every later statement of the kind (INSERT, UPDATE, DELETE) on the table fail, as a
+    // full disk or a locked file would, to show what a half-done operation leaves behind.
+    static bool failOn(const QString& statement, const QString& table)
+    {
+        return exec(QStringLiteral("CREATE TRIGGER fail_%1_%2 BEFORE %1 ON \"%2\" "
+                                   "BEGIN SELECT RAISE(ABORT, 'disk full'); END")
+                        .arg(statement, table));
     }
 
     static int addTili(int numero, const QString& nimi)

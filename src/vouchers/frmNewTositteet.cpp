@@ -365,6 +365,9 @@ frmNewTositteet::frmNewTositteet(Kind kind, QWidget* parent)
 
 frmNewTositteet::~frmNewTositteet()
 {
+    // Fields that lose the focus while the window is torn down must not call back into it.
+    for (QObject* child : findChildren<QObject*>())
+        QObject::disconnect(child, nullptr, this, nullptr);
     // A window torn down without closing still keeps what was typed.
     if (!m_closing)
         saveAll();

@@ -125,7 +125,7 @@ void tst_frmNewTositteet::newVoucher()
     QCOMPARE(child<QListView>(w, QStringLiteral("lstTositteet"))->model()->rowCount(),
         kind == Kind::Closing && closingBefore ? 2 : 1);
     QCOMPARE(dialogs->transcript(), QStringList());
-    QVERIFY(w.close()); // destroyed with the focus in the date field, the window would crash
+    // Torn down with the focus still in the date field: nothing may call back into the window.
 }
 
 void tst_frmNewTositteet::browsingStaysInKindAndBeepsAtTheEnds()

@@ -212,6 +212,11 @@ bool cTili::Delete()
 std::unique_ptr<cTili> cTili::navigate(const QString& sql, bool bindNumber) const
 {
     auto result = std::make_unique<cTili>();
+    // A step from an object that stands for no account leads nowhere.
+    if (bindNumber && IsEmpty()) {
+        result->setIsEmpty(true);
+        return result;
+    }
     QSqlQuery q(DBC::instance().AvaaDB());
     q.prepare(sql);
     if (bindNumber)
@@ -238,11 +243,6 @@ std::unique_ptr<cTili> cTili::GetFirst() const
 
 std::unique_ptr<cTili> cTili::GetPrevious() const
 {
-    if (IsEmpty()) {
-        auto empty = std::make_unique<cTili>();
-        empty->setIsEmpty(true);
-        return empty;
-    }
     // The lower bound is only the current number, so accounts numbered 0 and below are reached.
     return navigate(
         QStringLiteral("SELECT tlID FROM tl WHERE tlNumero < ? ORDER BY tlNumero DESC, tlID DESC LIMIT 1"),
@@ -251,11 +251,6 @@ std::unique_ptr<cTili> cTili::GetPrevious() const
 
 std::unique_ptr<cTili> cTili::GetNext() const
 {
-    if (IsEmpty()) {
-        auto empty = std::make_unique<cTili>();
-        empty->setIsEmpty(true);
-        return empty;
-    }
     return navigate(
         QStringLiteral("SELECT tlID FROM tl WHERE tlNumero > ? ORDER BY tlNumero ASC, tlID ASC LIMIT 1"),
         true);

@@ -1,16 +1,16 @@
 #pragma once
 
+#include "DBC.h"
+#include "VientiRecord.h"
 #include "VoucherLayout.h"
 
 #include <QDate>
 #include <QObject>
+#include <QSqlQuery>
 #include <QString>
 #include <QVariantList>
 #include <memory>
 #include <vector>
-
-class QSqlQuery;
-class VientiRecord;
 
 // One voucher over the voucher table of `layout`. cTosite (current year) and cTositeEd
 // (previous year) are this record with their own layout and their own numbering and cursor.
@@ -69,6 +69,41 @@ protected:
     void initNewVienti(VientiRecord& vienti, const QString& tyyppi) const;
     // Runs the select of this voucher's stored entries of one type, in the order they were stored.
     bool selectViennit(QSqlQuery& q, const QString& tyyppi) const;
+
+    // The year's own entry and voucher classes share these: a new entry of this voucher (empty
+    // while the voucher is), the stored entries of one type, and the voucher read by key (empty
+    // for key 0).
+    template <typename Vienti> std::unique_ptr<Vienti> newVienti(const QString& tyyppi) const
+    {
+        auto vienti = std::make_unique<Vienti>();
+        if (IsEmpty())
+            vienti->setIsEmpty(true);
+        else
+            initNewVienti(*vienti, tyyppi);
+        return vienti;
+    }
+    template <typename Vienti> std::vector<std::unique_ptr<Vienti>> viennit(const QString& tyyppi) const
+    {
+        std::vector<std::unique_ptr<Vienti>> result;
+        QSqlQuery q(DBC::instance().AvaaDB());
+        if (!selectViennit(q, tyyppi))
+            return result;
+        while (q.next()) {
+            auto vienti = std::make_unique<Vienti>();
+            vienti->loadFromRow(q);
+            result.push_back(std::move(vienti));
+        }
+        return result;
+    }
+    template <typename Tosite> static std::unique_ptr<Tosite> loaded(qint32 key)
+    {
+        auto tosite = std::make_unique<Tosite>();
+        if (key == 0)
+            tosite->setIsEmpty(true);
+        else
+            tosite->Load(key);
+        return tosite;
+    }
 
     const VoucherLayout& m_layout;
 

@@ -16,37 +16,12 @@ qint32 cTosite::SetTositeNumeroJaPaiva(const QDate& defaultDate, bool avaustosit
 
 std::unique_ptr<cVienti> cTosite::AddNewVienti(const QString& tyyppi) const
 {
-    auto vienti = std::make_unique<cVienti>();
-    if (IsEmpty())
-        vienti->setIsEmpty(true);
-    else
-        initNewVienti(*vienti, tyyppi);
-    return vienti;
+    return newVienti<cVienti>(tyyppi);
 }
 
-cTosite::Viennit cTosite::GetViennit(const QString& tyyppi) const
-{
-    Viennit result;
-    QSqlQuery q(DBC::instance().AvaaDB());
-    if (!selectViennit(q, tyyppi))
-        return result;
-    while (q.next()) {
-        auto vienti = std::make_unique<cVienti>();
-        vienti->loadFromRow(q);
-        result.push_back(std::move(vienti));
-    }
-    return result;
-}
+cTosite::Viennit cTosite::GetViennit(const QString& tyyppi) const { return viennit<cVienti>(tyyppi); }
 
-std::unique_ptr<cTosite> cTosite::found(qint32 key) const
-{
-    auto tosite = std::make_unique<cTosite>();
-    if (key == 0)
-        tosite->setIsEmpty(true);
-    else
-        tosite->Load(key);
-    return tosite;
-}
+std::unique_ptr<cTosite> cTosite::found(qint32 key) const { return loaded<cTosite>(key); }
 
 std::unique_ptr<cTosite> cTosite::step(const QString& numberCondition, const QVariant& numero,
     bool avaustosite, bool paatostosite, bool descending) const

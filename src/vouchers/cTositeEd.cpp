@@ -12,37 +12,12 @@ qint32 cTositeEd::SetTositeNumeroJaPaiva(const QDate& defaultDate)
 
 std::unique_ptr<cVientiEd> cTositeEd::AddNewVienti(const QString& tyyppi) const
 {
-    auto vienti = std::make_unique<cVientiEd>();
-    if (IsEmpty())
-        vienti->setIsEmpty(true);
-    else
-        initNewVienti(*vienti, tyyppi);
-    return vienti;
+    return newVienti<cVientiEd>(tyyppi);
 }
 
-cTositeEd::Viennit cTositeEd::GetViennit(const QString& tyyppi) const
-{
-    Viennit result;
-    QSqlQuery q(DBC::instance().AvaaDB());
-    if (!selectViennit(q, tyyppi))
-        return result;
-    while (q.next()) {
-        auto vienti = std::make_unique<cVientiEd>();
-        vienti->loadFromRow(q);
-        result.push_back(std::move(vienti));
-    }
-    return result;
-}
+cTositeEd::Viennit cTositeEd::GetViennit(const QString& tyyppi) const { return viennit<cVientiEd>(tyyppi); }
 
-std::unique_ptr<cTositeEd> cTositeEd::found(qint32 key) const
-{
-    auto tosite = std::make_unique<cTositeEd>();
-    if (key == 0)
-        tosite->setIsEmpty(true);
-    else
-        tosite->Load(key);
-    return tosite;
-}
+std::unique_ptr<cTositeEd> cTositeEd::found(qint32 key) const { return loaded<cTositeEd>(key); }
 
 std::unique_ptr<cTositeEd> cTositeEd::GetFirst() const
 {

@@ -73,15 +73,15 @@ int run(char** argv)
     std::printf("%-44s %12s %12s %9s   %s\n", "operation", "Vorkam", "baseline", "ratio", "target");
 
     // The largest entry count of a voucher against one grouped count query.
-    const double maxLkm = median(5, [] { cTosite::MaxLkmViennitPerTosite(); });
+    const double maxLkm = median(5, [&db] { cTosite::MaxLkmViennitPerTosite(db); });
     const double maxLkmBase = median(5, [] {
         sql(QStringLiteral("SELECT MAX(n) FROM (SELECT COUNT(*) AS n FROM vi GROUP BY vitoID, viTyyppi)"));
     });
     report("MaxLkmViennitPerTosite", maxLkm, maxLkmBase, "ratio <= 3");
 
     // Opening the window against reading its voucher list with one query.
-    const double open = median(5, [] {
-        frmNewTositteet w(frmNewTositteet::Kind::Ordinary);
+    const double open = median(5, [&db] {
+        frmNewTositteet w(db, frmNewTositteet::Laji::Tavallinen);
         w.close();
     });
     const double openBase = median(5, [] {
@@ -91,7 +91,7 @@ int run(char** argv)
     });
     report("open the voucher window", open, openBase, "< 300 ms");
 
-    frmNewTositteet w(frmNewTositteet::Kind::Ordinary);
+    frmNewTositteet w(db, frmNewTositteet::Laji::Tavallinen);
     // Stepping: the window's Next against reading the next voucher and its entries.
     w.Ensimmainen();
     const double next = median(200, [&w] { w.Seuraava(); });
@@ -144,11 +144,10 @@ int run(char** argv)
     const qint32 toId = w.curTosite().ToId();
     const double saveBase = median(30, [toId, &round] {
         ++round;
-        QSqlDatabase db = DBC::instance().AvaaDB();
-        Transaction t(db);
+        Transaction t(DBC::instance().AvaaDB());
         sql(QStringLiteral("UPDATE \"to\" SET toSelite = ? WHERE toID = ?"),
             { QString::number(round), toId });
-        QSqlQuery q(db);
+        QSqlQuery q(DBC::instance().AvaaDB());
         q.prepare(QStringLiteral("SELECT viID FROM vi WHERE vitoID = ?"));
         q.addBindValue(toId);
         q.exec();
@@ -160,7 +159,6 @@ int run(char** argv)
 
     // Leave the stress file as it was.
     {
-        QSqlDatabase db = DBC::instance().AvaaDB();
         Transaction t(db);
         sql(QStringLiteral("DELETE FROM vi WHERE vitoID = ?"), { toId });
         sql(QStringLiteral("DELETE FROM \"to\" WHERE toID = ?"), { toId });

@@ -1,10 +1,10 @@
 #include "Tilikartta.h"
 
+#include "DatabaseError.h"
 #include "ProgramSettings.h"
 #include "RecordText.h"
 #include "Transaction.h"
 
-#include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
@@ -20,40 +20,33 @@ QString puuVirhe(const QString& syy) { return PuuVirhe + u'\n' + syy; }
 // that stopped the tree.
 QString siivoaAlkurivit(const QSqlDatabase& db)
 {
-    Transaction transaction(db);
-    QString syy;
-    for (;;) {
-        QSqlQuery q(db);
-        if (!q.exec(QStringLiteral("SELECT tlID, tlNimi FROM tl ORDER BY tlNumero, tlNimi LIMIT 1"))) {
-            syy = q.lastError().text();
-            break;
-        }
-        if (!q.next())
-            break;
-        const qint32 id = q.value(0).toInt();
-        const QVariant nimi = q.value(1);
-        q.finish();
-        if (!nimi.isNull()) {
-            const QString text = nimi.toString();
-            if (text.isEmpty()) {
-                syy = QStringLiteral("Tilin nimi on tyhjä, eikä sillä ole ensimmäistä merkkiä.");
+    try {
+        Transaction transaction(db);
+        for (;;) {
+            QSqlQuery first = Sql::run(
+                db, QStringLiteral("SELECT tlID, tlNimi FROM tl ORDER BY tlNumero, tlNimi LIMIT 1"));
+            if (!first.next())
                 break;
+            const qint32 id = first.value(0).toInt();
+            const QVariant nimi = first.value(1);
+            first.finish();
+            if (!nimi.isNull()) {
+                const QString text = nimi.toString();
+                if (text.isEmpty()) {
+                    // The rows removed so far stay removed, as when the tree stops further on.
+                    transaction.commitOrThrow();
+                    return QStringLiteral("Tilin nimi on tyhjä, eikä sillä ole ensimmäistä merkkiä.");
+                }
+                if (text.at(0).unicode() >= 65)
+                    break;
             }
-            if (text.at(0).unicode() >= 65)
-                break;
+            Sql::run(db, QStringLiteral("DELETE FROM tl WHERE tlID = ?"), { id });
         }
-        QSqlQuery del(db);
-        del.prepare(QStringLiteral("DELETE FROM tl WHERE tlID = ?"));
-        del.addBindValue(id);
-        if (!del.exec()) {
-            syy = del.lastError().text();
-            break;
-        }
+        transaction.commitOrThrow();
+        return {};
+    } catch (const DatabaseError& e) {
+        return e.text();
     }
-    // The rows removed so far stay removed, as when the tree stops further on.
-    if (transaction.isActive() && !transaction.commit() && syy.isEmpty())
-        syy = db.lastError().text();
-    return syy;
 }
 
 } // namespace
@@ -106,25 +99,26 @@ Puu lueTilikartta(const QSqlDatabase& db)
         puu.virhe = puuVirhe(syy);
         return puu;
     }
-    QSqlQuery q(db);
-    if (!q.exec(QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl ORDER BY tlNumero, tlNimi"))) {
-        puu.virhe = puuVirhe(q.lastError().text());
-        return puu;
-    }
-    while (q.next()) {
-        Rivi rivi;
-        rivi.id = q.value(0).toInt();
-        rivi.numero = q.value(1).toInt();
-        rivi.nimi = q.value(2).toString();
-        const std::optional<int> r = ryhma(rivi.numero);
-        if (!r) {
-            puu.virhe = puuVirhe(
-                QStringLiteral("Tilinumerolle %1 ei ole ryhmää: suurin sallittu tilinumero on 10999.")
-                    .arg(rivi.numero));
-            break;
+    try {
+        QSqlQuery q
+            = Sql::run(db, QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl ORDER BY tlNumero, tlNimi"));
+        while (q.next()) {
+            Rivi rivi;
+            rivi.id = q.value(0).toInt();
+            rivi.numero = q.value(1).toInt();
+            rivi.nimi = q.value(2).toString();
+            const std::optional<int> r = ryhma(rivi.numero);
+            if (!r) {
+                puu.virhe = puuVirhe(
+                    QStringLiteral("Tilinumerolle %1 ei ole ryhmää: suurin sallittu tilinumero on 10999.")
+                        .arg(rivi.numero));
+                break;
+            }
+            rivi.ryhma = *r;
+            puu.rivit.append(rivi);
         }
-        rivi.ryhma = *r;
-        puu.rivit.append(rivi);
+    } catch (const DatabaseError& e) {
+        puu.virhe = puuVirhe(e.text());
     }
     return puu;
 }
@@ -136,16 +130,28 @@ Tarkistus tarkistaTili(const QSqlDatabase& db, const QString& numeroText, const 
         return { QStringLiteral("Tilinumeron tulee olla neljä numeroa pitkä."), true };
     if (!ryhma(*numero))
         return { QStringLiteral("Tilinumeron tulee olla pienempi kuin 11000."), true };
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT COUNT(*) AS Lkm FROM tl WHERE tlNumero = ? AND tlID <> ?"));
-    q.addBindValue(*numero);
-    q.addBindValue(omaId);
-    if (!q.exec() || !q.next())
-        return { q.lastError().text(), false };
-    if (q.value(0).toInt() > 0)
+    if (Sql::scalar(db, QStringLiteral("SELECT COUNT(*) AS Lkm FROM tl WHERE tlNumero = ? AND tlID <> ?"),
+            { *numero, omaId })
+            .toInt()
+        > 0)
         return { QStringLiteral("Tilinumerolla ") + numeroText + QStringLiteral(" löytyy jo tili."), true };
     // A name of blanks only is refused too: such an account would be removed when the tree is
     // next built.
+    if (nimi.trimmed().isEmpty())
+        return { QStringLiteral("Tilillä tulee olla nimi."), false };
+    return {};
+}
+
+Tarkistus tarkistaMuutos(const QSqlDatabase& db, qint32 id, const QString& numeroText, const QString& nimi)
+{
+    // An account kept from earlier with an unusual number can still be renamed: the number is
+    // checked only when it has been changed.
+    const QVariant tallennettu
+        = Sql::scalar(db, QStringLiteral("SELECT tlNumero FROM tl WHERE tlID = ?"), { id });
+    const bool numeroSama
+        = tallennettu.isValid() && numeroTekstista(numeroText) == std::optional<qint32>(tallennettu.toInt());
+    if (!numeroSama)
+        return tarkistaTili(db, numeroText, nimi, id);
     if (nimi.trimmed().isEmpty())
         return { QStringLiteral("Tilillä tulee olla nimi."), false };
     return {};
@@ -157,17 +163,12 @@ qint32 lisaaTili(const QSqlDatabase& db, const QString& numeroText, const QStrin
     Tarkistus tarkistus = tarkistaTili(db, numeroText, nimi);
     qint32 id = 0;
     if (tarkistus.ok()) {
-        QSqlQuery q(db);
-        q.prepare(
+        QSqlQuery q = Sql::run(db,
             QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus, tlAlkusaldo, tlLoppusaldo, tlPrint) "
-                           "VALUES (?, ?, ?, 0, 0, 0)"));
-        q.addBindValue(*numeroTekstista(numeroText));
-        q.addBindValue(RecordText::storedName(nimi));
-        q.addBindValue(RecordText::storedDescription(kuvaus));
-        if (q.exec())
-            id = q.lastInsertId().toInt();
-        else
-            tarkistus.viesti = q.lastError().text();
+                           "VALUES (?, ?, ?, 0, 0, 0)"),
+            { *numeroTekstista(numeroText), RecordText::storedName(nimi),
+                RecordText::storedDescription(kuvaus) });
+        id = q.lastInsertId().toInt();
     }
     if (virhe)
         *virhe = tarkistus;
@@ -176,17 +177,25 @@ qint32 lisaaTili(const QSqlDatabase& db, const QString& numeroText, const QStrin
 
 QString poistonEste(const QSqlDatabase& db, qint32 id)
 {
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT (SELECT COUNT(viID) FROM vi WHERE viArvo <> 0 AND vitlID = ?), "
-                             "(SELECT COUNT(viEID) FROM viE WHERE viEArvo <> 0 AND viEtlID = ?)"));
-    q.addBindValue(id);
-    q.addBindValue(id);
-    if (!q.exec() || !q.next())
-        return q.lastError().text();
+    QSqlQuery q = Sql::run(db,
+        QStringLiteral("SELECT (SELECT COUNT(viID) FROM vi WHERE viArvo <> 0 AND vitlID = ?), "
+                       "(SELECT COUNT(viEID) FROM viE WHERE viEArvo <> 0 AND viEtlID = ?)"),
+        { id, id });
+    q.next();
     if (q.value(0).toInt() > 0 || q.value(1).toInt() > 0)
         return QStringLiteral(
             "Tilillä on vientejä kuluvalla tai edellisellä tilikaudella eikä sitä voida poistaa.");
     return {};
+}
+
+QList<Malli> tilinpaatosMallit(const QSqlDatabase& db)
+{
+    QList<Malli> mallit;
+    QSqlQuery q
+        = Sql::run(db, QStringLiteral("SELECT maID, maNimi, maTyyppi FROM ma ORDER BY maTyyppi, maNimi"));
+    while (q.next())
+        mallit.append({ q.value(0).toInt(), q.value(1).toString(), q.value(2).toInt() });
+    return mallit;
 }
 
 bool tietokantaAsetusPuuttuu()

@@ -64,14 +64,28 @@ struct Tarkistus {
 Tarkistus tarkistaTili(
     const QSqlDatabase& db, const QString& numeroText, const QString& nimi, qint32 omaId = 0);
 
+// The checks of a changed account `id` before it is saved: the number as tarkistaTili checks
+// it, but only when it differs from the stored one; the name is not blank.
+Tarkistus tarkistaMuutos(const QSqlDatabase& db, qint32 id, const QString& numeroText, const QString& nimi);
+
 // Adds an account after tarkistaTili; an empty description is stored as a blank. Gives the
-// new tlID, or 0 with `virhe` set when the checks or the database refused.
+// new tlID, or 0 with `virhe` set when the checks refused. Database errors throw DatabaseError,
+// here and in the checks.
 qint32 lisaaTili(const QSqlDatabase& db, const QString& numeroText, const QString& nimi,
     const QString& kuvaus, Tarkistus* virhe);
 
 // The delete rule: an account with entries of a non-zero amount in this or the previous
 // fiscal year cannot be deleted. Gives "" when it can, otherwise the message.
 QString poistonEste(const QSqlDatabase& db, qint32 id);
+
+// A statement template: 1 an income statement, 2 a balance sheet.
+struct Malli {
+    qint32 id = 0;
+    QString nimi;
+    int tyyppi = 0;
+};
+// Every template by type and name.
+QList<Malli> tilinpaatosMallit(const QSqlDatabase& db);
 
 // The database setting is missing or reads "unknown".
 bool tietokantaAsetusPuuttuu();

@@ -1,60 +1,56 @@
 #pragma once
 
 #include "Money.h"
+#include "Record.h"
 #include "cAlkusaldot.h"
 
 #include <QObject>
 #include <QString>
 #include <memory>
 
+struct TiliValues {
+    QString nimi;
+    QString kuvaus;
+    qint32 numero = 0;
+    Money alkusaldo;
+    Money loppusaldo;
+    bool print = false;
+    bool operator==(const TiliValues&) const = default;
+};
+
 // One account of the chart of accounts: a row of the tl table. Loads, saves and deletes the
 // row, walks the chart in number order, knows whether it has been changed and can undo the
 // changes made since it was read. A changed account saves itself when it is released.
-class cTili final : public QObject {
+// Database errors throw DatabaseError to the window, which tells the user.
+class cTili final : public QObject, public Record<TiliValues> {
     Q_OBJECT
 
 public:
-    explicit cTili(QObject* parent = nullptr);
+    explicit cTili(const QSqlDatabase& db, QObject* parent = nullptr);
     ~cTili() override;
 
-    // Restores the fields as they were when the account was created or last read.
-    void Undo();
+    // tlID; 0 for an account not yet saved, and while IsEmpty.
+    qint32 id() const { return IsEmpty() ? 0 : key(); }
 
-    // The object stands for no account: the end marker of navigation or a row not found.
-    // While set, every getter gives the empty value and Read, Save and Delete do nothing.
-    bool IsEmpty() const { return m_fields.isEmpty; }
-    void setIsEmpty(bool value) { m_fields.isEmpty = value; }
-
-    // tlID; 0 for an account not yet saved.
-    qint32 id() const { return m_fields.isEmpty ? 0 : m_id; }
-
-    QString Nimi() const { return m_fields.isEmpty ? QString() : m_fields.nimi; }
+    // While IsEmpty every getter gives the empty value.
+    QString Nimi() const { return IsEmpty() ? QString() : m_v.nimi; }
     // Cut to 50 characters. Every assignment to a saved account raises NameChanged.
     void setNimi(const QString& value);
-    QString Kuvaus() const { return m_fields.isEmpty ? QString() : m_fields.kuvaus; }
+    QString Kuvaus() const { return IsEmpty() ? QString() : m_v.kuvaus; }
     // Cut to 255 characters.
     void setKuvaus(const QString& value);
-    qint32 Numero() const { return m_fields.isEmpty ? 0 : m_fields.numero; }
+    qint32 Numero() const { return IsEmpty() ? 0 : m_v.numero; }
     // Every assignment to a saved account raises NameChanged.
     void setNumero(qint32 value);
-    Money Alkusaldo() const { return m_fields.isEmpty ? Money() : m_fields.alkusaldo; }
-    void setAlkusaldo(Money value);
-    Money Loppusaldo() const { return m_fields.isEmpty ? Money() : m_fields.loppusaldo; }
-    void setLoppusaldo(Money value);
+    Money Alkusaldo() const { return IsEmpty() ? Money() : m_v.alkusaldo; }
+    void setAlkusaldo(Money value) { assign(m_v.alkusaldo, value); }
+    Money Loppusaldo() const { return IsEmpty() ? Money() : m_v.loppusaldo; }
+    void setLoppusaldo(Money value) { assign(m_v.loppusaldo, value); }
 
-    // Set only by assignments that change a value; cleared by a successful Save.
-    bool isChanged() const { return m_changed; }
+    bool isChanged() const { return Dirty(); }
 
     // The sums of the account's opening entries in this and the previous fiscal year.
     cAlkusaldot Alkusaldot() const;
-
-    // Loads the row with this tlID. A missing row blanks the object and gives false.
-    bool Read(qint32 id);
-    // Writes the account when forced or changed; a new account gets its tlID. Empty name and
-    // description are stored as a single blank. The number and name are not checked here.
-    bool Save(bool force = false);
-    // Removes the row; the object keeps its fields.
-    bool Delete();
 
     // Navigation in account-number order. Each returns a new object, with IsEmpty set past
     // either end. GetFirst and GetLast see only numbers above 0; GetPrevious goes below.
@@ -63,34 +59,18 @@ public:
     std::unique_ptr<cTili> GetNext() const;
     std::unique_ptr<cTili> GetLast() const;
 
-    // The database's description of the last failed operation.
-    const QString& lastError() const { return m_lastError; }
-
 signals:
     void NameChanged(const QString& Nimi, qint32 Numero, qint32 id);
 
+protected:
+    std::optional<TiliValues> selectRow(qint32 id) const override;
+    qint32 insertRow() override;
+    void updateRow() override;
+    void deleteRow() override;
+    QString releaseFailure() const override;
+
 private:
-    struct Fields {
-        QString nimi;
-        QString kuvaus;
-        qint32 numero = 0;
-        Money alkusaldo;
-        Money loppusaldo;
-        bool print = false;
-        bool isEmpty = false;
-        bool operator==(const Fields&) const = default;
-    };
-
-    void reset();
-    std::unique_ptr<cTili> navigate(const QString& sql, bool bindNumber) const;
-
-    bool m_changed = false;
-    qint32 m_id = 0;
-    Fields m_fields;
-    // The fields as they were at creation or the last Read: what Undo returns to.
-    Fields m_undo;
-    // The fields as they stand in the database: after Undo the changed flag tells whether
-    // they still differ.
-    Fields m_stored;
-    mutable QString m_lastError;
+    enum class Step { First, Previous, Next, Last };
+    std::unique_ptr<cTili> navigate(Step step) const;
+    void bindValues(QSqlQuery& q) const;
 };

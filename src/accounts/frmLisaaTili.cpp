@@ -1,14 +1,15 @@
 #include "frmLisaaTili.h"
 #include "ui_frmLisaaTili.h"
 
-#include "DBC.h"
+#include "DatabaseError.h"
 #include "Dialogs.h"
 #include "EnterAsTab.h"
 #include "Tilikartta.h"
 
-frmLisaaTili::frmLisaaTili(QWidget* parent)
+frmLisaaTili::frmLisaaTili(const QSqlDatabase& db, QWidget* parent)
     : QDialog(parent)
     , ui(std::make_unique<Ui::frmLisaaTili>())
+    , m_db(db)
 {
     ui->setupUi(this);
     ui->cLisaa->setDefault(true);
@@ -25,8 +26,14 @@ frmLisaaTili::~frmLisaaTili() = default;
 void frmLisaaTili::lisaa()
 {
     Tilikartta::Tarkistus virhe;
-    const qint32 id = Tilikartta::lisaaTili(
-        DBC::instance().AvaaDB(), ui->tTilinumero->text(), ui->tNimi->text(), ui->tKuvaus->text(), &virhe);
+    qint32 id = 0;
+    try {
+        id = Tilikartta::lisaaTili(
+            m_db, ui->tTilinumero->text(), ui->tNimi->text(), ui->tKuvaus->text(), &virhe);
+    } catch (const DatabaseError& e) {
+        Dialogs::instance().error(e.message(QStringLiteral("Tilin lisääminen ei onnistunut.")));
+        return;
+    }
     if (id == 0) {
         showInformation(virhe.viesti);
         QLineEdit* field = virhe.numerossa ? ui->tTilinumero : ui->tNimi;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QSqlDatabase>
 #include <memory>
 
 namespace Ui {
@@ -13,7 +14,7 @@ class frmLisaaTili final : public QDialog {
     Q_OBJECT
 
 public:
-    explicit frmLisaaTili(QWidget* parent = nullptr);
+    explicit frmLisaaTili(const QSqlDatabase& db, QWidget* parent = nullptr);
     ~frmLisaaTili() override;
 
     // The tlID of the account added, 0 when none was.
@@ -23,5 +24,6 @@ private:
     void lisaa();
 
     std::unique_ptr<Ui::frmLisaaTili> ui;
+    QSqlDatabase m_db;
     qint32 m_uusiId = 0;
 };

@@ -1,15 +1,14 @@
 #include "frmTilikartta.h"
 #include "ui_frmTilikartta.h"
 
-#include "DBC.h"
+#include "DatabaseError.h"
 #include "Dialogs.h"
 #include "PrintChoices.h"
 #include "Tilikartta.h"
 
-#include <QSqlQuery>
 #include <QVariant>
 
-frmTilikartta::frmTilikartta(QWidget* parent)
+frmTilikartta::frmTilikartta(const QSqlDatabase& db, QWidget* parent)
     : QDialog(parent)
     , ui(std::make_unique<Ui::frmTilikartta>())
 {
@@ -20,17 +19,20 @@ frmTilikartta::frmTilikartta(QWidget* parent)
     if (Tilikartta::tietokantaAsetusPuuttuu())
         showInformation(QStringLiteral("Tarkista tietokanta asetukset asetusikkunasta!"));
 
-    QSqlQuery q(DBC::instance().AvaaDB());
     bool malleja = false;
-    if (q.exec(QStringLiteral("SELECT maID, maNimi, maTyyppi FROM ma ORDER BY maTyyppi, maNimi"))) {
-        while (q.next()) {
-            malleja = true;
-            const int tyyppi = q.value(2).toInt();
-            QComboBox* lista = tyyppi == 1 ? ui->cmbTuloslaskelma : tyyppi == 2 ? ui->cmbTase : nullptr;
-            if (lista)
-                lista->addItem(q.value(1).toString(), q.value(0).toInt());
+    if (db.isOpen())
+        try {
+            for (const Tilikartta::Malli& malli : Tilikartta::tilinpaatosMallit(db)) {
+                malleja = true;
+                QComboBox* lista = malli.tyyppi == 1 ? ui->cmbTuloslaskelma
+                    : malli.tyyppi == 2              ? ui->cmbTase
+                                                     : nullptr;
+                if (lista)
+                    lista->addItem(malli.nimi, malli.id);
+            }
+        } catch (const DatabaseError& e) {
+            Dialogs::instance().error(e.message(QStringLiteral("Tilinpäätösmalleja ei voitu lukea.")));
         }
-    }
     if (!malleja)
         showInformation(QStringLiteral("Tee ensin tuloslaskelman ja taseen mallit!"));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QSqlDatabase>
 #include <memory>
 
 namespace Ui {
@@ -13,7 +14,7 @@ class frmTilikartta final : public QDialog {
     Q_OBJECT
 
 public:
-    explicit frmTilikartta(QWidget* parent = nullptr);
+    explicit frmTilikartta(const QSqlDatabase& db, QWidget* parent = nullptr);
     ~frmTilikartta() override;
 
 private:

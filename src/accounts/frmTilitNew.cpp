@@ -1,30 +1,25 @@
 #include "frmTilitNew.h"
 #include "ui_frmTilitNew.h"
 
-#include "DBC.h"
+#include "CommandWiring.h"
+#include "DatabaseError.h"
 #include "Dialogs.h"
 #include "EnterAsTab.h"
 #include "Tilikartta.h"
+#include "WaitCursor.h"
 #include "frmLisaaTili.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
-#include <QSqlQuery>
-#include <QVariant>
 
 namespace {
 
 constexpr int AvainRole = Qt::UserRole;
 constexpr int NumeroRole = Qt::UserRole + 1;
 
-class Hourglass final {
-public:
-    Hourglass() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~Hourglass() { QApplication::restoreOverrideCursor(); }
-    Hourglass(const Hourglass&) = delete;
-    Hourglass& operator=(const Hourglass&) = delete;
-};
+const QString LukuEpaonnistui = QStringLiteral("Tilin tietoja ei voitu lukea tietokannasta.");
+const QString TallennusEpaonnistui = QStringLiteral("Tilin tallentaminen ei onnistunut.");
 
 // Sets a flag for the lifetime of the guard and restores its earlier value.
 class Guard final {
@@ -46,10 +41,11 @@ private:
 
 } // namespace
 
-frmTilitNew::frmTilitNew(QWidget* parent)
+frmTilitNew::frmTilitNew(const QSqlDatabase& db, QWidget* parent)
     : QMainWindow(parent)
     , ui(std::make_unique<Ui::frmTilitNew>())
-    , m_tili(std::make_unique<cTili>())
+    , m_db(db)
+    , m_tili(std::make_unique<cTili>(db))
 {
     ui->setupUi(this);
     EnterAsTab::install(this);
@@ -58,26 +54,19 @@ frmTilitNew::frmTilitNew(QWidget* parent)
     ui->cTulosta->setEnabled(false);
     ui->mTulostaTilikartta->setEnabled(false);
 
-    const auto both = [this](QPushButton* button, QAction* action, void (frmTilitNew::*slot)()) {
-        connect(button, &QPushButton::clicked, this, slot);
-        if (action)
-            connect(action, &QAction::triggered, this, slot);
-    };
-    both(ui->cUusi, ui->mUusi, &frmTilitNew::uusi);
-    both(ui->cTallenna, ui->mTallenna, &frmTilitNew::tallenna);
-    both(ui->cPeru, ui->mPeru, &frmTilitNew::peru);
-    both(ui->cPoista, ui->mPoista, &frmTilitNew::poista);
-    both(ui->cSelaa, ui->mSelaa, &frmTilitNew::selaa);
-    connect(ui->cSulje, &QPushButton::clicked, this, &QWidget::close);
-    connect(ui->mSulje, &QAction::triggered, this, &QWidget::close);
+    connectCommand(ui->cUusi, ui->mUusi, this, &frmTilitNew::uusi);
+    connectCommand(ui->cTallenna, ui->mTallenna, this, &frmTilitNew::tallenna);
+    connectCommand(ui->cPeru, ui->mPeru, this, &frmTilitNew::peru);
+    connectCommand(ui->cPoista, ui->mPoista, this, &frmTilitNew::poista);
+    connectCommand(ui->cSelaa, ui->mSelaa, this, &frmTilitNew::selaa);
+    connectCommand(ui->cSulje, ui->mSulje, this, [this] { close(); });
     connect(ui->cAvaaKaikki, &QPushButton::clicked, ui->tvTilit, &QTreeWidget::expandAll);
     const std::pair<QPushButton*, QAction*> siirrot[]
         = { { ui->cEnsimm_inen, ui->mEnsimm_inen }, { ui->cEdellinen, ui->mEdellinen },
               { ui->cSeuraava, ui->mSeuraava }, { ui->cViimeinen, ui->mViimeinen } };
     for (int i = 0; i < 4; ++i) {
         const auto suunta = static_cast<Suunta>(i);
-        connect(siirrot[i].first, &QPushButton::clicked, this, [this, suunta] { siirry(suunta); });
-        connect(siirrot[i].second, &QAction::triggered, this, [this, suunta] { siirry(suunta); });
+        connectCommand(siirrot[i].first, siirrot[i].second, this, [this, suunta] { siirry(suunta); });
     }
 
     connect(ui->tNimi, &QLineEdit::textChanged, this, [this](const QString& text) {
@@ -95,7 +84,11 @@ frmTilitNew::frmTilitNew(QWidget* parent)
     connect(ui->tvTilit, &QTreeWidget::currentItemChanged, this, &frmTilitNew::solmuValittu);
 
     rakennaPuu();
-    vaihdaTili(m_tili->GetFirst());
+    std::unique_ptr<cTili> ensimmainen;
+    if (tellIfFails(LukuEpaonnistui, [&] { ensimmainen = m_tili->GetFirst(); }))
+        vaihdaTili(std::move(ensimmainen));
+    else
+        m_tili->setIsEmpty(true);
 }
 
 frmTilitNew::~frmTilitNew() = default;
@@ -118,7 +111,7 @@ void frmTilitNew::rakennaPuu()
         ryhma->setData(0, AvainRole, Tilikartta::ryhmaAvain(i));
         m_ryhmat[size_t(i)] = ryhma;
     }
-    const Tilikartta::Puu puu = Tilikartta::lueTilikartta(DBC::instance().AvaaDB());
+    const Tilikartta::Puu puu = Tilikartta::lueTilikartta(m_db);
     for (const Tilikartta::Rivi& rivi : puu.rivit) {
         auto* solmu = new QTreeWidgetItem(
             m_ryhmat[size_t(rivi.ryhma)], { Tilikartta::tiliTeksti(rivi.numero, rivi.nimi) });
@@ -162,27 +155,37 @@ void frmTilitNew::vaihdaTili(std::unique_ptr<cTili> tili)
     valitseSolmu(m_tili->id());
 }
 
+void frmTilitNew::lueTili(qint32 id)
+{
+    auto tili = std::make_unique<cTili>(m_db);
+    if (tellIfFails(LukuEpaonnistui, [&] { tili->Read(id); }))
+        vaihdaTili(std::move(tili));
+}
+
 void frmTilitNew::naytaTili()
 {
     Guard guard(m_paivittaa);
     QLabel* const arvot[]
         = { ui->lblKuluvaDebet, ui->lblKuluvaKredit, ui->lblEdellinenDebet, ui->lblEdellinenKredit };
+    for (QLabel* label : arvot)
+        label->clear();
     if (m_tili->IsEmpty()) {
         for (QLineEdit* field : { ui->tTilinumero, ui->tNimi, ui->tKuvaus })
             field->clear();
-        for (QLabel* label : arvot)
-            label->clear();
         return;
     }
     ui->tTilinumero->setText(QString::number(m_tili->Numero()));
     ui->tNimi->setText(m_tili->Nimi());
     ui->tKuvaus->setText(m_tili->Kuvaus());
-    // The sums of the opening entries only, not running balances.
-    const cAlkusaldot saldot = m_tili->Alkusaldot();
-    const Money summat[] = { saldot.AlkusaldoDebet(), saldot.AlkusaldoKredit(), saldot.EdAlkusaldoDebet(),
-        saldot.EdAlkusaldoKredit() };
-    for (int i = 0; i < 4; ++i)
-        arvot[i]->setText(summat[i].toCurrencyString());
+    // The sums of the opening entries only, not running balances. When they cannot be read the
+    // labels stay empty rather than show a zero that is not true.
+    tellIfFails(QStringLiteral("Tilin avaussaldoja ei voitu lukea."), [&] {
+        const cAlkusaldot saldot = m_tili->Alkusaldot();
+        const Money summat[] = { saldot.AlkusaldoDebet(), saldot.AlkusaldoKredit(), saldot.EdAlkusaldoDebet(),
+            saldot.EdAlkusaldoKredit() };
+        for (int i = 0; i < 4; ++i)
+            arvot[i]->setText(summat[i].toCurrencyString());
+    });
 }
 
 void frmTilitNew::tiliaMuutettu(const QString& nimi, qint32 numero, qint32 id)
@@ -211,20 +214,12 @@ void frmTilitNew::tiliaMuutettu(const QString& nimi, qint32 numero, qint32 id)
 
 bool frmTilitNew::tarkistaMuutokset()
 {
-    const QSqlDatabase db = DBC::instance().AvaaDB();
-    // An account kept from earlier with an unusual number can still be renamed: the number is
-    // checked only when it has been changed.
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT tlNumero FROM tl WHERE tlID = ?"));
-    q.addBindValue(m_tili->id());
-    const bool numeroSama = q.exec() && q.next()
-        && Tilikartta::numeroTekstista(ui->tTilinumero->text()) == std::optional<qint32>(q.value(0).toInt());
-    q.finish();
     Tilikartta::Tarkistus tarkistus;
-    if (!numeroSama)
-        tarkistus = Tilikartta::tarkistaTili(db, ui->tTilinumero->text(), ui->tNimi->text(), m_tili->id());
-    else if (ui->tNimi->text().trimmed().isEmpty())
-        tarkistus = { QStringLiteral("Tilillä tulee olla nimi."), false };
+    if (!tellIfFails(TallennusEpaonnistui, [&] {
+            tarkistus
+                = Tilikartta::tarkistaMuutos(m_db, m_tili->id(), ui->tTilinumero->text(), ui->tNimi->text());
+        }))
+        return false;
     if (tarkistus.ok())
         return true;
     showInformation(tarkistus.viesti);
@@ -238,14 +233,7 @@ bool frmTilitNew::tallennaMuutokset()
 {
     if (m_tili->IsEmpty() || !m_tili->isChanged())
         return true;
-    if (!tarkistaMuutokset())
-        return false;
-    if (!m_tili->Save(false)) {
-        Dialogs::instance().error(
-            QStringLiteral("Tilin tallentaminen ei onnistunut.\n") + m_tili->lastError());
-        return false;
-    }
-    return true;
+    return tarkistaMuutokset() && tellIfFails(TallennusEpaonnistui, [&] { m_tili->Save(false); });
 }
 
 void frmTilitNew::solmuValittu(QTreeWidgetItem* current, QTreeWidgetItem* previous)
@@ -260,9 +248,7 @@ void frmTilitNew::solmuValittu(QTreeWidgetItem* current, QTreeWidgetItem* previo
         ui->tvTilit->setCurrentItem(previous);
         return;
     }
-    auto tili = std::make_unique<cTili>();
-    tili->Read(*id);
-    vaihdaTili(std::move(tili));
+    lueTili(*id);
 }
 
 bool frmTilitNew::eventFilter(QObject* watched, QEvent* event)
@@ -301,35 +287,29 @@ void frmTilitNew::uusi()
 {
     if (!tallennaMuutokset())
         return;
-    frmLisaaTili lisays(this);
+    frmLisaaTili lisays(m_db, this);
     if (lisays.exec() != QDialog::Accepted || lisays.uusiId() == 0)
         return;
-    Hourglass hourglass;
+    WaitCursor wait;
     rakennaPuu();
-    auto tili = std::make_unique<cTili>();
-    tili->Read(lisays.uusiId());
-    vaihdaTili(std::move(tili));
+    lueTili(lisays.uusiId());
     ui->tTilinumero->setFocus();
 }
 
 void frmTilitNew::tallenna()
 {
-    if (m_tili->IsEmpty())
+    if (m_tili->IsEmpty() || !tarkistaMuutokset())
         return;
-    if (!tarkistaMuutokset())
-        return;
-    if (!m_tili->Save(false)) {
-        Dialogs::instance().error(
-            QStringLiteral("Tilin tallentaminen ei onnistunut.\n") + m_tili->lastError());
-        return;
-    }
     // Reading the saved row back makes it what Peru returns to: Peru undoes unsaved edits only.
-    m_tili->Read(m_tili->id());
+    tellIfFails(TallennusEpaonnistui, [&] {
+        m_tili->Save(false);
+        m_tili->Read(m_tili->id());
+    });
 }
 
 void frmTilitNew::peru()
 {
-    Hourglass hourglass;
+    WaitCursor wait;
     m_tili->Undo();
     naytaTili();
     if (!m_tili->IsEmpty())
@@ -340,53 +320,60 @@ void frmTilitNew::poista()
 {
     if (m_tili->IsEmpty() || m_tili->id() == 0)
         return;
-    const QString este = Tilikartta::poistonEste(DBC::instance().AvaaDB(), m_tili->id());
+    QString este;
+    if (!tellIfFails(LukuEpaonnistui, [&] { este = Tilikartta::poistonEste(m_db, m_tili->id()); }))
+        return;
     if (!este.isEmpty()) {
         showInformation(este);
         return;
     }
     if (!Dialogs::instance().question(QStringLiteral("Haluatko varmasti poistaa valitun tilin?")))
         return;
-    Hourglass hourglass;
-    if (!m_tili->Delete()) {
-        Dialogs::instance().error(QStringLiteral("Tilin poistaminen ei onnistunut.\n") + m_tili->lastError());
+    WaitCursor wait;
+    const qint32 id = m_tili->id();
+    // The deleted account gives way to its neighbour; its own edits have nowhere to go.
+    std::unique_ptr<cTili> naapuri;
+    const bool ok = tellIfFails(QStringLiteral("Tilin poistaminen ei onnistunut."), [&] {
+        m_tili->Undo();
+        m_tili->Delete();
+        naapuri = m_tili->GetNext();
+        if (naapuri->IsEmpty())
+            naapuri = m_tili->GetPrevious();
+    });
+    if (!ok)
         return;
-    }
     {
         Guard guard(m_paivittaa);
-        delete m_solmut.take(m_tili->id());
+        delete m_solmut.take(id);
     }
-    // The deleted account gives way to its neighbour; its own edits have nowhere to go.
-    m_tili->Undo();
-    std::unique_ptr<cTili> seuraava = m_tili->GetNext();
-    if (seuraava->IsEmpty())
-        seuraava = m_tili->GetPrevious();
     m_tili->setIsEmpty(true);
-    vaihdaTili(std::move(seuraava));
+    vaihdaTili(std::move(naapuri));
 }
 
 void frmTilitNew::siirry(Suunta suunta)
 {
     if (!tallennaMuutokset())
         return;
-    Hourglass hourglass;
+    WaitCursor wait;
     std::unique_ptr<cTili> tili;
-    switch (suunta) {
-    case Suunta::Ensimmainen:
-        tili = m_tili->GetFirst();
-        break;
-    case Suunta::Edellinen:
-        tili = m_tili->GetPrevious();
-        break;
-    case Suunta::Seuraava:
-        tili = m_tili->GetNext();
-        break;
-    case Suunta::Viimeinen:
-        tili = m_tili->GetLast();
-        break;
-    }
+    const bool ok = tellIfFails(LukuEpaonnistui, [&] {
+        switch (suunta) {
+        case Suunta::Ensimmainen:
+            tili = m_tili->GetFirst();
+            break;
+        case Suunta::Edellinen:
+            tili = m_tili->GetPrevious();
+            break;
+        case Suunta::Seuraava:
+            tili = m_tili->GetNext();
+            break;
+        case Suunta::Viimeinen:
+            tili = m_tili->GetLast();
+            break;
+        }
+    });
     // At either end of the chart the current account stays.
-    if (!tili->IsEmpty())
+    if (ok && !tili->IsEmpty())
         vaihdaTili(std::move(tili));
 }
 

@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QHash>
 #include <QMainWindow>
+#include <QSqlDatabase>
 #include <array>
 #include <memory>
 
@@ -21,7 +22,7 @@ class frmTilitNew final : public QMainWindow {
     Q_OBJECT
 
 public:
-    explicit frmTilitNew(QWidget* parent = nullptr);
+    explicit frmTilitNew(const QSqlDatabase& db, QWidget* parent = nullptr);
     ~frmTilitNew() override;
 
     // The account shown; an object with IsEmpty set when the chart is empty.
@@ -37,6 +38,8 @@ private:
     QTreeWidgetItem* lisaaSolmu(int ryhma, qint32 numero, const QString& teksti);
     void valitseSolmu(qint32 id);
     void vaihdaTili(std::unique_ptr<cTili> tili);
+    // Reads the account `id` and makes it the current one.
+    void lueTili(qint32 id);
     void naytaTili();
     void tiliaMuutettu(const QString& nimi, qint32 numero, qint32 id);
     // Saves the current account's changes before another account takes its place. False, with
@@ -55,6 +58,7 @@ private:
     void selaa();
 
     std::unique_ptr<Ui::frmTilitNew> ui;
+    QSqlDatabase m_db;
     std::unique_ptr<cTili> m_tili;
     // Index 0–8: the groups 1000–9000; index 9: "Muut".
     std::array<QTreeWidgetItem*, 10> m_ryhmat {};

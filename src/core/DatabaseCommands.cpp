@@ -3,6 +3,7 @@
 #include "DBC.h"
 #include "DatabaseFile.h"
 #include "Dialogs.h"
+#include "FileOps.h"
 #include "Paths.h"
 #include "ProgramSettings.h"
 

@@ -2,7 +2,6 @@
 
 #include <QSqlDatabase>
 #include <QString>
-#include <functional>
 
 // What went wrong with a database file. The first three steer the same branches as the
 // numbered errors of file operations: not found, invalid path and "file already exists".
@@ -21,18 +20,6 @@ struct OpenResult {
     DbError error = DbError::None;
     QString message; // the engine's or file system's own description, for error boxes
     explicit operator bool() const { return error == DbError::None; }
-};
-
-// The ordinary file operations Vorkam's file commands use. Tests replace single members to
-// make a step fail where real files cannot be made to.
-struct FileOps {
-    std::function<bool(const QString& from, const QString& to)> copy;
-    std::function<bool(const QString& from, const QString& to)> rename;
-    std::function<bool(const QString& path)> remove;
-    std::function<bool(const QString& path)> makeWritable;
-
-    static FileOps& instance();
-    static void resetToDefaults();
 };
 
 namespace DatabaseFile {

@@ -2,6 +2,7 @@
 
 #include "DatabaseFile.h"
 #include "Dialogs.h"
+#include "FileOps.h"
 #include "Paths.h"
 #include "ProgramSettings.h"
 #include "Schema.h"

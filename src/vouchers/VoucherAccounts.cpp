@@ -1,23 +1,18 @@
 #include "VoucherAccounts.h"
 
-#include "DBC.h"
-#include "VoucherDatabaseError.h"
+#include "DatabaseError.h"
 
 #include <QRegularExpression>
-#include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
-void VoucherAccounts::load()
+void VoucherAccounts::load(const QSqlDatabase& db)
 {
     m_accounts.clear();
     m_byId.clear();
     m_byNumero.clear();
-    QSqlQuery q(DBC::instance().AvaaDB());
-    q.setForwardOnly(true);
-    if (!q.prepare(QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl ORDER BY tlNumero, tlID")))
-        throw VoucherDatabaseError(q.lastError().text());
-    VoucherDatabaseError::exec(q);
+    QSqlQuery q
+        = Sql::run(db, QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl ORDER BY tlNumero, tlID"));
     while (q.next()) {
         m_accounts.push_back({ q.value(0).toInt(), q.value(1).toInt(), q.value(2).toString().trimmed() });
         const int index = int(m_accounts.size()) - 1;
@@ -65,17 +60,11 @@ qint32 VoucherAccounts::resolve(const QString& typed) const
     return 0;
 }
 
-VoucherAccounts::Sums VoucherAccounts::storedSums(qint32 tlId)
+namespace {
+
+VoucherAccounts::Sums sumsOf(QSqlQuery q)
 {
-    Sums sums;
-    QSqlQuery q(DBC::instance().AvaaDB());
-    // EXISTS looks each entry's voucher up by its key; IN (SELECT …) would first gather every
-    // voucher of the year, which costs more than the account's own entries.
-    if (!q.prepare(QStringLiteral("SELECT viTyyppi, SUM(viArvo) FROM vi WHERE vitlID = ? "
-                                  "AND EXISTS (SELECT 1 FROM \"to\" WHERE toID = vitoID) GROUP BY viTyyppi")))
-        throw VoucherDatabaseError(q.lastError().text());
-    q.addBindValue(tlId);
-    VoucherDatabaseError::exec(q);
+    VoucherAccounts::Sums sums;
     while (q.next()) {
         const Money sum = Money::fromRaw(q.value(1).toLongLong());
         if (q.value(0).toString() == u"D")
@@ -86,43 +75,22 @@ VoucherAccounts::Sums VoucherAccounts::storedSums(qint32 tlId)
     return sums;
 }
 
-QString AmountInput::message() const
+} // namespace
+
+VoucherAccounts::Sums VoucherAccounts::storedSums(const QSqlDatabase& db, qint32 tlId)
 {
-    switch (result) {
-    case Result::Ok:
-        return QString();
-    case Result::NotANumber:
-        return QStringLiteral("Summa ei ole luku. Viennin summaksi tulee 0.");
-    case Result::Negative:
-        return QStringLiteral("Summa ei voi olla negatiivinen. Kirjaa vienti vastakkaiselle puolelle.");
-    case Result::TooManyDecimals:
-        return QStringLiteral("Summassa voi olla enintään kaksi desimaalia.");
-    case Result::TooLarge:
-        return QStringLiteral("Summa on liian suuri.");
-    }
-    return QString();
+    // EXISTS looks each entry's voucher up by its key; IN (SELECT …) would first gather every
+    // voucher of the year, which costs more than the account's own entries.
+    return sumsOf(Sql::run(db,
+        QStringLiteral("SELECT viTyyppi, SUM(viArvo) FROM vi WHERE vitlID = ? "
+                       "AND EXISTS (SELECT 1 FROM \"to\" WHERE toID = vitoID) GROUP BY viTyyppi"),
+        { tlId }));
 }
 
-AmountInput AmountInput::parse(const QString& text)
+VoucherAccounts::Sums VoucherAccounts::voucherSums(const QSqlDatabase& db, qint32 tlId, qint32 toId)
 {
-    static const Money largest = Money::fromCents(99999999999);
-    AmountInput in;
-    const QString t = text.trimmed();
-    if (t.isEmpty())
-        return in;
-    const std::optional<Money> parsed = Money::parse(t);
-    if (!parsed) {
-        static const QRegularExpression digits(QStringLiteral("^-?[0-9\\s\\x{a0}]+([,.][0-9]*)?\\s*€?$"));
-        in.result = digits.match(t).hasMatch() ? Result::TooLarge : Result::NotANumber;
-        return in;
-    }
-    if (parsed->isNegative())
-        in.result = Result::Negative;
-    else if (*parsed > largest)
-        in.result = Result::TooLarge;
-    else if (parsed->roundedToCents() != *parsed)
-        in.result = Result::TooManyDecimals;
-    else
-        in.value = *parsed;
-    return in;
+    return sumsOf(Sql::run(db,
+        QStringLiteral(
+            "SELECT viTyyppi, SUM(viArvo) FROM vi WHERE vitoID = ? AND vitlID = ? GROUP BY viTyyppi"),
+        { toId, tlId }));
 }

@@ -3,13 +3,13 @@
 #include "Money.h"
 
 #include <QHash>
+#include <QSqlDatabase>
 #include <QString>
 #include <QStringList>
 #include <vector>
 
 // The chart of accounts as the voucher window needs it: account number and name by key,
 // completion of what the user types in an account cell, and the sums of one account.
-// Reads the tl table directly.
 class VoucherAccounts final {
 public:
     struct Account {
@@ -20,10 +20,12 @@ public:
     struct Sums {
         Money debet;
         Money kredit;
+        Sums operator+(const Sums& o) const { return { debet + o.debet, kredit + o.kredit }; }
+        Sums operator-(const Sums& o) const { return { debet - o.debet, kredit - o.kredit }; }
     };
 
     // Reads every account in number order.
-    void load();
+    void load(const QSqlDatabase& db);
     const std::vector<Account>& accounts() const { return m_accounts; }
     // "1910 Pankkitili", or "" for an unknown key or 0.
     QString text(qint32 id) const;
@@ -35,22 +37,12 @@ public:
     qint32 resolve(const QString& typed) const;
 
     // Debit and credit sums of the entries of `tlId` in every stored voucher.
-    static Sums storedSums(qint32 tlId);
+    static Sums storedSums(const QSqlDatabase& db, qint32 tlId);
+    // The same in the stored voucher `toId` only.
+    static Sums voucherSums(const QSqlDatabase& db, qint32 tlId, qint32 toId);
 
 private:
     std::vector<Account> m_accounts;
     QHash<qint32, int> m_byId;
     QHash<qint32, int> m_byNumero;
-};
-
-// What the user typed in an amount cell, read the Finnish way ("12,50", "1 234,50").
-struct AmountInput {
-    enum class Result { Ok, NotANumber, Negative, TooManyDecimals, TooLarge };
-    Result result = Result::Ok;
-    Money value;
-    // The message shown for a refused amount; "" when accepted.
-    QString message() const;
-
-    // An empty text is 0. The largest amount accepted is 999 999 999,99.
-    static AmountInput parse(const QString& text);
 };

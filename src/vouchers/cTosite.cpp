@@ -1,10 +1,5 @@
 #include "cTosite.h"
 
-#include "DBC.h"
-#include "VoucherDatabaseError.h"
-
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QVariant>
 #include <limits>
 
@@ -21,50 +16,62 @@ std::unique_ptr<cVienti> cTosite::AddNewVienti(const QString& tyyppi) const
 
 cTosite::Viennit cTosite::GetViennit(const QString& tyyppi) const { return viennit<cVienti>(tyyppi); }
 
-std::unique_ptr<cTosite> cTosite::found(qint32 key) const { return loaded<cTosite>(key); }
-
-std::unique_ptr<cTosite> cTosite::step(const QString& numberCondition, const QVariant& numero,
-    bool avaustosite, bool paatostosite, bool descending) const
+std::unique_ptr<cTosite> cTosite::step(
+    CursorStep::Compare compare, qint32 numero, bool avaustosite, bool paatostosite, bool descending) const
 {
-    const QString where
-        = QStringLiteral("toNumero %1 ? AND (toAvaustosite <> 0) = ? AND (toPaatostosite <> 0) = ?")
-              .arg(numberCondition);
-    return found(cursorKey(where, { numero, avaustosite ? 1 : 0, paatostosite ? 1 : 0 }, descending));
+    return loaded<cTosite>(
+        cursorKey({ compare, numero, descending, CursorStep::Kind { avaustosite, paatostosite } }));
 }
 
 std::unique_ptr<cTosite> cTosite::GetFirst(bool avaustosite, bool paatostosite) const
 {
-    return step(QStringLiteral(">"), 0, avaustosite, paatostosite, false);
+    return step(CursorStep::Compare::Above, 0, avaustosite, paatostosite, false);
 }
 
 std::unique_ptr<cTosite> cTosite::GetPrevious(bool avaustosite, bool paatostosite) const
 {
     if (IsEmpty())
-        return found(0);
-    return step(QStringLiteral("<"), Numero(), avaustosite, paatostosite, true);
+        return loaded<cTosite>(0);
+    return step(CursorStep::Compare::Below, Numero(), avaustosite, paatostosite, true);
 }
 
 std::unique_ptr<cTosite> cTosite::GetNext(bool avaustosite, bool paatostosite) const
 {
     if (IsEmpty())
-        return found(0);
-    return step(QStringLiteral(">"), Numero(), avaustosite, paatostosite, false);
+        return loaded<cTosite>(0);
+    return step(CursorStep::Compare::Above, Numero(), avaustosite, paatostosite, false);
 }
 
 std::unique_ptr<cTosite> cTosite::GetLast(bool avaustosite, bool paatostosite) const
 {
-    return step(QStringLiteral(">"), 0, avaustosite, paatostosite, true);
+    return step(CursorStep::Compare::Above, 0, avaustosite, paatostosite, true);
 }
 
-qint16 cTosite::MaxLkmViennitPerTosite()
+qint16 cTosite::MaxLkmViennitPerTosite(const QSqlDatabase& db)
 {
     // Entries of vouchers that no longer exist do not count.
-    QSqlQuery q(DBC::instance().AvaaDB());
-    if (!q.prepare(QStringLiteral("SELECT MAX(n) FROM (SELECT COUNT(viID) AS n FROM vi "
-                                  "WHERE viTyyppi IN ('D', 'K') AND vitoID IN (SELECT toID FROM \"to\") "
-                                  "GROUP BY vitoID, viTyyppi)")))
-        throw VoucherDatabaseError(q.lastError().text());
-    VoucherDatabaseError::exec(q);
-    const qint64 most = q.next() ? q.value(0).toLongLong() : 0;
+    const qint64 most = Sql::scalar(db,
+        QStringLiteral("SELECT MAX(n) FROM (SELECT COUNT(viID) AS n FROM vi "
+                       "WHERE viTyyppi IN ('D', 'K') AND vitoID IN (SELECT toID FROM \"to\") "
+                       "GROUP BY vitoID, viTyyppi)"))
+                            .toLongLong();
     return qint16(std::min<qint64>(most, std::numeric_limits<qint16>::max()));
+}
+
+std::vector<cTosite::Rivi> cTosite::Luettelo(const QSqlDatabase& db, bool avaustosite, bool paatostosite)
+{
+    QSqlQuery q = Sql::run(db,
+        QStringLiteral("SELECT toID, toNumero, toSelite FROM \"to\" WHERE (toAvaustosite <> 0) = ? "
+                       "AND (toPaatostosite <> 0) = ? AND toNumero >= 0 ORDER BY toNumero, toID"),
+        { avaustosite ? 1 : 0, paatostosite ? 1 : 0 });
+    std::vector<Rivi> rivit;
+    while (q.next())
+        rivit.push_back({ q.value(0).toInt(), q.value(1).toInt(), q.value(2).toString() });
+    return rivit;
+}
+
+std::optional<qint32> cTosite::SuurinNumero(const QSqlDatabase& db)
+{
+    const QVariant max = Sql::scalar(db, QStringLiteral("SELECT MAX(toNumero) FROM \"to\""));
+    return max.isNull() ? std::nullopt : std::optional<qint32>(max.toInt());
 }

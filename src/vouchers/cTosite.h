@@ -16,8 +16,8 @@ class cTosite final : public TositeRecord {
 public:
     using Viennit = std::vector<std::unique_ptr<cVienti>>;
 
-    cTosite()
-        : TositeRecord(VoucherLayout::current())
+    explicit cTosite(const QSqlDatabase& db)
+        : TositeRecord(db, VoucherLayout::current())
     {
     }
 
@@ -39,10 +39,19 @@ public:
 
     // The greatest number of debit or of credit entries in any one voucher: how many entry rows
     // the longest voucher needs.
-    static qint16 MaxLkmViennitPerTosite();
+    static qint16 MaxLkmViennitPerTosite(const QSqlDatabase& db);
+
+    // The vouchers of one kind (numbers 0 and above) in number order: key, number and description.
+    struct Rivi {
+        qint32 toId = 0;
+        qint32 numero = 0;
+        QString selite;
+    };
+    static std::vector<Rivi> Luettelo(const QSqlDatabase& db, bool avaustosite, bool paatostosite);
+    // The largest voucher number of every kind, or nullopt when there are no vouchers.
+    static std::optional<qint32> SuurinNumero(const QSqlDatabase& db);
 
 private:
-    std::unique_ptr<cTosite> found(qint32 key) const;
-    std::unique_ptr<cTosite> step(const QString& numberCondition, const QVariant& numero, bool avaustosite,
+    std::unique_ptr<cTosite> step(CursorStep::Compare compare, qint32 numero, bool avaustosite,
         bool paatostosite, bool descending) const;
 };

@@ -1,10 +1,5 @@
 #include "cTositeEd.h"
 
-#include "DBC.h"
-
-#include <QSqlQuery>
-#include <QVariant>
-
 qint32 cTositeEd::SetTositeNumeroJaPaiva(const QDate& defaultDate)
 {
     return numberAndDate(defaultDate, false);
@@ -17,28 +12,26 @@ std::unique_ptr<cVientiEd> cTositeEd::AddNewVienti(const QString& tyyppi) const
 
 cTositeEd::Viennit cTositeEd::GetViennit(const QString& tyyppi) const { return viennit<cVientiEd>(tyyppi); }
 
-std::unique_ptr<cTositeEd> cTositeEd::found(qint32 key) const { return loaded<cTositeEd>(key); }
-
 std::unique_ptr<cTositeEd> cTositeEd::GetFirst() const
 {
-    return found(cursorKey(QStringLiteral("toENumero > 0"), {}, false));
+    return loaded<cTositeEd>(cursorKey({ CursorStep::Compare::Above, 0, false, std::nullopt }));
 }
 
 std::unique_ptr<cTositeEd> cTositeEd::GetPrevious() const
 {
     if (IsEmpty())
-        return found(0);
-    return found(cursorKey(QStringLiteral("toENumero < ?"), { Numero() }, true));
+        return loaded<cTositeEd>(0);
+    return loaded<cTositeEd>(cursorKey({ CursorStep::Compare::Below, Numero(), true, std::nullopt }));
 }
 
 std::unique_ptr<cTositeEd> cTositeEd::GetNext() const
 {
     if (IsEmpty())
-        return found(0);
-    return found(cursorKey(QStringLiteral("toENumero > ?"), { Numero() }, false));
+        return loaded<cTositeEd>(0);
+    return loaded<cTositeEd>(cursorKey({ CursorStep::Compare::Above, Numero(), false, std::nullopt }));
 }
 
 std::unique_ptr<cTositeEd> cTositeEd::GetLast() const
 {
-    return found(cursorKey(QStringLiteral("toENumero > 0"), {}, true));
+    return loaded<cTositeEd>(cursorKey({ CursorStep::Compare::Above, 0, true, std::nullopt }));
 }

@@ -15,8 +15,8 @@ class cTositeEd final : public TositeRecord {
 public:
     using Viennit = std::vector<std::unique_ptr<cVientiEd>>;
 
-    cTositeEd()
-        : TositeRecord(VoucherLayout::previous())
+    explicit cTositeEd(const QSqlDatabase& db)
+        : TositeRecord(db, VoucherLayout::previous())
     {
     }
 
@@ -28,7 +28,4 @@ public:
     std::unique_ptr<cTositeEd> GetPrevious() const;
     std::unique_ptr<cTositeEd> GetNext() const;
     std::unique_ptr<cTositeEd> GetLast() const;
-
-private:
-    std::unique_ptr<cTositeEd> found(qint32 key) const;
 };

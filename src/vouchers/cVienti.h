@@ -5,8 +5,8 @@
 // One entry of a voucher of the current fiscal year (table vi).
 class cVienti final : public VientiRecord {
 public:
-    cVienti()
-        : VientiRecord(VoucherLayout::current())
+    explicit cVienti(const QSqlDatabase& db)
+        : VientiRecord(db, VoucherLayout::current())
     {
     }
 };

@@ -6,8 +6,8 @@
 // largest key + 1, given by the program.
 class cVientiEd final : public VientiRecord {
 public:
-    cVientiEd()
-        : VientiRecord(VoucherLayout::previous())
+    explicit cVientiEd(const QSqlDatabase& db)
+        : VientiRecord(db, VoucherLayout::previous())
     {
     }
 };

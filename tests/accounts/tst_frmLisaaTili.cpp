@@ -38,7 +38,7 @@ private slots:
         AccountsFixture f;
         f.tili(1910, QStringLiteral("Pankkitili"));
         ScriptedDialogs dialogs;
-        frmLisaaTili d;
+        frmLisaaTili d(f.db());
         d.show();
         QVERIFY(QTest::qWaitForWindowActive(&d));
         QCOMPARE(QApplication::focusWidget()->objectName(), QStringLiteral("tTilinumero"));

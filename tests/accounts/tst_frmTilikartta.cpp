@@ -37,7 +37,7 @@ private slots:
         ScriptedDialogs dialogs;
         PrintChoices::dialogCancelled() = true;
         {
-            frmTilikartta d;
+            frmTilikartta d(f.db());
             QCOMPARE(
                 items(d, "cmbTuloslaskelma"), (QStringList { "Tuloslaskelma A=3", "Tuloslaskelma B=1" }));
             QCOMPARE(items(d, "cmbTase"), (QStringList { "O'Brienin tase=4", "Tase=2" }));
@@ -48,7 +48,7 @@ private slots:
         QVERIFY(!PrintChoices::dialogCancelled());
         QCOMPARE(PrintChoices::tilikarttaMallit().tuloslaskelmaID, 1);
         QCOMPARE(PrintChoices::tilikarttaMallit().taseID, 4);
-        frmTilikartta d;
+        frmTilikartta d(f.db());
         click(d, "cPeru");
         QCOMPARE(d.result(), int(QDialog::Rejected));
         QVERIFY(PrintChoices::dialogCancelled());
@@ -62,7 +62,7 @@ private slots:
         ProgramSettings::installation().Database = QStringLiteral("unknown");
         PrintChoices::tilikarttaMallit() = { 5, 6 };
         ScriptedDialogs dialogs;
-        frmTilikartta d;
+        frmTilikartta d(QSqlDatabase {});
         QCOMPARE(dialogs.transcript(),
             (QStringList { QStringLiteral("information: Tarkista tietokanta asetukset asetusikkunasta!"),
                 QStringLiteral("information: Tee ensin tuloslaskelman ja taseen mallit!") }));

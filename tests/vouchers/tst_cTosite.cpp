@@ -1,4 +1,5 @@
-#include "VoucherDatabaseError.h"
+#include "DatabaseError.h"
+#include "Transaction.h"
 #include "VoucherFixture.h"
 #include "cTosite.h"
 
@@ -40,6 +41,8 @@ private slots:
     void deleteRemovesAllEntriesInOneTransaction();
     void zeroEntryRule_data();
     void zeroEntryRule();
+    void rollbackLeavesNoObjectClaimingARow_data();
+    void rollbackLeavesNoObjectClaimingARow();
 };
 
 void tst_cTosite::numbering_data()
@@ -72,7 +75,7 @@ void tst_cTosite::numbering()
     for (const Row& r : rows)
         f->addTosite(r.numero, r.kind, r.pvm);
     const qint64 before = f->totalChanges();
-    cTosite t;
+    cTosite t(f->db());
     QCOMPARE(t.SetTositeNumeroJaPaiva(QDate(2011, 1, 1), opening), number);
     QCOMPARE(t.Paiva(), date);
     QCOMPARE(f->totalChanges(), before); // numbering alone writes nothing
@@ -111,7 +114,7 @@ void tst_cTosite::cursor()
         keys[r.numero] = f->addTosite(r.numero, r.kind);
     const bool a = kind == u"A";
     const bool p = kind == u"P";
-    cTosite asked;
+    cTosite asked(f->db());
     QVERIFY(asked.Load(keys.value(from)));
     const auto got = call == u"first" ? asked.GetFirst(a, p)
         : call == u"last"             ? asked.GetLast(a, p)
@@ -134,8 +137,8 @@ void tst_cTosite::dirtyTracking()
     const int id = f->addTosite(3);
     const int viId = f->addVienti(id, 1, QStringLiteral("D"), 300);
     {
-        cTosite t;
-        cVienti v;
+        cTosite t(f->db());
+        cVienti v(f->db());
         QVERIFY(t.Load(id) && v.Load(viId));
         // Setting the stored values again changes nothing.
         t.setNumero(3);
@@ -160,7 +163,7 @@ void tst_cTosite::dirtyTracking()
 void tst_cTosite::roundTripCutsLongDescription()
 {
     const QString text = QStringLiteral("Jäsenmaksu 'Matti' O'Brien; DROP TABLE vi ") + QString(300, u'z');
-    cTosite t;
+    cTosite t(f->db());
     t.setNumero(12);
     t.setPaiva(QDate(2011, 9, 5));
     t.setSelite(text);
@@ -168,7 +171,7 @@ void tst_cTosite::roundTripCutsLongDescription()
     t.setAutomaatti(true);
     t.Save();
     QVERIFY(t.ToId() > 0 && !t.Dirty());
-    cTosite back;
+    cTosite back(f->db());
     QVERIFY(back.Load(t.ToId()));
     QCOMPARE(back.Numero(), 12);
     QCOMPARE(back.Paiva(), QDate(2011, 9, 5));
@@ -187,13 +190,13 @@ void tst_cTosite::undoAndLoadOfMissingKey()
 {
     const int toId = f->addTosite(4, QString(), QStringLiteral("2011-03-01"), QStringLiteral("Alku"));
     const int viId = f->addVienti(toId, 1, QStringLiteral("D"), 125000);
-    cTosite t;
+    cTosite t(f->db());
     QVERIFY(t.Load(toId));
     t.setSelite(QStringLiteral("Muutos"));
     t.Undo();
     QCOMPARE(t.Selite(), QStringLiteral("Alku"));
     QVERIFY(!t.Dirty());
-    cVienti v;
+    cVienti v(f->db());
     QVERIFY(v.Load(viId));
     v.setArvo(Money::fromRaw(5));
     v.Undo();
@@ -214,7 +217,7 @@ void tst_cTosite::deleteRemovesAllEntriesInOneTransaction()
     f->addVienti(id, 1, QStringLiteral("D"), 10000);
     f->addVienti(id, 2, QStringLiteral("K"), 10000);
     f->addVienti(other, 1, QStringLiteral("D"), 10000);
-    cTosite t;
+    cTosite t(f->db());
     QVERIFY(t.Load(id));
     t.Delete();
     QCOMPARE(t.ToId(), 0);
@@ -224,7 +227,7 @@ void tst_cTosite::deleteRemovesAllEntriesInOneTransaction()
     // When the entries cannot be removed, the voucher stays too.
     QVERIFY(f->failOn(QStringLiteral("DELETE"), QStringLiteral("vi")));
     QVERIFY(t.Load(other));
-    QVERIFY_THROWS_EXCEPTION(VoucherDatabaseError, t.Delete());
+    QVERIFY_THROWS_EXCEPTION(DatabaseError, t.Delete());
     QCOMPARE(f->count(QStringLiteral("\"to\"")), 1);
 }
 
@@ -243,7 +246,7 @@ void tst_cTosite::zeroEntryRule()
     QFETCH(int, account);
     QFETCH(int, cents);
     const bool stored = account != 0 || cents != 0;
-    cTosite t; // a new entry carries its voucher's key, kind and description
+    cTosite t(f->db()); // a new entry carries its voucher's key, kind and description
     QVERIFY(t.Load(f->addTosite(1, QStringLiteral("A"))));
     auto v = t.AddNewVienti(QStringLiteral("Debet"));
     v->settlID(account);
@@ -262,6 +265,54 @@ void tst_cTosite::zeroEntryRule()
     v->Save();
     QCOMPARE(f->count(QStringLiteral("vi")), 0);
     QCOMPARE(v->ViId(), 0);
+}
+
+void tst_cTosite::rollbackLeavesNoObjectClaimingARow_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::newRow("insert") << "insert";
+    QTest::newRow("update") << "update";
+    QTest::newRow("delete") << "delete";
+}
+
+void tst_cTosite::rollbackLeavesNoObjectClaimingARow()
+{
+    QFETCH(QString, operation);
+    const int toId = f->addTosite(1);
+    const int stored = f->addVienti(toId, 1, QStringLiteral("D"), 10000);
+    cTosite t(f->db());
+    QVERIFY(t.Load(toId));
+    std::unique_ptr<cVienti> v = operation == u"insert" ? t.AddNewVienti(QStringLiteral("K")) : nullptr;
+    if (!v) {
+        v = std::make_unique<cVienti>(f->db());
+        QVERIFY(v->Load(stored));
+    }
+    v->setArvo(Money::fromCents(250));
+    v->settlID(2);
+    {
+        Transaction outer(f->db());
+        {
+            // Written inside a savepoint that the outer transaction then throws away.
+            Transaction inner(f->db());
+            if (operation == u"delete")
+                v->Delete();
+            else
+                v->Save();
+            QVERIFY(inner.commit());
+        }
+        QCOMPARE(v->ViId(), operation == u"delete" ? 0 : operation == u"insert" ? stored + 1 : stored);
+    }
+    // As before the transaction: the same key (none for a new entry), still to be saved, and
+    // the typed values kept.
+    QCOMPARE(v->ViId(), operation == u"insert" ? 0 : stored);
+    QVERIFY(v->Dirty());
+    QCOMPARE(v->Arvo(), Money::fromCents(250));
+    QCOMPARE(f->count(QStringLiteral("vi")), 1);
+    QCOMPARE(f->value(QStringLiteral("SELECT viArvo FROM vi")).toLongLong(), 10000);
+    // Saving again writes exactly what the object holds.
+    v->Save();
+    QCOMPARE(f->count(QStringLiteral("vi"), QStringLiteral("viArvo = 25000 AND vitlID = 2")), 1);
+    QCOMPARE(f->count(QStringLiteral("vi")), operation == u"insert" ? 2 : 1);
 }
 
 QTEST_GUILESS_MAIN(tst_cTosite)

@@ -67,7 +67,7 @@ void tst_cTositeEd::keysAndNumbers()
     // The current year's counter must not leak into the previous year's keys.
     f->addTosite(1);
     f->addTosite(20);
-    cTositeEd t;
+    cTositeEd t(f->db());
     QCOMPARE(t.SetTositeNumeroJaPaiva(QDate(2010, 1, 1)), number);
     QCOMPARE(t.Paiva(), rows.isEmpty() ? QDate(2010, 1, 1) : QDate(2010, 6, 1));
     t.Save();
@@ -80,7 +80,7 @@ void tst_cTositeEd::entriesAndDelete()
     addToE(3, 1);
     addViE(4, 3, QStringLiteral("D"));
     addViE(9, 3, QStringLiteral("K"));
-    cTositeEd t;
+    cTositeEd t(f->db());
     QVERIFY(t.Load(3));
     auto v = t.AddNewVienti(QStringLiteral("D"));
     v->settlID(2);
@@ -114,7 +114,7 @@ void tst_cTositeEd::oneBrowsingSequence()
     addToE(2, 12); // opening
     addToE(3, 2);
     addToE(4, 4); // closing
-    cTositeEd t;
+    cTositeEd t(f->db());
     auto first = t.GetFirst();
     QCOMPARE(first->ToId(), 3);
     auto second = first->GetNext();

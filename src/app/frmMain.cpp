@@ -105,18 +105,24 @@ void frmMain::openWindow(Window which)
 {
     QPointer<QWidget>& slot = m_windows[int(which)];
     if (!slot) {
+        const QSqlDatabase db = DBC::instance().AvaaDB();
+        if (!db.isOpen()) {
+            Dialogs::instance().error(QStringLiteral("Tietokantaa %1 ei voitu avata.")
+                                          .arg(ProgramSettings::installation().Database));
+            return;
+        }
         switch (which) {
         case Window::Tositteet:
-            slot = new frmNewTositteet(frmNewTositteet::Kind::Ordinary, this);
+            slot = new frmNewTositteet(db, frmNewTositteet::Laji::Tavallinen, this);
             break;
         case Window::Avausviennit:
-            slot = new frmNewTositteet(frmNewTositteet::Kind::Opening, this);
+            slot = new frmNewTositteet(db, frmNewTositteet::Laji::Avaus, this);
             break;
         case Window::Tilinpaatosviennit:
-            slot = new frmNewTositteet(frmNewTositteet::Kind::Closing, this);
+            slot = new frmNewTositteet(db, frmNewTositteet::Laji::Paatos, this);
             break;
         case Window::Tilit:
-            slot = new frmTilitNew(this);
+            slot = new frmTilitNew(db, this);
             break;
         case Window::Count:
             return;
@@ -141,16 +147,36 @@ void frmMain::showAbout()
     about.exec();
 }
 
-void frmMain::backupAndReorganize() { DatabaseCommands::backupAndReorganize(); }
+void frmMain::backupAndReorganize()
+{
+    if (closeWorkingWindows())
+        DatabaseCommands::backupAndReorganize();
+}
 
 void frmMain::restore()
 {
-    if (DatabaseCommands::restoreFromBackup())
+    // A window still holding rows would save them into the restored books.
+    if (closeWorkingWindows() && DatabaseCommands::restoreFromBackup())
         endProgram();
+}
+
+bool frmMain::closeWorkingWindows()
+{
+    for (QPointer<QWidget>& w : m_windows) {
+        if (!w)
+            continue;
+        if (!w->close())
+            return false;
+        // Deleted now, not later: its objects let go of the books before they are replaced.
+        delete w.data();
+    }
+    return true;
 }
 
 void frmMain::endProgram()
 {
+    if (!closeWorkingWindows())
+        return;
     DBC::instance().SuljeDB();
     ProgramEnd::request();
 }
@@ -158,11 +184,9 @@ void frmMain::endProgram()
 void frmMain::closeEvent(QCloseEvent* event)
 {
     // The working windows close first, so that each can save or keep its unsaved changes.
-    for (QPointer<QWidget>& w : m_windows) {
-        if (w && !w->close()) {
-            event->ignore();
-            return;
-        }
+    if (!closeWorkingWindows()) {
+        event->ignore();
+        return;
     }
     DBC::instance().SuljeDB();
     event->accept();

@@ -8,6 +8,8 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QSqlQuery>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
@@ -53,6 +55,8 @@ private slots:
     void workingWindowsOpenOnce();
     void manualAndClose();
     void restoreEndsProgram();
+    void workingWindowsAreLeftFirst_data();
+    void workingWindowsAreLeftFirst();
     void aboutWindowOpens();
 };
 
@@ -190,6 +194,64 @@ void tst_frmMain::restoreEndsProgram()
     w.findChild<QAction*>(QStringLiteral("mPalautus"))->trigger();
     QCOMPARE(env.programEnds(), 1);
     QCOMPARE(TestEnv::readFile(target), TestEnv::readFile(backup));
+}
+
+void tst_frmMain::workingWindowsAreLeftFirst_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::newRow("program end by the button") << "cSulje";
+    QTest::newRow("program end by the menu") << "mSulje";
+    QTest::newRow("restore of a backup") << "mPalautus";
+}
+
+// Ending the program or replacing the books runs each working window's leave check first: an
+// amount without an account keeps the program open, and rows typed are saved into the books
+// they were typed for, never into restored ones.
+void tst_frmMain::workingWindowsAreLeftFirst()
+{
+    QFETCH(QString, command);
+    TestEnv env;
+    StartedWindow started(env, true);
+    frmMain& w = started.window;
+    const QString books = env.path(QStringLiteral("kerho.mdb"));
+    const QString backup = env.path(QStringLiteral("varmistus.mdb"));
+    const QString restored = env.path(QStringLiteral("palautettu.mdb"));
+    QVERIFY(TestEnv::createDatabase(backup));
+    const auto run = [&] {
+        if (auto* button = w.findChild<QPushButton*>(command))
+            button->click();
+        else
+            w.findChild<QAction*>(command)->trigger();
+    };
+    w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
+    auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
+    QVERIFY(vouchers);
+    QAbstractItemModel* rows = vouchers->findChild<QTableView*>(QStringLiteral("grdViennit"))->model();
+    rows->setData(rows->index(4, 1), QStringLiteral("100"));
+    started.dialogs.clear();
+    run();
+    QCOMPARE(
+        started.dialogs.transcript(), QStringList { QStringLiteral("information: Tarkista tilivalinta.") });
+    QCOMPARE(env.programEnds(), 0);
+    QVERIFY(vouchers->isVisible());
+
+    rows->setData(rows->index(4, 0), QStringLiteral("1910"));
+    if (command == u"mPalautus")
+        started.dialogs.answerOpenFile(backup).answerSaveFile(restored);
+    run();
+    QCOMPARE(env.programEnds(), 1);
+    const auto typedRows = [](const QString& file) {
+        int n = -1;
+        withDatabase(file, [&](QSqlDatabase& db) {
+            QSqlQuery q(db);
+            if (q.exec(QStringLiteral("SELECT COUNT(*) FROM vi WHERE viArvo = 1000000")) && q.next())
+                n = q.value(0).toInt();
+        });
+        return n;
+    };
+    QCOMPARE(typedRows(books), 1);
+    if (command == u"mPalautus")
+        QCOMPARE(typedRows(restored), 0);
 }
 
 void tst_frmMain::aboutWindowOpens()

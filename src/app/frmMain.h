@@ -35,6 +35,10 @@ private:
     void backupAndReorganize();
     void restore();
     void endProgram();
+    // Closes every working window, each with its own leave check (an account without a
+    // number, unsaved rows). False when one of them refused: nothing may replace or close the
+    // books then.
+    bool closeWorkingWindows();
 
     std::unique_ptr<Ui::frmMain> ui;
     Startup::Result m_startup;

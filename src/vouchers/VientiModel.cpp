@@ -1,0 +1,64 @@
+#include "VientiModel.h"
+
+VientiModel::VientiModel(TositeMuokkaus& muokkaus, QObject* parent)
+    : QAbstractTableModel(parent)
+    , m_muokkaus(muokkaus)
+{
+}
+
+void VientiModel::refill()
+{
+    beginResetModel();
+    endResetModel();
+}
+
+int VientiModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : m_muokkaus.riviMaara();
+}
+
+int VientiModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : 4; }
+
+QVariant VientiModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (role != Qt::DisplayRole)
+        return {};
+    if (orientation == Qt::Vertical)
+        return section + 1;
+    static const QString captions[] = { QStringLiteral("Debet-tili"), QStringLiteral("Debet"),
+        QStringLiteral("Kredit-tili"), QStringLiteral("Kredit") };
+    return section >= 0 && section < 4 ? captions[section] : QString();
+}
+
+Qt::ItemFlags VientiModel::flags(const QModelIndex& index) const
+{
+    const Qt::ItemFlags f = QAbstractTableModel::flags(index);
+    return m_muokkaus.muokattavissa() ? f | Qt::ItemIsEditable : f;
+}
+
+QVariant VientiModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid() || index.row() >= m_muokkaus.riviMaara())
+        return {};
+    if (role == Qt::TextAlignmentRole && !isAccountColumn(index.column()))
+        return int(Qt::AlignRight | Qt::AlignVCenter);
+    if (role != Qt::DisplayRole && role != Qt::EditRole)
+        return {};
+    return isAccountColumn(index.column()) ? m_muokkaus.tiliTeksti(side(index.column()), index.row())
+                                           : m_muokkaus.arvoTeksti(side(index.column()), index.row());
+}
+
+bool VientiModel::setData(const QModelIndex& index, const QVariant& value, int role)
+{
+    if (!index.isValid() || role != Qt::EditRole || index.row() >= m_muokkaus.riviMaara())
+        return false;
+    const QString text = value.toString();
+    const bool changed = isAccountColumn(index.column())
+        ? m_muokkaus.setTiliTeksti(side(index.column()), index.row(), text)
+        : m_muokkaus.setArvoTeksti(side(index.column()), index.row(), text);
+    // A refused amount is shown again as it was.
+    emit dataChanged(index, index);
+    if (changed)
+        emit entryChanged(index.row(), index.column());
+    return changed;
+}

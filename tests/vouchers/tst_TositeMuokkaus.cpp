@@ -1,0 +1,455 @@
+#include "ScriptedDialogs.h"
+#include "TositeMuokkaus.h"
+#include "VoucherFixture.h"
+
+#include "Dates.h"
+
+#include <QTest>
+#include <memory>
+
+using Laji = TositeMuokkaus::Laji;
+using Puoli = TositeMuokkaus::Puoli;
+using Siirto = TositeMuokkaus::Siirto;
+Q_DECLARE_METATYPE(TositeMuokkaus::Laji)
+
+namespace {
+
+const QString CheckAccounts = QStringLiteral("information: Tarkista tilivalinta.");
+
+} // namespace
+
+// The rules of editing vouchers, without a window.
+class tst_TositeMuokkaus : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<VoucherFixture> f;
+    std::unique_ptr<ScriptedDialogs> dialogs;
+    int pankki = 0, velat = 0, myynti = 0; // 1910 Pankkitili, 2250 Muut velat, 3000 Myyntituotot
+
+    std::unique_ptr<TositeMuokkaus> open(Laji laji = Laji::Tavallinen)
+    {
+        auto m = std::make_unique<TositeMuokkaus>(f->db(), laji);
+        if (!m->avaa())
+            qWarning("avaa failed");
+        return m;
+    }
+    qint64 stored(const QString& where) const
+    {
+        return f->value(QStringLiteral("SELECT viArvo FROM vi WHERE ") + where).toLongLong();
+    }
+
+private slots:
+    void init()
+    {
+        f = std::make_unique<VoucherFixture>();
+        QVERIFY(f->ok);
+        pankki = f->addTili(1910, QStringLiteral("Pankkitili"));
+        velat = f->addTili(2250, QStringLiteral("Muut velat"));
+        myynti = f->addTili(3000, QStringLiteral("Myyntituotot"));
+        dialogs = std::make_unique<ScriptedDialogs>();
+    }
+    void cleanup()
+    {
+        QCOMPARE(dialogs->failures(), QStringList());
+        dialogs.reset();
+        f.reset();
+    }
+
+    void newVoucherIsNumberedAndStoredAtOnce_data()
+    {
+        QTest::addColumn<Laji>("laji");
+        QTest::addColumn<int>("closingBefore"); // 0: an empty database
+        QTest::newRow("ordinary in an empty database") << Laji::Tavallinen << 0;
+        QTest::newRow("opening after closing 4") << Laji::Avaus << 4;
+        QTest::newRow("closing after closing 4") << Laji::Paatos << 4;
+    }
+    void newVoucherIsNumberedAndStoredAtOnce()
+    {
+        QFETCH(Laji, laji);
+        QFETCH(int, closingBefore);
+        if (closingBefore)
+            f->addTosite(closingBefore, QStringLiteral("P"), QStringLiteral("2011-03-01"));
+        auto m = open(laji);
+        QCOMPARE(m->tosite().IsEmpty(), laji != Laji::Paatos || !closingBefore);
+        QCOMPARE(m->riviMaara(), TositeMuokkaus::VahimmaisRivit);
+        QVERIFY(m->uusi());
+        QCOMPARE(m->tosite().Numero(), closingBefore + 1);
+        QCOMPARE(m->tosite().Avaustosite(), laji == Laji::Avaus);
+        QCOMPARE(m->tosite().Paatostosite(), laji == Laji::Paatos);
+        QCOMPARE(m->tosite().Paiva(), closingBefore ? QDate(2011, 3, 1) : QDate(2011, 1, 1));
+        QCOMPARE(f->count(QStringLiteral("\"to\"")), closingBefore ? 2 : 1);
+        QCOMPARE(m->luettelo().size(), size_t(laji == Laji::Paatos && closingBefore ? 2 : 1));
+        QCOMPARE(dialogs->transcript(), QStringList());
+    }
+
+    void browsingStaysInKindAndBeepsAtTheEnds()
+    {
+        f->addTosite(1, QString(), QStringLiteral("2011-02-01"), QStringLiteral("Eka"));
+        f->addTosite(2, QStringLiteral("A"));
+        const int last
+            = f->addTosite(3, QString(), QStringLiteral("2011-03-01"), QStringLiteral("Viimeinen"));
+        f->addTosite(4, QStringLiteral("P"));
+        auto m = open();
+        QCOMPARE(m->tosite().ToId(), last);
+        const qint64 before = f->totalChanges();
+        QVERIFY(!m->siirry(Siirto::Seuraava));
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Beep).size(), 1);
+        QCOMPARE(m->tosite().ToId(), last);
+        QVERIFY(m->siirry(Siirto::Edellinen));
+        QCOMPARE(m->tosite().Numero(), 1);
+        QVERIFY(!m->siirry(Siirto::Edellinen));
+        QCOMPARE(m->tosite().Numero(), 1);
+        QCOMPARE(f->totalChanges(), before);
+    }
+
+    void rowsFollowTheLongestVoucher()
+    {
+        const int id = f->addTosite(1);
+        for (int i = 0; i < 9; ++i)
+            f->addVienti(id, pankki, QStringLiteral("D"), 10000 * (i + 1));
+        f->addVienti(id, myynti, QStringLiteral("K"), 450000);
+        for (int i = 0; i < 10; ++i) // entries left without their voucher do not count
+            f->addVienti(999, pankki, QStringLiteral("D"), 100);
+        auto m = open();
+        QCOMPARE(m->riviMaara(), 9);
+        QCOMPARE(m->arvoTeksti(Puoli::Debet, 8), QStringLiteral("9,00"));
+        QCOMPARE(m->tiliTeksti(Puoli::Debet, 0), QStringLiteral("1910 Pankkitili"));
+        QCOMPARE(m->tiliTeksti(Puoli::Kredit, 1), QString());
+        m->lisaaRivi();
+        QCOMPARE(m->riviMaara(), 10);
+    }
+
+    void accountCheckBlocksLeaving_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<bool>("debit");
+        QTest::newRow("save, debit") << "tallenna" << true;
+        QTest::newRow("save, credit") << "tallenna" << false;
+        QTest::newRow("new") << "uusi" << true;
+        QTest::newRow("previous") << "edellinen" << true;
+        QTest::newRow("first") << "ensimmainen" << false;
+        QTest::newRow("a line of the list") << "lataa" << true;
+        QTest::newRow("close") << "sulje" << true;
+    }
+    void accountCheckBlocksLeaving()
+    {
+        QFETCH(QString, command);
+        QFETCH(bool, debit);
+        const int first = f->addTosite(1);
+        const int id = f->addTosite(2);
+        auto m = open();
+        const Puoli puoli = debit ? Puoli::Debet : Puoli::Kredit;
+        QVERIFY(m->setArvoTeksti(puoli, 2, QStringLiteral("100")));
+        const qint64 before = f->totalChanges();
+        const bool ok = command == u"tallenna" ? m->tallenna()
+            : command == u"uusi"               ? m->uusi()
+            : command == u"edellinen"          ? m->siirry(Siirto::Edellinen)
+            : command == u"ensimmainen"        ? m->siirry(Siirto::Ensimmainen)
+            : command == u"lataa"              ? m->lataa(first)
+                                               : m->sulje();
+        QVERIFY(!ok);
+        QCOMPARE(dialogs->transcript(), QStringList { CheckAccounts });
+        QCOMPARE(m->tosite().ToId(), id);
+        QCOMPARE(f->totalChanges(), before);
+        QVERIFY(m->virhePaikka());
+        QCOMPARE(m->virhePaikka()->puoli, puoli);
+        QCOMPARE(m->virhePaikka()->rivi, 2);
+        // With an account chosen the voucher can be left.
+        dialogs->clear();
+        QVERIFY(m->setTiliTeksti(puoli, 2, QStringLiteral("1910")));
+        QVERIFY(m->sulje());
+        QCOMPARE(dialogs->transcript(), QStringList());
+        QCOMPARE(
+            f->count(QStringLiteral("vi"), QStringLiteral("viArvo = 1000000 AND vitoID = %1").arg(id)), 1);
+    }
+
+    void dateOutsideTheFiscalYearIsKeptAndWarned_data()
+    {
+        QTest::addColumn<QDate>("date");
+        QTest::addColumn<bool>("warned");
+        QTest::newRow("first day") << QDate(2011, 1, 1) << false;
+        QTest::newRow("last day") << QDate(2011, 12, 31) << false;
+        QTest::newRow("a day after") << QDate(2012, 1, 1) << true;
+        QTest::newRow("a day before") << QDate(2010, 12, 31) << true;
+        QTest::newRow("no date") << QDate() << false;
+    }
+    void dateOutsideTheFiscalYearIsKeptAndWarned()
+    {
+        QFETCH(QDate, date);
+        QFETCH(bool, warned);
+        f->addTosite(1);
+        auto m = open();
+        QCOMPARE(m->setPaiva(date), !warned);
+        QCOMPARE(dialogs->transcript(),
+            warned ? QStringList { QString::fromUtf8("information: Tositteen päivämäärän tulee kuulua "
+                                                     "tilikauteen!\n\nTilikausi: 1.1.2011 - 31.12.2011") }
+                   : QStringList());
+        QVERIFY(m->tallenna());
+        const QVariant toPvm = f->value(QStringLiteral("SELECT toPvm FROM \"to\""));
+        QCOMPARE(toPvm.isNull(), !date.isValid());
+        QCOMPARE(Dates::fromSql(toPvm.toString()), date);
+    }
+
+    void chosenAccountBalanceIsReadFromTheBooks()
+    {
+        ProgramSettings::bookkeeping().LaskettavaTili = pankki;
+        const int other = f->addTosite(1);
+        f->addVienti(other, pankki, QStringLiteral("D"), 1000000); // 100,00 in another voucher
+        f->addVienti(other, myynti, QStringLiteral("K"), 1000000);
+        const int shown = f->addTosite(2);
+        f->addVienti(shown, pankki, QStringLiteral("K"), 200000); // 20,00 on screen
+        f->addVienti(999, pankki, QStringLiteral("D"), 7770000); // an entry without voucher does not count
+        auto m = open();
+        QCOMPARE(m->laskettavanSaldo(), Money::fromCents(8000));
+        m->setArvoTeksti(Puoli::Kredit, 1, QStringLiteral("30"));
+        m->setTiliTeksti(Puoli::Kredit, 1, QStringLiteral("1910"));
+        QCOMPARE(m->laskettavanSaldo(), Money::fromCents(5000));
+        QVERIFY(m->tallenna());
+        // An entry stored meanwhile by another window is seen after a save.
+        f->addVienti(other, pankki, QStringLiteral("D"), 10000);
+        QVERIFY(m->tallenna());
+        QCOMPARE(m->laskettavanSaldo(), Money::fromCents(5100));
+        QVERIFY(m->siirry(Siirto::Edellinen));
+        QCOMPARE(m->laskettavanSaldo(), Money::fromCents(5100));
+        m->setArvoTeksti(Puoli::Debet, 0, QString());
+        m->setTiliTeksti(Puoli::Debet, 0, QString());
+        QCOMPARE(m->laskettavanSaldo(), Money::fromCents(-4900));
+        ProgramSettings::bookkeeping().LaskettavaTili = 0;
+        QCOMPARE(m->laskettavanSaldo(), std::nullopt);
+    }
+
+    void typedTexts_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<qint64>("stored"); // the amount before was 10,00
+        const auto row = [](const char* typed, const char* message, qint64 value) {
+            QTest::newRow(typed) << QString::fromUtf8(typed) << QString::fromUtf8(message) << value;
+        };
+        row("kymmenen", "Summa ei ole luku. Viennin summaksi tulee 0.", 0);
+        row("-5", "Summa ei voi olla negatiivinen. Kirjaa vienti vastakkaiselle puolelle.", 100000);
+        row("12,345", "Summassa voi olla enintään kaksi desimaalia.", 100000);
+        row("99999999999999999", "Summa on liian suuri.", 100000);
+        row("12,50 €", "", 125000);
+        row("10,00", "", 100000); // the text shown: nothing changes
+    }
+    void typedTexts()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, message);
+        QFETCH(qint64, stored);
+        f->addVienti(f->addTosite(1), pankki, QStringLiteral("D"), 100000);
+        auto m = open();
+        m->setArvoTeksti(Puoli::Debet, 0, typed);
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information),
+            message.isEmpty() ? QStringList() : QStringList { message });
+        QVERIFY(m->tallenna());
+        QCOMPARE(this->stored(QStringLiteral("1 = 1")), stored);
+    }
+
+    void accountTexts_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("shown"); // after
+        QTest::addColumn<bool>("refused");
+        QTest::newRow("start of a name") << "myyN"
+                                         << "3000 Myyntituotot" << false;
+        QTest::newRow("no such account") << "9999"
+                                         << "" << true;
+        QTest::newRow("cleared") << ""
+                                 << "" << false;
+    }
+    void accountTexts()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, shown);
+        QFETCH(bool, refused);
+        f->addVienti(f->addTosite(1), pankki, QStringLiteral("D"), 100000);
+        auto m = open();
+        QVERIFY(m->setTiliTeksti(Puoli::Debet, 0, typed));
+        QCOMPARE(m->tiliTeksti(Puoli::Debet, 0), shown);
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information),
+            refused ? QStringList { QStringLiteral("Valitse tili, jolle vienti tehdään.") } : QStringList());
+    }
+
+    // Leaving an amount cell whose text did not change writes nothing: an amount stored with
+    // more than two decimals, or a negative one, stays as it is and no message is shown.
+    void unchangedCellWritesNothing_data()
+    {
+        QTest::addColumn<qint64>("raw");
+        QTest::newRow("half a cent") << qint64(50);
+        QTest::newRow("negative") << qint64(-50000);
+        QTest::newRow("a fraction of a cent, large") << qint64(1234567891);
+    }
+    void unchangedCellWritesNothing()
+    {
+        QFETCH(qint64, raw);
+        const int id = f->addTosite(1);
+        f->addVienti(id, pankki, QStringLiteral("D"), raw);
+        auto m = open();
+        QVERIFY(!m->setArvoTeksti(Puoli::Debet, 0, m->arvoTeksti(Puoli::Debet, 0)));
+        QVERIFY(!m->setTiliTeksti(Puoli::Debet, 0, m->tiliTeksti(Puoli::Debet, 0)));
+        const qint64 before = f->totalChanges();
+        QVERIFY(m->tallenna());
+        QCOMPARE(f->totalChanges(), before);
+        QCOMPARE(stored(QStringLiteral("1 = 1")), raw);
+        QCOMPARE(dialogs->transcript(), QStringList());
+    }
+
+    // A row cleared and saved loses its entry; typed into again, it is a new entry of its side
+    // and voucher, not an entry without either that vanishes on reload.
+    void clearedRowTypedAgainIsStored()
+    {
+        const int id = f->addTosite(1);
+        f->addVienti(id, pankki, QStringLiteral("K"), 100000);
+        auto m = open();
+        QVERIFY(m->setArvoTeksti(Puoli::Kredit, 0, QString()));
+        QVERIFY(m->setTiliTeksti(Puoli::Kredit, 0, QString()));
+        QVERIFY(m->tallenna());
+        QCOMPARE(f->count(QStringLiteral("vi")), 0);
+        QVERIFY(m->setTiliTeksti(Puoli::Kredit, 0, QStringLiteral("3000")));
+        QVERIFY(m->setArvoTeksti(Puoli::Kredit, 0, QStringLiteral("7,50")));
+        QVERIFY(m->tallenna());
+        QCOMPARE(f->count(QStringLiteral("vi"),
+                     QStringLiteral("vitoID = %1 AND viTyyppi = 'K' AND vitlID = %2 AND viArvo = 75000")
+                         .arg(id)
+                         .arg(myynti)),
+            1);
+        auto again = open();
+        QCOMPARE(again->arvoTeksti(Puoli::Kredit, 0), QStringLiteral("7,50"));
+    }
+
+    void descriptionGoesToEveryEntry()
+    {
+        const int id = f->addTosite(1);
+        f->addVienti(id, pankki, QStringLiteral("D"), 100000);
+        auto m = open();
+        m->setTiliTeksti(Puoli::Kredit, 0, QStringLiteral("3000"));
+        m->setArvoTeksti(Puoli::Kredit, 0, QStringLiteral("10"));
+        m->setSelite(QStringLiteral("Kahvion myynti 'kesä'"));
+        QVERIFY(m->tallenna());
+        QCOMPARE(f->count(QStringLiteral("vi"), QStringLiteral("viSelite = 'Kahvion myynti ''kesä'''")), 2);
+    }
+
+    void deleteAsksAndForgetsTypedChanges()
+    {
+        const int first = f->addTosite(1);
+        const int second = f->addTosite(2);
+        f->addVienti(first, pankki, QStringLiteral("D"), 100000);
+        f->addVienti(second, pankki, QStringLiteral("D"), 100000);
+        dialogs->answerNo().answerYes();
+        auto m = open();
+        m->setArvoTeksti(Puoli::Debet, 0, QStringLiteral("20")); // a change that must not come back
+        QVERIFY(!m->poista());
+        QCOMPARE(f->count(QStringLiteral("\"to\"")), 2);
+        QCOMPARE(m->tosite().ToId(), second);
+        QVERIFY(m->poista());
+        QCOMPARE(m->tosite().ToId(), first);
+        QVERIFY(m->sulje());
+        m.reset();
+        QCOMPARE(f->count(QStringLiteral("\"to\"")), 1);
+        QCOMPARE(f->count(QStringLiteral("vi"), QStringLiteral("vitoID = %1").arg(second)), 0);
+        QCOMPARE(f->count(QStringLiteral("vi")), 1);
+    }
+
+    // A failed save writes nothing and keeps what was typed, to be saved once the books can
+    // take it.
+    void failedSaveKeepsTheTyping()
+    {
+        f->addTosite(1);
+        QVERIFY(f->failOn(QStringLiteral("INSERT"), QStringLiteral("vi")));
+        auto m = open();
+        m->setTiliTeksti(Puoli::Debet, 0, QStringLiteral("Muut"));
+        m->setArvoTeksti(Puoli::Debet, 0, QStringLiteral("7,25"));
+        m->setNumero(15);
+        QVERIFY(!m->tallenna());
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Error).size(), 1);
+        QVERIFY(dialogs->texts(ScriptedDialogs::Kind::Error).first().contains(QStringLiteral("\ndisk full")));
+        QCOMPARE(f->value(QStringLiteral("SELECT toNumero FROM \"to\"")).toInt(), 1);
+        QCOMPARE(f->count(QStringLiteral("vi")), 0);
+        QCOMPARE(m->arvoTeksti(Puoli::Debet, 0), QStringLiteral("7,25"));
+        QVERIFY(f->exec(QStringLiteral("DROP TRIGGER fail_INSERT_vi")));
+        QVERIFY(m->tallenna());
+        QCOMPARE(f->value(QStringLiteral("SELECT toNumero FROM \"to\"")).toInt(), 15);
+        QCOMPARE(stored(QStringLiteral("vitlID = %1").arg(velat)), 72500);
+    }
+
+    void closingWhenTheSaveFailsAsks_data()
+    {
+        QTest::addColumn<bool>("closeAnyway");
+        QTest::newRow("No: the window stays") << false;
+        QTest::newRow("Yes: the typing is dropped, as the user was told") << true;
+    }
+    void closingWhenTheSaveFailsAsks()
+    {
+        QFETCH(bool, closeAnyway);
+        f->addTosite(1);
+        QVERIFY(f->failOn(QStringLiteral("INSERT"), QStringLiteral("vi")));
+        auto m = open();
+        m->setTiliTeksti(Puoli::Debet, 0, QStringLiteral("1910"));
+        m->setArvoTeksti(Puoli::Debet, 0, QStringLiteral("5"));
+        closeAnyway ? dialogs->answerYes() : dialogs->answerNo();
+        QCOMPARE(m->sulje(), closeAnyway);
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Question).size(), 1);
+        m.reset(); // released: writes nothing more and shows nothing more
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Error).size(), closeAnyway ? 1 : 2);
+        QCOMPARE(f->count(QStringLiteral("vi")), 0);
+    }
+
+    void automaticNewVoucher_data()
+    {
+        QTest::addColumn<bool>("setting");
+        QTest::addColumn<QString>("credit"); // the amount typed on the credit side
+        QTest::addColumn<bool>("highest");
+        QTest::addColumn<bool>("made");
+        QTest::newRow("balanced and complete") << true << "10" << true << true;
+        QTest::newRow("setting off") << false << "10" << true << false;
+        QTest::newRow("not balanced") << true << "9" << true << false;
+        QTest::newRow("not the highest number") << true << "10" << false << false;
+    }
+    void automaticNewVoucher()
+    {
+        QFETCH(bool, setting);
+        QFETCH(QString, credit);
+        QFETCH(bool, highest);
+        QFETCH(bool, made);
+        ProgramSettings::bookkeeping().AutomaattisestiUusiTosite = setting;
+        f->addTosite(1);
+        if (!highest)
+            f->addTosite(7, QStringLiteral("A"));
+        auto m = open();
+        m->setTiliTeksti(Puoli::Debet, 0, QStringLiteral("1910"));
+        m->setArvoTeksti(Puoli::Debet, 0, QStringLiteral("10"));
+        QVERIFY(!m->automaattinenUusi()); // the credit side is still missing
+        m->setTiliTeksti(Puoli::Kredit, 0, QStringLiteral("3000"));
+        m->setArvoTeksti(Puoli::Kredit, 0, credit);
+        QCOMPARE(m->automaattinenUusi(), made);
+        QCOMPARE(m->tosite().Numero(), made ? 2 : 1);
+        QCOMPARE(f->count(QStringLiteral("vi")), made ? 2 : 0);
+    }
+
+    void voucherFromAPattern()
+    {
+        f->addTosite(3);
+        auto m = open(Laji::Avaus);
+        QVERIFY(m->uusiMallista(QStringLiteral("Jäsenmaksut"),
+            { { Puoli::Debet, pankki, Money::fromCents(5000) },
+                { Puoli::Kredit, myynti, Money::fromCents(5000) } }));
+        QCOMPARE(m->tosite().Numero(), 4);
+        QCOMPARE(m->tiliTeksti(Puoli::Kredit, 0), QStringLiteral("3000 Myyntituotot"));
+        QCOMPARE(f->count(QStringLiteral("vi"),
+                     QStringLiteral(
+                         "viSelite = 'Jäsenmaksut' AND viAvausvienti = 1 AND viArvo = 500000 AND vitoID = %1")
+                         .arg(m->tosite().ToId())),
+            2);
+        // All or nothing: a pattern whose entries cannot be written leaves no voucher behind.
+        QVERIFY(f->failOn(QStringLiteral("INSERT"), QStringLiteral("vi")));
+        QVERIFY(
+            !m->uusiMallista(QStringLiteral("Toinen"), { { Puoli::Debet, pankki, Money::fromCents(1) } }));
+        QCOMPARE(f->count(QStringLiteral("\"to\"")), 2);
+        QCOMPARE(m->tosite().Numero(), 4);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_TositeMuokkaus)
+#include "tst_TositeMuokkaus.moc"

@@ -5,26 +5,13 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
-#include <QMenu>
-#include <QMenuBar>
 #include <QPushButton>
 #include <QSqlQuery>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
-#include <QToolButton>
 
 namespace {
-
-// "name=text" for each item, separators left out, submenus by their own names.
-QStringList menuItems(QMenu* menu)
-{
-    QStringList items;
-    for (QAction* a : menu->actions())
-        if (!a->isSeparator())
-            items.append((a->menu() ? a->menu()->objectName() : a->objectName()) + u'=' + a->text());
-    return items;
-}
 
 // A main window started on a small association database, or on a missing file refused.
 struct StartedWindow {
@@ -48,7 +35,6 @@ class tst_frmMain : public QObject {
     Q_OBJECT
 
 private slots:
-    void buttonsAndMenus();
     void commandsFollowTheDatabase_data();
     void commandsFollowTheDatabase();
     void workingWindowsOpenOnce_data();
@@ -59,46 +45,6 @@ private slots:
     void workingWindowsAreLeftFirst();
     void aboutWindowOpens();
 };
-
-void tst_frmMain::buttonsAndMenus()
-{
-    TestEnv env;
-    frmMain w;
-    QStringList buttons;
-    for (const char* name : { "cTositteet", "cTilit", "cTulosJaTase", "cKayttotuki", "cSulje" }) {
-        auto* b = w.findChild<QPushButton*>(QString::fromLatin1(name));
-        QVERIFY2(b, name);
-        buttons.append(b->text() + u'|' + b->toolTip());
-    }
-    QCOMPARE(buttons,
-        (QStringList { "Tositteet|Avaa Tositteet", "Tilit|Avaa Tilit", "Tulos ja tase|Avaa Tulos ja tase",
-            QString::fromUtf8("Käyttötuki|Avaa käyttötukisivu selainohjelmaan"),
-            "Sulje|Sulje Vorkam [Alt+F4]" }));
-    QVERIFY(w.findChild<QToolButton*>(QStringLiteral("cAboutLumetra")));
-
-    QCOMPARE(w.menuBar()->actions().size(), 2);
-    QCOMPARE(menuItems(w.findChild<QMenu*>(QStringLiteral("mTiedosto"))),
-        (QStringList { "mTositteet=&Tositteet", "mTulosJaTase=T&ulos ja tase", "mTilit=T&ilit",
-            "mAsetukset=&Asetukset", "mAvausviennit=Avausviennit",
-            QString::fromUtf8("mTilinpaatosviennit=Tilinpäätösviennit"), "mKopioTikku=Varmistus Kopiotikulle",
-            "mVarmistusKansioon=Varmistus kansioon", "mVarmistus=Tietokannan &varmuuskopio",
-            "mPalautus=Tietokannan palautus", "mSulje=&Sulje" }));
-    QCOMPARE(menuItems(w.findChild<QMenu*>(QStringLiteral("mKopioTikku"))),
-        (QStringList { "mKopiotikkuVarmistus=Varmuuskopio", "mKopiotikkuPalautus=Palautus",
-            "mKopioTikkuHallinta=Hallinta" }));
-    QCOMPARE(menuItems(w.findChild<QMenu*>(QStringLiteral("mTietokanta"))),
-        (QStringList { "mMuokkaaTietokantaa=Muokkaa tietokantaa",
-            "mLuoTietokantaMallista=Luo tietokanta mallista",
-            QString::fromUtf8("mLuoTietokantaNykyisesta=Kopio nykyisestä"),
-            QString::fromUtf8("mService=Huoltotiedoston lähetys"), "mTietoja=Tietoja" }));
-    QCOMPARE(menuItems(w.findChild<QMenu*>(QStringLiteral("mLuoTietokantaMallista"))),
-        (QStringList { "mLuoTietokantaMallistaYhdistys=Yhdistyksen malli",
-            "mLuoTietokantaMallistaAOY=Asunto OY:n malli", "mLuoTietokantaMallistaLions=Lions",
-            "mLuoTietokantaMallistaMetalli=Metalliliitto" }));
-    // The development commands are not part of the program.
-    QVERIFY(!w.findChild<QObject*>(QStringLiteral("mTesti")));
-    QVERIFY(!w.findChild<QObject*>(QStringLiteral("mTestiTosite")));
-}
 
 void tst_frmMain::commandsFollowTheDatabase_data()
 {

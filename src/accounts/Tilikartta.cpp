@@ -1,6 +1,7 @@
 #include "Tilikartta.h"
 
 #include "DatabaseError.h"
+#include "DatabaseFile.h"
 #include "ProgramSettings.h"
 #include "RecordText.h"
 #include "Transaction.h"
@@ -95,18 +96,24 @@ std::optional<qint32> numeroTekstista(const QString& text)
 Puu lueTilikartta(const QSqlDatabase& db)
 {
     Puu puu;
-    if (const QString syy = siivoaAlkurivit(db); !syy.isEmpty()) {
+    // Books open for reading only keep their leading rows; the tree just leaves them out.
+    const bool readOnly = DatabaseFile::isReadOnly(db);
+    if (const QString syy = readOnly ? QString() : siivoaAlkurivit(db); !syy.isEmpty()) {
         puu.virhe = puuVirhe(syy);
         return puu;
     }
     try {
         QSqlQuery q
             = Sql::run(db, QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl ORDER BY tlNumero, tlNimi"));
+        bool alussa = readOnly;
         while (q.next()) {
             Rivi rivi;
             rivi.id = q.value(0).toInt();
             rivi.numero = q.value(1).toInt();
             rivi.nimi = q.value(2).toString();
+            if (alussa && (q.value(2).isNull() || (!rivi.nimi.isEmpty() && rivi.nimi.at(0).unicode() < 65)))
+                continue;
+            alussa = false;
             const std::optional<int> r = ryhma(rivi.numero);
             if (!r) {
                 puu.virhe = puuVirhe(

@@ -3,6 +3,7 @@
 
 #include "CommandWiring.h"
 #include "DatabaseError.h"
+#include "DatabaseFile.h"
 #include "Dialogs.h"
 #include "EnterAsTab.h"
 #include "Tilikartta.h"
@@ -82,6 +83,17 @@ frmTilitNew::frmTilitNew(const QSqlDatabase& db, QWidget* parent)
             m_tili->setNumero(Tilikartta::numeroTekstista(text).value_or(0));
     });
     connect(ui->tvTilit, &QTreeWidget::currentItemChanged, this, &frmTilitNew::solmuValittu);
+
+    // Books open for reading only: the chart is shown, never changed.
+    if (DatabaseFile::isReadOnly(db)) {
+        for (QWidget* w :
+            std::initializer_list<QWidget*> { ui->cUusi, ui->cTallenna, ui->cPeru, ui->cPoista })
+            w->setEnabled(false);
+        for (QAction* a : { ui->mUusi, ui->mTallenna, ui->mPeru, ui->mPoista })
+            a->setEnabled(false);
+        for (QLineEdit* field : { ui->tTilinumero, ui->tNimi, ui->tKuvaus })
+            field->setReadOnly(true);
+    }
 
     rakennaPuu();
     std::unique_ptr<cTili> ensimmainen;

@@ -93,12 +93,18 @@ void frmMain::startUp()
     } else {
         ui->lblSeura->setText(QStringLiteral("Tietokantaa ei ole avattu."));
     }
+    if (m_startup.repairedOpen)
+        ui->lblSeura->setText(ui->lblSeura->text()
+            + QStringLiteral(
+                "<br><span style=\"color:#b00000\">Tietokanta korjattiin tällä käynnistyskerralla: "
+                "tarkista kirjanpito.</span>"));
     const bool open = m_startup.databaseOpen;
     for (QWidget* w : { static_cast<QWidget*>(ui->cTositteet), static_cast<QWidget*>(ui->cTilit) })
         w->setEnabled(open);
-    for (QAction* a :
-        { ui->mTositteet, ui->mTilit, ui->mAvausviennit, ui->mTilinpaatosviennit, ui->mVarmistus })
+    for (QAction* a : { ui->mTositteet, ui->mTilit, ui->mAvausviennit, ui->mTilinpaatosviennit })
         a->setEnabled(open);
+    // The reorganisation rewrites the books: not for books open for reading only.
+    ui->mVarmistus->setEnabled(open && !m_startup.readOnly);
 }
 
 void frmMain::openWindow(Window which)

@@ -15,8 +15,10 @@ QSqlDatabase DBC::openFile(const QString& path)
 {
     ++m_openCount;
     m_connection = QStringLiteral("DBC_%1").arg(m_openCount);
-    // The start-up has checked the file already; a failed open gives a closed database.
-    const OpenResult result = DatabaseFile::open(path, m_connection);
+    // The start-up has checked its file already; another file (a switch) is checked here. A
+    // failed open gives a closed database.
+    const bool checked = !path.isEmpty() && path == m_checkedPath;
+    const OpenResult result = DatabaseFile::open(path, m_connection, checked && m_readOnly, !checked);
     if (!result)
         return QSqlDatabase();
     return QSqlDatabase::database(m_connection, false);
@@ -40,6 +42,12 @@ QSqlDatabase DBC::AvaaDB()
     SuljeDB();
     // Deliberately left not open, so that the next call opens the file once more.
     return openFile(setting);
+}
+
+void DBC::setMode(const QString& checkedPath, bool readOnly)
+{
+    m_checkedPath = checkedPath;
+    m_readOnly = readOnly;
 }
 
 void DBC::SuljeDB()

@@ -18,6 +18,10 @@ public:
     // Closes the connection; safe when nothing is open.
     void SuljeDB();
 
+    // What the start-up found: the file it opened and checked in this run (DBC opens it again
+    // without checking the whole file a second time) and whether it may only be read.
+    void setMode(const QString& checkedPath, bool readOnly);
+
     bool isOpen() const { return m_open; }
     const QString& path() const { return m_path; }
     // How many times a file has been opened: lets callers and tests see reuse.
@@ -33,4 +37,6 @@ private:
     bool m_open = false;
     QString m_path;
     int m_openCount = 0;
+    QString m_checkedPath;
+    bool m_readOnly = false;
 };

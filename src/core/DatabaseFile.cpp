@@ -1,7 +1,7 @@
 #include "DatabaseFile.h"
 
+#include "PageRecovery.h"
 #include "Schema.h"
-#include "Transaction.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,7 +13,8 @@
 #include <QUuid>
 #include <QVariant>
 
-#include <cstdio>
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -44,91 +45,6 @@ template <typename Work> OpenResult withConnection(const QString& path, bool rea
 
 OpenResult failure(DbError kind, const QString& message) { return OpenResult { kind, message }; }
 
-// Copies every readable row of `source` into a new database at `target`.
-OpenResult salvage(const QString& source, const QString& target)
-{
-    const QString srcName = tempConnectionName();
-    const QString dstName = tempConnectionName();
-    OpenResult result;
-    {
-        QSqlDatabase src = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), srcName);
-        src.setDatabaseName(source);
-        src.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-        QSqlDatabase dst = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), dstName);
-        dst.setDatabaseName(target);
-
-        QStringList tables, tableSql, otherSql;
-        if (src.open()) {
-            QSqlQuery q(src);
-            // Lets the engine read the table list of a file whose size no longer matches its header.
-            q.exec(QStringLiteral("PRAGMA writable_schema = ON"));
-            if (q.exec(QStringLiteral("SELECT type, name, sql FROM sqlite_master WHERE sql IS NOT NULL"))) {
-                while (q.next()) {
-                    const QString type = q.value(0).toString();
-                    const QString name = q.value(1).toString();
-                    if (name.startsWith(QLatin1String("sqlite_")))
-                        continue;
-                    if (type == QLatin1String("table")) {
-                        tables.append(name);
-                        tableSql.append(q.value(2).toString());
-                    } else {
-                        otherSql.append(q.value(2).toString());
-                    }
-                }
-            }
-        }
-        if (tables.isEmpty()) {
-            result = failure(DbError::Damaged, QStringLiteral("Tietokannan rakennetta ei voi lukea."));
-        } else if (!dst.open()) {
-            result = failure(DbError::Failed, dst.lastError().text());
-        } else {
-            Transaction tx(dst);
-            QSqlQuery create(dst);
-            for (const QString& sql : tableSql)
-                create.exec(sql);
-            for (const QString& table : tables) {
-                QSqlQuery read(src);
-                read.setForwardOnly(true);
-                const QString quotedName = u'"' + QString(table).replace(u'"', QStringLiteral("\"\"")) + u'"';
-                if (!read.exec(QStringLiteral("SELECT * FROM ") + quotedName))
-                    continue;
-                QSqlQuery insert(dst);
-                bool prepared = false;
-                // Rows up to the first unreadable page are kept; the rest of that table is lost.
-                while (read.next()) {
-                    const QSqlRecord rec = read.record();
-                    if (!prepared) {
-                        QStringList marks;
-                        for (int i = 0; i < rec.count(); ++i)
-                            marks.append(QStringLiteral("?"));
-                        insert.prepare(
-                            QStringLiteral("INSERT INTO %1 VALUES (%2)").arg(quotedName, marks.join(u',')));
-                        prepared = true;
-                    }
-                    for (int i = 0; i < rec.count(); ++i)
-                        insert.bindValue(i, rec.value(i));
-                    insert.exec();
-                }
-            }
-            for (const QString& sql : otherSql)
-                create.exec(sql);
-            if (!tx.commit())
-                result = failure(DbError::Failed, dst.lastError().text());
-            else if (!Schema::missingCoreTables(dst).isEmpty())
-                result = failure(DbError::Damaged, QStringLiteral("Tietokannan tauluja ei voi lukea."));
-        }
-        src.close();
-        dst.close();
-    }
-    QSqlDatabase::removeDatabase(srcName);
-    QSqlDatabase::removeDatabase(dstName);
-    if (result)
-        result = withConnection(target, true, [](QSqlDatabase&) { return OpenResult {}; });
-    if (!result)
-        QFile::remove(target);
-    return result;
-}
-
 } // namespace
 
 namespace DatabaseFile {
@@ -137,6 +53,18 @@ bool isReadOnly(const QString& path)
 {
     const QFileInfo info(path);
     return info.exists() && !(info.permissions() & QFileDevice::WriteOwner);
+}
+
+bool folderReadOnly(const QString& path)
+{
+    const QFileInfo folder(QFileInfo(path).absolutePath());
+    // The owner's write flag counts even for a user (root) whom the system lets write anyway.
+    return folder.isDir() && (!folder.isWritable() || !(folder.permissions() & QFileDevice::WriteOwner));
+}
+
+bool isReadOnly(const QSqlDatabase& db)
+{
+    return db.connectOptions().contains(QLatin1String("QSQLITE_OPEN_READONLY"));
 }
 
 bool isJetFile(const QString& path)
@@ -166,7 +94,7 @@ OpenResult examine(const QString& path)
     return {};
 }
 
-OpenResult open(const QString& path, const QString& connectionName, bool readOnly)
+OpenResult open(const QString& path, const QString& connectionName, bool readOnly, bool check)
 {
     OpenResult result = examine(path);
     if (!result)
@@ -180,15 +108,20 @@ OpenResult open(const QString& path, const QString& connectionName, bool readOnl
             result = failure(DbError::Damaged, db.lastError().text());
         } else {
             QSqlQuery q(db);
-            if (!q.exec(QStringLiteral("PRAGMA quick_check")) || !q.next()) {
+            if (check && (!q.exec(QStringLiteral("PRAGMA quick_check")) || !q.next())) {
                 result = failure(DbError::Damaged, q.lastError().text());
-            } else if (q.value(0).toString() != QLatin1String("ok")) {
+            } else if (check && q.value(0).toString() != QLatin1String("ok")) {
                 result = failure(DbError::Damaged, q.value(0).toString());
             } else {
                 q.finish();
                 if (!readOnly) {
-                    // The .mdb file alone must always be the whole database.
-                    q.exec(QStringLiteral("PRAGMA journal_mode=DELETE"));
+                    // The .mdb file alone must always be the whole database. Asking for the
+                    // journal mode it already has writes nothing.
+                    q.exec(QStringLiteral("PRAGMA journal_mode"));
+                    if (q.next()
+                        && q.value(0).toString().compare(QLatin1String("delete"), Qt::CaseInsensitive) != 0)
+                        q.exec(QStringLiteral("PRAGMA journal_mode=DELETE"));
+                    q.finish();
                     q.exec(QStringLiteral("PRAGMA synchronous=FULL"));
                 }
             }
@@ -229,20 +162,181 @@ OpenResult compactInto(const QString& source, const QString& target)
     return result;
 }
 
-OpenResult repairInto(const QString& source, const QString& target)
+namespace {
+
+struct CoreTable {
+    const char* name;
+    const char* caption;
+    // A repair that saves none of these rows from a file that had them has failed.
+    bool essential;
+};
+
+const CoreTable CoreTables[] = {
+    { "tl", "Tilit", true },
+    { "to", "Tositteet", true },
+    { "vi", "Viennit", false },
+    { "toE", "Edellisen tilikauden tositteet", false },
+    { "viE", "Edellisen tilikauden viennit", false },
+    { "ma", "Tilinpäätösmallit", false },
+    { "mr", "Tilinpäätösmallien rivit", false },
+};
+
+// Row counts of the core tables; nullopt where the table cannot be read (or is missing).
+QList<std::optional<qint64>> countRows(const QString& path, bool writableSchema)
 {
-    if (QFileInfo::exists(target))
-        return failure(DbError::FileExists, QStringLiteral("Tiedosto on jo olemassa: %1").arg(target));
+    QList<std::optional<qint64>> counts;
+    const QString name = tempConnectionName();
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(path);
+        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        const bool open = db.open();
+        QSqlQuery q(db);
+        // Lets the engine read the table list of a file whose size no longer matches its header.
+        if (open && writableSchema)
+            q.exec(QStringLiteral("PRAGMA writable_schema = ON"));
+        for (const CoreTable& t : CoreTables) {
+            const QString table = u'"' + QString::fromLatin1(t.name) + u'"';
+            // The table's own pages and its smallest index may disagree when one of them is
+            // damaged: the larger figure is what the file claims.
+            std::optional<qint64> count;
+            for (const QString& sql : { QStringLiteral("SELECT COUNT(*) FROM %1 NOT INDEXED"),
+                     QStringLiteral("SELECT COUNT(*) FROM %1") }) {
+                if (open && q.exec(sql.arg(table)) && q.next())
+                    count = std::max(count.value_or(0), q.value(0).toLongLong());
+                q.finish();
+            }
+            counts.append(count);
+        }
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+    return counts;
+}
+
+bool integrityOk(const QString& path)
+{
+    return bool(withConnection(path, true, [](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        if (q.exec(QStringLiteral("PRAGMA integrity_check")) && q.next() && q.value(0).toString() == u"ok")
+            return OpenResult {};
+        return failure(DbError::Damaged, q.value(0).toString());
+    }));
+}
+
+// Empty core tables where the repair found none, so that the books open; the report tells
+// what they held.
+void addMissingCoreTables(const QString& path)
+{
+    const QString name = tempConnectionName();
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(path);
+        if (db.open()) {
+            const QStringList missing = Schema::missingCoreTables(db);
+            if (!missing.isEmpty())
+                Schema::createCoreTables(db, missing);
+            db.close();
+        }
+    }
+    QSqlDatabase::removeDatabase(name);
+}
+
+} // namespace
+
+QString RepairResult::report() const
+{
+    QStringList lines { QStringLiteral("Taulu: rivejä vioittuneessa tiedostossa / korjatussa") };
+    for (const TableCount& c : counts) {
+        QString line = c.caption + QStringLiteral(": ")
+            + (c.before ? QString::number(*c.before) : QStringLiteral("ei luettavissa"))
+            + QStringLiteral(" / ") + QString::number(c.after);
+        if (c.before && *c.before > c.after)
+            line += QStringLiteral(" – %1 riviä menetettiin").arg(*c.before - c.after);
+        lines.append(line);
+    }
+    if (unplaced > 0)
+        lines.append(
+            QStringLiteral("Lisäksi %1 riviä, joiden taulua ei voitu päätellä, on tallessa taulussa %2.")
+                .arg(unplaced)
+                .arg(UnplacedTable));
+    return lines.join(u'\n');
+}
+
+bool RepairResult::lostRows() const
+{
+    return unplaced > 0 || std::any_of(counts.begin(), counts.end(), [](const TableCount& c) {
+        return !c.before || *c.before > c.after;
+    });
+}
+
+RepairResult repairInto(const QString& source, const QString& target)
+{
+    RepairResult repair;
+    if (QFileInfo::exists(target)) {
+        repair.result
+            = failure(DbError::FileExists, QStringLiteral("Tiedosto on jo olemassa: %1").arg(target));
+        return repair;
+    }
     const OpenResult seen = examine(source);
-    if (seen.error != DbError::None && seen.error != DbError::Damaged)
-        return seen;
+    if (seen.error != DbError::None && seen.error != DbError::Damaged) {
+        repair.result = seen;
+        return repair;
+    }
     // A file that does not even start like a database has nothing to save.
     bool readable = false;
-    if (!readHeader(source, &readable).startsWith(QByteArray("SQLite format 3\0", 16)))
-        return failure(DbError::Damaged, QStringLiteral("Tiedosto ei ole tietokanta."));
-    if (compactInto(source, target))
-        return {};
-    return salvage(source, target);
+    if (!readHeader(source, &readable).startsWith(QByteArray("SQLite format 3\0", 16))) {
+        repair.result = failure(DbError::Damaged, QStringLiteral("Tiedosto ei ole tietokanta."));
+        return repair;
+    }
+    const QList<std::optional<qint64>> before = countRows(source, true);
+
+    // What the engine can read whole is copied whole; otherwise the rows come from the pages.
+    bool copied = compactInto(source, target) && integrityOk(target);
+    if (!copied) {
+        if (QFileInfo::exists(target))
+            QFile::remove(target);
+        QFile file(source);
+        if (!file.open(QIODevice::ReadOnly)) {
+            repair.result = failure(DbError::Unreadable, file.errorString());
+            return repair;
+        }
+        const PageRecovery::Result rows = PageRecovery::read(file.readAll());
+        QString error;
+        if (!PageRecovery::write(rows, target, UnplacedTable, &error)) {
+            QFile::remove(target);
+            repair.result = failure(DbError::Failed, error);
+            return repair;
+        }
+        repair.unplaced = qint64(rows.unplaced.size());
+        addMissingCoreTables(target);
+    }
+    repair.byCompaction = copied;
+
+    const QList<std::optional<qint64>> after = countRows(target, false);
+    QStringList essentialLost;
+    for (int i = 0; i < int(std::size(CoreTables)); ++i) {
+        const CoreTable& t = CoreTables[i];
+        const qint64 saved = after.value(i).value_or(0);
+        repair.counts.append(
+            { QString::fromLatin1(t.name), QString::fromUtf8(t.caption), before.value(i), saved });
+        if (t.essential && saved == 0 && before.value(i) != std::optional<qint64>(0))
+            essentialLost.append(QString::fromUtf8(t.caption).toLower());
+    }
+    if (!essentialLost.isEmpty()) {
+        // Empty books in place of the damaged ones would hide the loss: the repair has failed.
+        QFile::remove(target);
+        repair.result = failure(DbError::Damaged,
+            QStringLiteral("Korjatussa tietokannassa ei ollut yhtään riviä taulussa: %1.")
+                .arg(essentialLost.join(QStringLiteral(", "))));
+        return repair;
+    }
+    if (!integrityOk(target)) {
+        QFile::remove(target);
+        repair.result
+            = failure(DbError::Damaged, QStringLiteral("Korjattu tietokanta ei läpäissyt tarkistusta."));
+    }
+    return repair;
 }
 
 } // namespace DatabaseFile

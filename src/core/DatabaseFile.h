@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QList>
 #include <QSqlDatabase>
 #include <QString>
+#include <optional>
 
 // What went wrong with a database file. The first three steer the same branches as the
 // numbered errors of file operations: not found, invalid path and "file already exists".
@@ -26,14 +28,19 @@ namespace DatabaseFile {
 
 // The read-only test: the owner may not write the file.
 bool isReadOnly(const QString& path);
+// The folder of `path` may not be written (the engine's journal lives there).
+bool folderReadOnly(const QString& path);
+// The connection was opened for reading only.
+bool isReadOnly(const QSqlDatabase& db);
 
 // Looks at the file without opening it: missing, a folder, unreadable, an old Jet file, or
 // something that is not an SQLite database at all.
 OpenResult examine(const QString& path);
 
-// Opens `path` as connection `connectionName` and checks it (quick_check). A read-only open
-// never writes to the file. On failure the connection is removed again.
-OpenResult open(const QString& path, const QString& connectionName, bool readOnly = false);
+// Opens `path` as connection `connectionName` and checks it (quick_check) unless `check` is
+// off (the file was checked already in this run). A read-only open never writes to the file.
+// On failure the connection is removed again.
+OpenResult open(const QString& path, const QString& connectionName, bool readOnly = false, bool check = true);
 
 // Closes and removes a connection made by open().
 void close(const QString& connectionName);
@@ -41,10 +48,34 @@ void close(const QString& connectionName);
 // A compacted copy of `source` in `target`, which must not exist. The source is only read.
 OpenResult compactInto(const QString& source, const QString& target);
 
+// The rows of one core table before and after a repair.
+struct TableCount {
+    QString table;
+    QString caption; // Finnish, for the report
+    std::optional<qint64> before; // nullopt: the damaged file could not tell
+    qint64 after = 0;
+};
+
+// The table that keeps rows whose own table the repair could not tell.
+inline const QString UnplacedTable = QStringLiteral("korjauksessa_loydetyt");
+
+struct RepairResult {
+    OpenResult result;
+    QList<TableCount> counts;
+    qint64 unplaced = 0;
+    bool byCompaction = false;
+    explicit operator bool() const { return bool(result); }
+    // Per table, what the damaged file held and what the repaired one holds, in Finnish.
+    QString report() const;
+    // Rows were lost, or the damaged file could not tell how many it had.
+    bool lostRows() const;
+};
+
 // Repair of a damaged file: a compacted copy when the engine can still read the whole file,
-// else every row that can still be read, table by table. The source is only read; a failure
+// else every row that can be read from the file's pages. A repair that saves no accounts or
+// no vouchers from a file that had them has failed. The source is only read; a failure
 // leaves no target behind.
-OpenResult repairInto(const QString& source, const QString& target);
+RepairResult repairInto(const QString& source, const QString& target);
 
 // True when `path` starts like a Jet database ("Standard Jet DB" / "Standard ACE DB").
 bool isJetFile(const QString& path);

@@ -151,7 +151,16 @@ namespace Schema {
 
 bool createCoreTables(const QSqlDatabase& db, QString* error)
 {
+    return createCoreTables(db, QStringList(), error);
+}
+
+bool createCoreTables(const QSqlDatabase& db, const QStringList& only, QString* error)
+{
     for (const char* sql : CoreTables) {
+        // "CREATE TABLE name (" or "CREATE TABLE \"to\" (": the name is the third word.
+        const QString name = QString::fromLatin1(sql).section(u' ', 2, 2).remove(u'"');
+        if (!only.isEmpty() && !only.contains(name, Qt::CaseInsensitive))
+            continue;
         QSqlQuery q(db);
         if (!q.exec(QString::fromLatin1(sql))) {
             if (error)

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QSqlDatabase>
 #include <QString>
+#include <QStringList>
 
 // The layout of an association database and the routine that brings an older layout up to date.
 namespace Schema {
@@ -10,6 +11,8 @@ namespace Schema {
 // Creates the core tables of the oldest layout (tl, to, toE, vi, viE, ma, mr, tula, tase),
 // as every model database has them. UpdateDatabase adds the rest.
 bool createCoreTables(const QSqlDatabase& db, QString* error = nullptr);
+// Only the named ones of them, in the oldest layout (a repair's stand-in for lost tables).
+bool createCoreTables(const QSqlDatabase& db, const QStringList& only, QString* error = nullptr);
 
 bool tableMissing(const QSqlDatabase& db, const QString& table);
 bool fieldMissing(const QSqlDatabase& db, const QString& table, const QString& field);

@@ -1,5 +1,6 @@
 #include "Startup.h"
 
+#include "DBC.h"
 #include "DatabaseFile.h"
 #include "Dialogs.h"
 #include "FileOps.h"
@@ -11,6 +12,7 @@
 #include <QFileInfo>
 #include <QLocale>
 #include <QSqlDatabase>
+#include <algorithm>
 
 namespace {
 
@@ -41,14 +43,14 @@ QString Startup::currencyWarning()
         .join(u'\n');
 }
 
-QString Startup::caption(bool databaseOpen)
+QString Startup::caption(bool databaseOpen, bool readOnly)
 {
     QStringList parts { QStringLiteral("Vorkam") };
     if (databaseOpen) {
         parts.append(ProgramSettings::bookkeeping().Seurannimi);
         parts.append(QFileInfo(ProgramSettings::installation().Database).fileName());
     }
-    return parts.join(QStringLiteral(" - "));
+    return parts.join(QStringLiteral(" - ")) + (readOnly ? QStringLiteral(" (vain luku)") : QString());
 }
 
 Startup::Result Startup::run()
@@ -88,12 +90,17 @@ Startup::Result Startup::run()
             dialogs.error(QStringLiteral("Tiedosto %1 ei ole Vorkamin tietokanta: siitä puuttuu taulu %2.")
                               .arg(install.Database, missing.first()));
         } else {
-            const Schema::UpgradeResult upgrade = Schema::UpdateDatabase(db);
-            result.upgraded = upgrade.ok;
-            if (!upgrade.ok)
-                dialogs.error(QStringLiteral("Tietokannan rakenteen päivitys ei onnistunut (vaihe %1):\n%2")
-                                  .arg(upgrade.failedStep)
-                                  .arg(upgrade.error));
+            // Books open for reading only are not changed, and a repaired file is upgraded at
+            // the next start.
+            if (!result.readOnly && !result.repairedOpen) {
+                const Schema::UpgradeResult upgrade = Schema::UpdateDatabase(db);
+                result.upgraded = upgrade.ok;
+                if (!upgrade.ok)
+                    dialogs.error(
+                        QStringLiteral("Tietokannan rakenteen päivitys ei onnistunut (vaihe %1).\n%2")
+                            .arg(upgrade.failedStep)
+                            .arg(upgrade.error));
+            }
             if (result.defaultTaken && !ProgramSettings::saveDatabase())
                 dialogs.information(
                     QStringLiteral("Asetustiedostoon %1 ei voi kirjoittaa.").arg(Paths::iniFile()));
@@ -102,9 +109,11 @@ Startup::Result Startup::run()
         }
     }
 
-    // 7. Caption; 8. the start-up's own connection is closed, windows use DBC from here on.
-    result.caption = caption(result.databaseOpen);
+    // 7. Caption; 8. the start-up's own connection is closed, windows use DBC from here on. The
+    // file has been checked in this run: DBC opens it without checking it again.
+    result.caption = caption(result.databaseOpen, result.readOnly);
     DatabaseFile::close(StartupConnection);
+    DBC::instance().setMode(result.databaseOpen ? install.Database : QString(), result.readOnly);
     return result;
 }
 
@@ -117,21 +126,28 @@ bool Startup::openAndCheck(Result& result)
     if (install.Database.isEmpty()) {
         opened = OpenResult { DbError::FileNotFound, QString() };
     } else {
-        bool readOnly = false;
         if (DatabaseFile::isReadOnly(install.Database)) {
             dialogs.information(QStringLiteral("Tietokanta on kirjoitussuojatussa tilassa.\nEnnen avaamista "
                                                "Vorkamissa sen tulee olla kirjoitettavassa tilassa."));
-            readOnly = true;
+            result.readOnly = true;
             if (dialogs.question(
                     QStringLiteral("Haluatko, että Vorkam muuttaa tietokannan kirjoitettavaan tilaan?"))) {
                 if (FileOps::instance().makeWritable(install.Database))
-                    readOnly = false;
+                    result.readOnly = false;
                 else
                     dialogs.information(
                         QStringLiteral("Kirjoitussuojauksen poistaminen ei jostain syystä onnistunut."));
             }
+        } else if (DatabaseFile::folderReadOnly(install.Database)) {
+            // The engine writes its journal beside the file: books in a folder it may not write
+            // to can only be read.
+            dialogs.information(
+                QStringLiteral("Tietokannan kansioon ei voi kirjoittaa, joten kirjanpito avataan "
+                               "vain luettavaksi:\n%1")
+                    .arg(QFileInfo(install.Database).absolutePath()));
+            result.readOnly = true;
         }
-        opened = DatabaseFile::open(install.Database, StartupConnection, readOnly);
+        opened = DatabaseFile::open(install.Database, StartupConnection, result.readOnly);
     }
 
     for (;;) {
@@ -147,8 +163,15 @@ bool Startup::openAndCheck(Result& result)
             return false;
         case DbError::Damaged:
         case DbError::Failed:
-            repair(install.Database, result);
-            return false;
+            // A file that may not be changed is not repaired in place either.
+            if (result.readOnly) {
+                dialogs.error(
+                    QStringLiteral("Tietokanta %1 on vioittunut, eikä sitä voi korjata, koska siihen ei "
+                                   "voi kirjoittaa.\n%2")
+                        .arg(install.Database, opened.message));
+                return false;
+            }
+            return repair(install.Database, result);
         case DbError::Unreadable:
             dialogs.information(
                 QStringLiteral("Tietokantaa %1 ei voi lukea: käyttöoikeus puuttuu.").arg(install.Database));
@@ -161,6 +184,7 @@ bool Startup::openAndCheck(Result& result)
                 return false;
             install.Database = Paths::defaultDatabase();
             result.defaultTaken = true;
+            result.readOnly = false;
             // A missing default database asks again; No ends the loop.
             opened = DatabaseFile::open(install.Database, StartupConnection);
             break;
@@ -168,7 +192,7 @@ bool Startup::openAndCheck(Result& result)
     }
 }
 
-void Startup::repair(const QString& path, Result& result)
+bool Startup::repair(const QString& path, Result& result)
 {
     Dialogs& dialogs = Dialogs::instance();
     FileOps& ops = FileOps::instance();
@@ -181,16 +205,41 @@ void Startup::repair(const QString& path, Result& result)
     // A leftover copy of an earlier failed repair is only a copy: the damaged original is kept.
     if (QFileInfo::exists(repaired) && !QFileInfo(repaired).isDir())
         ops.remove(repaired);
-    if (!DatabaseFile::repairInto(path, repaired)) {
+    const DatabaseFile::RepairResult repair = DatabaseFile::repairInto(path, repaired);
+    if (!repair) {
         dialogs.plain(
             QStringLiteral("Tietokannan korjaus ei onnistunut. Palauta tietokanta varmuuskopiolta ennen "
                            "kuin jatkat Vorkamin käyttöä."));
-        return;
+        // What the repair found is told, so the user knows what the damaged file still holds.
+        const bool foundAnything = std::any_of(repair.counts.begin(), repair.counts.end(),
+            [](const DatabaseFile::TableCount& c) { return c.before || c.after > 0; });
+        if (foundAnything)
+            dialogs.information(QStringLiteral("%1\nVioittunut tiedosto on jätetty ennalleen: %2\n\n%3")
+                                    .arg(repair.result.message, path, repair.report()));
+        return false;
     }
     if (!ops.rename(path, old)) {
         dialogs.plain(QStringLiteral("Vioittuneen tietokannan uudelleen nimeäminen ei onnistu."));
-        return;
+        return false;
     }
-    if (!ops.rename(repaired, path))
+    if (!ops.rename(repaired, path)) {
         dialogs.plain(QStringLiteral("Korjatun tietokannan uudelleen nimeäminen ei onnistu."));
+        return false;
+    }
+    const OpenResult opened = DatabaseFile::open(path, StartupConnection);
+    if (!opened) {
+        dialogs.error(
+            QStringLiteral("Korjattua tietokantaa %1 ei voitu avata.\n%2").arg(path, opened.message));
+        return false;
+    }
+    result.repairedOpen = true;
+    dialogs.information(
+        QStringLiteral("Tietokanta korjattiin. Vioittunut alkuperäinen on tallessa nimellä %1.\n\n%2\n\n%3")
+            .arg(old, repair.report(),
+                repair.lostRows()
+                    ? QStringLiteral("Kaikkea ei saatu talteen: tarkista kirjanpito ja palauta tarvittaessa "
+                                     "varmuuskopio.")
+                    : QStringLiteral("Kaikki rivit saatiin talteen. Tarkista silti kirjanpito ennen kuin "
+                                     "jatkat.")));
+    return true;
 }

@@ -14,6 +14,8 @@ public:
         bool databaseOpen = false; // opened cleanly and checked
         bool defaultTaken = false; // the default database replaced a missing one
         bool repaired = false; // the file was damaged; the repair ran (successfully or not)
+        bool repairedOpen = false; // the repaired file is open for this run, not yet upgraded
+        bool readOnly = false; // opened for reading only: nothing is written to the books
         bool upgraded = false; // UpdateDatabase ran without error
         QString caption; // the main window's caption
     };
@@ -26,10 +28,11 @@ public:
     Startup();
     Result run();
 
-    static QString caption(bool databaseOpen);
+    static QString caption(bool databaseOpen, bool readOnly = false);
     static QString currencyWarning();
 
 private:
     bool openAndCheck(Result& result);
-    void repair(const QString& path, Result& result);
+    // True when the repaired file took the damaged one's place and is open.
+    bool repair(const QString& path, Result& result);
 };

@@ -1,5 +1,6 @@
 #include "TositeMuokkaus.h"
 
+#include "DatabaseFile.h"
 #include "Dates.h"
 #include "Dialogs.h"
 #include "ProgramSettings.h"
@@ -19,6 +20,7 @@ void kerro(const QString& lause, const DatabaseError& e) { Dialogs::instance().e
 TositeMuokkaus::TositeMuokkaus(const QSqlDatabase& db, Laji laji)
     : m_db(db)
     , m_laji(laji)
+    , m_vainLuku(DatabaseFile::isReadOnly(db))
     , m_tosite(std::make_unique<cTosite>(db))
 {
     m_tosite->setIsEmpty(true);
@@ -328,6 +330,10 @@ bool TositeMuokkaus::uusi() { return uusiMallista(QString(), {}); }
 
 bool TositeMuokkaus::uusiMallista(const QString& selite, const std::vector<Malli>& viennit)
 {
+    if (m_vainLuku) {
+        Dialogs::instance().beep();
+        return false;
+    }
     if (!jata())
         return false;
     auto tosite = std::make_unique<cTosite>(m_db);
@@ -370,7 +376,7 @@ bool TositeMuokkaus::uusiMallista(const QString& selite, const std::vector<Malli
 
 bool TositeMuokkaus::poista()
 {
-    if (m_tosite->IsEmpty() || m_tosite->ToId() == 0) {
+    if (!muokattavissa() || m_tosite->ToId() == 0) {
         Dialogs::instance().beep();
         return false;
     }
@@ -398,7 +404,7 @@ bool TositeMuokkaus::poista()
 
 void TositeMuokkaus::peru()
 {
-    if (m_tosite->IsEmpty())
+    if (!muokattavissa())
         return;
     m_tosite->Undo();
     for (const auto* side : { &m_debet, &m_kredit })

@@ -57,7 +57,9 @@ public:
 
     // The voucher on screen; IsEmpty when the kind has no voucher yet.
     const cTosite& tosite() const { return *m_tosite; }
-    bool muokattavissa() const { return !m_tosite->IsEmpty(); }
+    // The books are open for reading only: vouchers are shown, never changed.
+    bool vainLuku() const { return m_vainLuku; }
+    bool muokattavissa() const { return !m_tosite->IsEmpty() && !m_vainLuku; }
     int riviMaara() const { return int(m_debet.size()); }
     const cVienti& vienti(Puoli puoli, int rivi) const { return *puoli_(puoli)[size_t(rivi)]; }
 
@@ -151,6 +153,7 @@ private:
 
     QSqlDatabase m_db;
     Laji m_laji;
+    bool m_vainLuku = false;
     std::unique_ptr<cTosite> m_tosite;
     Viennit m_debet;
     Viennit m_kredit;

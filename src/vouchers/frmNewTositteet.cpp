@@ -144,6 +144,8 @@ void frmNewTositteet::naytaTosite()
         w->setEnabled(editable);
     for (QAction* a : { ui->mTallenna, ui->mPoista, ui->mPeru })
         a->setEnabled(editable);
+    ui->cUusi->setEnabled(!m_muokkaus->vainLuku());
+    ui->mUusi->setEnabled(!m_muokkaus->vainLuku());
     paivitaSummat();
 }
 

@@ -5,6 +5,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QFile>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QSqlQuery>
 #include <QTableView>
@@ -43,6 +45,7 @@ private slots:
     void restoreEndsProgram();
     void workingWindowsAreLeftFirst_data();
     void workingWindowsAreLeftFirst();
+    void readOnlyBooksAreShownNotChanged();
     void aboutWindowOpens();
 };
 
@@ -198,6 +201,40 @@ void tst_frmMain::workingWindowsAreLeftFirst()
     QCOMPARE(typedRows(books), 1);
     if (command == u"mPalautus")
         QCOMPARE(typedRows(restored), 0);
+}
+
+// Books the user keeps read-only open for reading: every window shows them, no command writes,
+// and no box shows an engine error.
+void tst_frmMain::readOnlyBooksAreShownNotChanged()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("kerho.mdb"));
+    QVERIFY(TestEnv::createDatabase(file));
+    QVERIFY(QFile::setPermissions(file, QFileDevice::ReadOwner));
+    env.writeIni("[VORKAM]\nDatabase=" + file.toUtf8() + "\n");
+    const QByteArray before = TestEnv::readFile(file);
+    dialogs.answerNo();
+    frmMain w;
+    w.startUp();
+    QVERIFY(w.windowTitle().endsWith(QStringLiteral("(vain luku)")));
+    QVERIFY(!w.findChild<QAction*>(QStringLiteral("mVarmistus"))->isEnabled());
+    w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
+    w.findChild<QPushButton*>(QStringLiteral("cTilit"))->click();
+    auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
+    auto* accounts = w.findChild<QWidget*>(QStringLiteral("frmTilitNew"));
+    QVERIFY(vouchers && accounts);
+    QCOMPARE(vouchers->findChild<QLineEdit*>(QStringLiteral("tTositenumero"))->text(), QStringLiteral("401"));
+    for (const char* name : { "cUusi", "cTallenna", "cPoista", "cPeru" }) {
+        QVERIFY2(!vouchers->findChild<QPushButton*>(QString::fromLatin1(name))->isEnabled(), name);
+        QVERIFY2(!accounts->findChild<QPushButton*>(QString::fromLatin1(name))->isEnabled(), name);
+    }
+    QAbstractItemModel* rows = vouchers->findChild<QTableView*>(QStringLiteral("grdViennit"))->model();
+    QVERIFY(!(rows->flags(rows->index(0, 0)) & Qt::ItemIsEditable));
+    vouchers->findChild<QPushButton*>(QStringLiteral("cEdellinen"))->click();
+    QVERIFY(w.close());
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error), QStringList());
+    QCOMPARE(TestEnv::readFile(file), before);
 }
 
 void tst_frmMain::aboutWindowOpens()

@@ -1,3 +1,4 @@
+#include "DBC.h"
 #include "DatabaseFile.h"
 #include "FileOps.h"
 #include "ProgramSettings.h"
@@ -43,13 +44,42 @@ void setDatabase(const TestEnv& env, const QString& file, const QByteArray& extr
 
 bool writable(const QString& file) { return QFileInfo(file).permissions() & QFileDevice::WriteOwner; }
 
-// Overwrites a stretch in the middle of the file: a damaged page, the rest intact.
-QByteArray garbled(QByteArray bytes)
+// Overwrites one page (numbered from 1) with noise: a damaged page, the rest intact.
+QByteArray garbled(QByteArray bytes, int page)
 {
-    const int page = 4096;
-    for (int i = 3 * page; i < 4 * page && i < bytes.size(); ++i)
+    const int size = 4096;
+    for (int i = (page - 1) * size; i < page * size && i < bytes.size(); ++i)
         bytes[i] = char(0xA5 ^ (i & 0xFF));
     return bytes;
+}
+
+int rootPage(const QString& file, const QString& name)
+{
+    int page = 0;
+    withDatabase(file, [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        q.prepare(QStringLiteral("SELECT rootpage FROM sqlite_master WHERE name = ?"));
+        q.addBindValue(name);
+        if (q.exec() && q.next())
+            page = q.value(0).toInt();
+    });
+    return page;
+}
+
+// The `nth` leaf page of a table or an index.
+int leafPage(const QString& file, const QString& name, int nth)
+{
+    int page = 0;
+    withDatabase(file, [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        q.prepare(QStringLiteral("SELECT pageno FROM dbstat WHERE name = ? AND pagetype = 'leaf' ORDER BY "
+                                 "pageno LIMIT 1 OFFSET ?"));
+        q.addBindValue(name);
+        q.addBindValue(nth);
+        if (q.exec() && q.next())
+            page = q.value(0).toInt();
+    });
+    return page;
 }
 
 } // namespace
@@ -63,12 +93,14 @@ private slots:
     void currencyInMarksWarns();
     void readOnlyFile_data();
     void readOnlyFile();
+    void readOnlyFolder();
     void missingDatabase_data();
     void missingDatabase();
     void refusedDefaultLeavesNoDatabase();
     void missingDefaultAsksAgain();
     void damagedFileIsRepaired_data();
     void damagedFileIsRepaired();
+    void repairThatSavesNoAccountsFails();
     void hopelessFileIsLeftAsItWas_data();
     void hopelessFileIsLeftAsItWas();
     void leftoverOldFileStopsRepair();
@@ -139,23 +171,21 @@ void tst_Startup::readOnlyFile_data()
 {
     QTest::addColumn<bool>("answerYes");
     QTest::addColumn<bool>("clearingWorks");
-    QTest::addColumn<bool>("writableAfter");
-    QTest::addColumn<bool>("upgraded");
-    QTest::newRow("No: opened as it stands") << false << true << false << false;
-    QTest::newRow("Yes: made writable") << true << true << true << true;
-    QTest::newRow("Yes, but the flag stays") << true << false << false << false;
+    QTest::addColumn<bool>("readOnly"); // opened for reading only
+    QTest::newRow("No: opened for reading") << false << true << true;
+    QTest::newRow("Yes: made writable") << true << true << false;
+    QTest::newRow("Yes, but the flag stays: opened for reading") << true << false << true;
 }
 
 void tst_Startup::readOnlyFile()
 {
     QFETCH(bool, answerYes);
     QFETCH(bool, clearingWorks);
-    QFETCH(bool, writableAfter);
-    QFETCH(bool, upgraded);
+    QFETCH(bool, readOnly);
     TestEnv env;
     ScriptedDialogs dialogs;
     const QString file = env.path(QStringLiteral("suojattu.mdb"));
-    QVERIFY(TestEnv::createDatabase(file));
+    QVERIFY(TestEnv::createDatabase(file, TestEnv::Layout::Oldest));
     QVERIFY(QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::ReadGroup));
     const QByteArray before = TestEnv::readFile(file);
     setDatabase(env, file);
@@ -168,18 +198,47 @@ void tst_Startup::readOnlyFile()
     if (answerYes && !clearingWorks)
         expected.append(
             QStringLiteral("information: Kirjoitussuojauksen poistaminen ei jostain syystä onnistunut."));
-    QCOMPARE(dialogs.transcript().mid(0, expected.size()), expected);
-    QCOMPARE(writable(file), writableAfter);
+    // Read-only books are a mode, not a stream of errors: no upgrade is tried.
+    QCOMPARE(dialogs.transcript(), expected);
     QVERIFY(r.databaseOpen);
-    QCOMPARE(r.upgraded, upgraded);
-    if (!writableAfter) {
-        // Opened as it stands: read-only, so nothing was written and the upgrade says why.
+    QCOMPARE(r.readOnly, readOnly);
+    QCOMPARE(r.upgraded, !readOnly);
+    QCOMPARE(writable(file), !readOnly);
+    QCOMPARE(r.caption.endsWith(QStringLiteral(" (vain luku)")), readOnly);
+    if (readOnly) {
         QCOMPARE(TestEnv::readFile(file), before);
-        QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error).size(), 1);
-    } else {
-        QCOMPARE(dialogs.transcript().size(), expected.size());
+        // The program's own connection reads the books and cannot write them.
+        QSqlDatabase db = DBC::instance().AvaaDB();
+        QVERIFY(DatabaseFile::isReadOnly(db));
+        QSqlQuery q(db);
+        QVERIFY(q.exec(QStringLiteral("SELECT COUNT(*) FROM tl")) && q.next());
+        QCOMPARE(q.value(0).toInt(), 3);
+        QVERIFY(!q.exec(QStringLiteral("DELETE FROM tl")));
+        DBC::instance().SuljeDB();
+        QCOMPARE(TestEnv::readFile(file), before);
     }
-    QCOMPARE(dialogs.remainingAnswers(), 0);
+}
+
+void tst_Startup::readOnlyFolder()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString folder = env.path(QStringLiteral("jaettu"));
+    QVERIFY(QDir().mkpath(folder));
+    const QString file = folder + QStringLiteral("/seura.mdb");
+    QVERIFY(TestEnv::createDatabase(file));
+    const QByteArray before = TestEnv::readFile(file);
+    QVERIFY(QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::ExeOwner));
+    setDatabase(env, file);
+    const Startup::Result r = runStartup();
+    QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    QCOMPARE(dialogs.transcript(),
+        QStringList {
+            QStringLiteral("information: Tietokannan kansioon ei voi kirjoittaa, joten kirjanpito avataan "
+                           "vain luettavaksi:\n")
+            + folder });
+    QVERIFY(r.databaseOpen && r.readOnly);
+    QCOMPARE(TestEnv::readFile(file), before);
 }
 
 void tst_Startup::missingDatabase_data()
@@ -242,39 +301,75 @@ void tst_Startup::missingDefaultAsksAgain()
 void tst_Startup::damagedFileIsRepaired_data()
 {
     QTest::addColumn<QString>("damage");
-    QTest::newRow("garbled page") << QStringLiteral("garble");
-    QTest::newRow("cut short") << QStringLiteral("truncate");
+    QTest::addColumn<bool>("repaired");
+    QTest::addColumn<bool>("allSaved");
+    QTest::newRow("a garbled page of vouchers") << "voucher page" << true << false;
+    QTest::newRow("an index page garbled: the check fails, the rows are whole") << "index" << true << true;
+    QTest::newRow("the first 90 %") << "90" << true << false;
+    QTest::newRow("the first 60 %: no voucher is left") << "60" << false << false;
 }
 
+// A damaged book is repaired from what can still be read, the user is told per table what was
+// saved and what was lost, the original is kept, and the repaired books open in the same run.
+// Books from which no voucher (or no account) can be saved are never replaced by empty ones.
 void tst_Startup::damagedFileIsRepaired()
 {
     QFETCH(QString, damage);
+    QFETCH(bool, repaired);
+    QFETCH(bool, allSaved);
     TestEnv env;
     ScriptedDialogs dialogs;
     const QString file = env.path(QStringLiteral("seura.mdb"));
     QVERIFY(TestEnv::createDatabase(file));
     QByteArray bytes = TestEnv::readFile(file);
     QVERIFY(bytes.size() > 8 * 4096);
-    bytes = damage == QLatin1String("garble") ? garbled(bytes) : bytes.left(bytes.size() * 3 / 4);
+    if (damage == u"voucher page")
+        bytes = garbled(bytes, leafPage(file, QStringLiteral("to"), 2));
+    else if (damage == u"index")
+        bytes = garbled(bytes, leafPage(file, QStringLiteral("ix_to_toNumero"), 0));
+    else
+        bytes = bytes.left(bytes.size() * damage.toInt() / 100);
     QVERIFY(TestEnv::writeFile(file, bytes));
     setDatabase(env, file);
 
     const Startup::Result r = runStartup();
-    QCOMPARE(dialogs.transcript(), QStringList { Damaged });
-    QVERIFY(r.repaired);
-    QVERIFY(!r.databaseOpen);
+    const QStringList shown = dialogs.transcript();
+    QCOMPARE(shown.first(), Damaged);
+    QCOMPARE(shown.size(), repaired ? 2 : 3);
+    QCOMPARE(r.databaseOpen, repaired);
     QVERIFY(!r.upgraded);
+    const QString told = shown.last();
+    QVERIFY2(told.contains(QStringLiteral("Tositteet: 401 / ")), qPrintable(told));
+    if (!repaired) {
+        QCOMPARE(shown.at(1), RepairFailed);
+        QVERIFY(told.contains(QStringLiteral("Tositteet: 401 / 0 – 401 riviä menetettiin")));
+        QCOMPARE(TestEnv::readFile(file), bytes);
+        QVERIFY(!QFile::exists(file + u'2') && !QFile::exists(file + QStringLiteral("OLD")));
+        return;
+    }
+    QVERIFY(told.startsWith(QStringLiteral("information: Tietokanta korjattiin.")));
+    QCOMPARE(told.contains(QStringLiteral("Kaikki rivit saatiin talteen.")), allSaved);
+    QVERIFY(r.repaired && r.repairedOpen);
     // The damaged original survives byte for byte; the repaired file takes its place.
     QCOMPARE(TestEnv::readFile(file + QStringLiteral("OLD")), bytes);
     QVERIFY(!QFile::exists(file + u'2'));
-    QVERIFY(DatabaseFile::open(file, QStringLiteral("check")));
-    {
-        QSqlQuery q(QSqlDatabase::database(QStringLiteral("check")));
-        QVERIFY(q.exec(QStringLiteral("SELECT tlNimi FROM tl ORDER BY tlNumero")));
-        QVERIFY(q.next());
-        QCOMPARE(q.value(0).toString(), QStringLiteral("Pankkitili"));
-    }
-    DatabaseFile::close(QStringLiteral("check"));
+    withDatabase(file, [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        QVERIFY(q.exec(QStringLiteral("PRAGMA integrity_check")) && q.next());
+        QCOMPARE(q.value(0).toString(), QStringLiteral("ok"));
+        // What the user was told is what the repaired books hold.
+        QVERIFY(q.exec(QStringLiteral("SELECT COUNT(*) FROM \"to\"")) && q.next());
+        const int vouchers = q.value(0).toInt();
+        QVERIFY(told.contains(QStringLiteral("Tositteet: 401 / %1\n").arg(vouchers))
+            || told.contains(QStringLiteral("Tositteet: 401 / %1 – %2 riviä menetettiin")
+                                 .arg(vouchers)
+                                 .arg(401 - vouchers)));
+        QCOMPARE(vouchers == 401, allSaved);
+        QVERIFY(vouchers > 0);
+        // Keys once used are never given again.
+        QVERIFY(q.exec(QStringLiteral("SELECT seq FROM sqlite_sequence WHERE name = 'to'")) && q.next());
+        QVERIFY(q.value(0).toInt() >= 401);
+    });
 
     // The next start opens the repaired file cleanly and upgrades it.
     dialogs.clear();
@@ -282,6 +377,27 @@ void tst_Startup::damagedFileIsRepaired()
     QCOMPARE(dialogs.transcript(), QStringList());
     QVERIFY(next.databaseOpen);
     QVERIFY(next.upgraded);
+}
+
+// Books from which no account can be saved are not replaced by empty books.
+void tst_Startup::repairThatSavesNoAccountsFails()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString file = env.path(QStringLiteral("seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(file));
+    QByteArray bytes = garbled(TestEnv::readFile(file), rootPage(file, QStringLiteral("tl")));
+    QVERIFY(TestEnv::writeFile(file, bytes));
+    setDatabase(env, file);
+    const Startup::Result r = runStartup();
+    const QStringList shown = dialogs.transcript();
+    QCOMPARE(shown.mid(0, 2), (QStringList { Damaged, RepairFailed }));
+    QCOMPARE(shown.size(), 3);
+    QVERIFY2(shown.last().contains(QStringLiteral("tilit")), qPrintable(shown.last()));
+    QVERIFY(!r.databaseOpen);
+    QCOMPARE(TestEnv::readFile(file), bytes);
+    QVERIFY(!QFile::exists(file + u'2'));
+    QVERIFY(!QFile::exists(file + QStringLiteral("OLD")));
 }
 
 void tst_Startup::hopelessFileIsLeftAsItWas_data()
@@ -314,7 +430,7 @@ void tst_Startup::leftoverOldFileStopsRepair()
     ScriptedDialogs dialogs;
     const QString file = env.path(QStringLiteral("seura.mdb"));
     QVERIFY(TestEnv::createDatabase(file));
-    const QByteArray bytes = garbled(TestEnv::readFile(file));
+    const QByteArray bytes = garbled(TestEnv::readFile(file), 3);
     QVERIFY(TestEnv::writeFile(file, bytes));
     QVERIFY(TestEnv::writeFile(file + QStringLiteral("OLD"), "edellinen korjaus"));
     setDatabase(env, file);

@@ -21,6 +21,7 @@ TestEnv::TestEnv()
     Paths::setDataDir(path(QStringLiteral("data")));
     Paths::setIniFile(iniFile());
     DBC::instance().SuljeDB();
+    DBC::instance().setMode(QString(), false);
     FileOps::resetToDefaults();
     ProgramSettings::installation() = InstallationSettings();
     ProgramSettings::bookkeeping() = BookkeepingSettings::defaults(QDate::currentDate());

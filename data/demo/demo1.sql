@@ -2,12 +2,8 @@
 -- Ladataan yhdistyksen mallin (perusmalli.sql) päälle. @VUOSI@ on kuluva ja @EDVUOSI@
 -- edellinen kalenterivuosi. Rahamäärät ovat euron kymmenestuhannesosina (12,50 = 125000).
 
-INSERT INTO Settings (setSection, setKey, setString) VALUES
-('VORKAM', 'Seurannimi', 'Esimerkkiyhdistys ry'),
-('VORKAM', 'TilikausiAlku', '1.1.@VUOSI@'),
-('VORKAM', 'TilikausiLoppu', '31.12.@VUOSI@'),
-('VORKAM', 'EdTilikausiAlku', '1.1.@EDVUOSI@'),
-('VORKAM', 'EdTilikausiLoppu', '31.12.@EDVUOSI@');
+-- The model gives the fiscal year and a placeholder name; the demo has a name of its own.
+UPDATE Settings SET setString = 'Esimerkkiyhdistys ry' WHERE setSection = 'VORKAM' AND setKey = 'Seurannimi';
 
 -- Yhdistyksen omat nimet mallin yleistileille.
 UPDATE tl SET tlNimi = 'Kurssimaksut' WHERE tlID = 32;

@@ -152,6 +152,13 @@ INSERT INTO mr (mrID, mrmaID, mrTeksti, mrTilit, mrKaava, mrSaldoPuoli, mrIsEqua
 
 -- Asetukset ------------------------------------------------------------------------------
 
+-- The name is a placeholder that the association replaces in the settings window; the fiscal
+-- year is the year of the build.
 INSERT INTO Settings (setSection, setKey, setString) VALUES
 ('VORKAM', 'VoittoTaseella', '19'),
-('VORKAM', 'LaskettavaTili', '12');
+('VORKAM', 'LaskettavaTili', '12'),
+('VORKAM', 'Seurannimi', 'Yhdistys ry'),
+('VORKAM', 'TilikausiAlku', '1.1.@VUOSI@'),
+('VORKAM', 'TilikausiLoppu', '31.12.@VUOSI@'),
+('VORKAM', 'EdTilikausiAlku', '1.1.@EDVUOSI@'),
+('VORKAM', 'EdTilikausiLoppu', '31.12.@EDVUOSI@');

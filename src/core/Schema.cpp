@@ -71,17 +71,17 @@ const CreateTable VipPohjatTable { "vipPohjat",
     "vipTyyppi TEXT, vipArvo INTEGER)" };
 
 const char* const Indexes[] = {
-    "CREATE INDEX IF NOT EXISTS ix_vi_vitoID ON vi (vitoID, viTyyppi)",
-    "CREATE INDEX IF NOT EXISTS ix_vi_vitlID ON vi (vitlID)",
-    "CREATE INDEX IF NOT EXISTS ix_viE_viEtoID ON viE (viEtoID, viETyyppi)",
-    "CREATE INDEX IF NOT EXISTS ix_viE_viEtlID ON viE (viEtlID)",
-    "CREATE INDEX IF NOT EXISTS ix_to_toNumero ON \"to\" (toNumero)",
-    "CREATE INDEX IF NOT EXISTS ix_to_toPvm ON \"to\" (toPvm)",
-    "CREATE INDEX IF NOT EXISTS ix_toE_toENumero ON toE (toENumero)",
-    "CREATE INDEX IF NOT EXISTS ix_toE_toEPvm ON toE (toEPvm)",
-    "CREATE INDEX IF NOT EXISTS ix_tl_tlNumero ON tl (tlNumero)",
-    "CREATE INDEX IF NOT EXISTS ix_mr_group ON mr (mrmaID, mrBelongsToGroup, mrGroupOrder)",
-    "CREATE INDEX IF NOT EXISTS ix_Settings_key ON Settings (setSection, setKey)",
+    "CREATE INDEX ix_vi_vitoID ON vi (vitoID, viTyyppi)",
+    "CREATE INDEX ix_vi_vitlID ON vi (vitlID)",
+    "CREATE INDEX ix_viE_viEtoID ON viE (viEtoID, viETyyppi)",
+    "CREATE INDEX ix_viE_viEtlID ON viE (viEtlID)",
+    "CREATE INDEX ix_to_toNumero ON \"to\" (toNumero)",
+    "CREATE INDEX ix_to_toPvm ON \"to\" (toPvm)",
+    "CREATE INDEX ix_toE_toENumero ON toE (toENumero)",
+    "CREATE INDEX ix_toE_toEPvm ON toE (toEPvm)",
+    "CREATE INDEX ix_tl_tlNumero ON tl (tlNumero)",
+    "CREATE INDEX ix_mr_group ON mr (mrmaID, mrBelongsToGroup, mrGroupOrder)",
+    "CREATE INDEX ix_Settings_key ON Settings (setSection, setKey)",
 };
 
 QString quoted(const QString& name)
@@ -113,16 +113,49 @@ public:
         return exec(step, QString::fromLatin1(t.sql));
     }
 
+    // The stored queries are made again only when their definition differs: an up-to-date
+    // book is not written to.
     bool recreateQueries(int step)
     {
         for (const QString& name :
             { QStringLiteral("viennit"), QStringLiteral("viennitA"), QStringLiteral("viennitL") }) {
-            if (Schema::queryPresent(m_db, name) && !exec(step, QStringLiteral("DROP VIEW ") + quoted(name)))
+            const QString create = QStringLiteral("CREATE VIEW %1 AS %2").arg(quoted(name), Schema::querySql(name));
+            const QString stored = storedSql(QStringLiteral("view"), name);
+            if (stored == create)
+                continue;
+            if (!stored.isNull() && !exec(step, QStringLiteral("DROP VIEW ") + quoted(name)))
                 return false;
-            if (!exec(step, QStringLiteral("CREATE VIEW %1 AS %2").arg(quoted(name), Schema::querySql(name))))
+            if (!exec(step, create))
                 return false;
         }
         return true;
+    }
+
+    // The indexes that keep queries fast, each made again when its definition has changed.
+    bool createIndexes()
+    {
+        for (const char* sql : Indexes) {
+            const QString create = QString::fromLatin1(sql);
+            const QString name = create.section(u' ', 2, 2);
+            const QString stored = storedSql(QStringLiteral("index"), name);
+            if (stored == create)
+                continue;
+            if (!stored.isNull() && !exec(0, QStringLiteral("DROP INDEX ") + quoted(name)))
+                return false;
+            if (!exec(0, create))
+                return false;
+        }
+        return true;
+    }
+
+    // The definition the book holds, or a null string when it has none.
+    QString storedSql(const QString& type, const QString& name) const
+    {
+        QSqlQuery q(m_db);
+        q.prepare(QStringLiteral("SELECT sql FROM sqlite_master WHERE type = ? AND name = ? COLLATE NOCASE"));
+        q.addBindValue(type);
+        q.addBindValue(name);
+        return q.exec() && q.next() ? q.value(0).toString() : QString();
     }
 
     bool exec(int step, const QString& sql)
@@ -134,7 +167,7 @@ public:
             m_result.error = q.lastError().text();
             return false;
         }
-        if (m_result.appliedSteps.isEmpty() || m_result.appliedSteps.last() != step)
+        if (step != 0 && (m_result.appliedSteps.isEmpty() || m_result.appliedSteps.last() != step))
             m_result.appliedSteps.append(step);
         return true;
     }
@@ -242,16 +275,8 @@ UpgradeResult UpdateDatabase(const QSqlDatabase& db)
         && u.createTable(15, TlTarkastelutTable) //
         && u.createTable(16, TpPohjatTable) //
         && u.createTable(17, VipPohjatTable);
-    if (done) {
-        for (const char* sql : Indexes) {
-            QSqlQuery q(db);
-            if (!q.exec(QString::fromLatin1(sql))) {
-                u.m_result.ok = false;
-                u.m_result.error = q.lastError().text();
-                break;
-            }
-        }
-    }
+    if (done)
+        u.createIndexes();
     return u.m_result;
 }
 

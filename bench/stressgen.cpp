@@ -1,5 +1,7 @@
 // Writes the stress association: 500 accounts, a fiscal year of 100,000 vouchers and 300,000
 // entries, and a previous year of the same size.
+//
+//   vorkam_stressgen FILE.mdb [--vouchers N]      (N vouchers a year; 100000 when not given)
 #include "Schema.h"
 
 #include <QCoreApplication>
@@ -15,7 +17,7 @@
 namespace {
 
 constexpr int Accounts = 500;
-constexpr int Vouchers = 100000;
+int Vouchers = 100000;
 
 bool fail(const QSqlQuery& q)
 {
@@ -83,8 +85,11 @@ bool writeYear(
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: vorkam_stressgen FILE.mdb\n");
+    const QStringList args = app.arguments();
+    if (args.size() == 4 && args.at(2) == u"--vouchers")
+        Vouchers = args.at(3).toInt();
+    if ((args.size() != 2 && args.size() != 4) || Vouchers < 10) {
+        std::fprintf(stderr, "usage: vorkam_stressgen FILE.mdb [--vouchers N]\n");
         return 2;
     }
     const QString file = QString::fromLocal8Bit(argv[1]);

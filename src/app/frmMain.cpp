@@ -9,9 +9,11 @@
 #include "ProgramSettings.h"
 #include "frmAbout.h"
 #include "frmNewTositteet.h"
+#include "frmOhje.h"
 #include "frmTilitNew.h"
 
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileInfo>
 #include <QPainter>
 #include <QUrl>
@@ -87,9 +89,14 @@ void frmMain::startUp()
     m_startup = startup.run();
     setWindowTitle(m_startup.caption);
     if (m_startup.databaseOpen) {
-        ui->lblSeura->setText(QStringLiteral("<b>%1</b><br>%2")
-                                  .arg(ProgramSettings::bookkeeping().Seurannimi.toHtmlEscaped(),
-                                      ProgramSettings::installation().Database.toHtmlEscaped()));
+        // The books' path as the user knows it: the home folder as "~".
+        QString path = QDir::toNativeSeparators(ProgramSettings::installation().Database);
+        const QString home = QDir::homePath();
+        if (path.startsWith(home + u'/'))
+            path = u'~' + path.mid(home.size());
+        ui->lblSeura->setText(
+            QStringLiteral("<b>%1</b><br>%2")
+                .arg(ProgramSettings::bookkeeping().Seurannimi.toHtmlEscaped(), path.toHtmlEscaped()));
     } else {
         ui->lblSeura->setText(QStringLiteral("Tietokantaa ei ole avattu."));
     }
@@ -143,8 +150,19 @@ void frmMain::openWindow(Window which)
 
 void frmMain::openManual()
 {
-    Dialogs::instance().openUrl(
-        QUrl::fromLocalFile(Paths::programDir() + QStringLiteral("/kayttoohje/index.html")));
+    const QString index = Paths::programDir() + QStringLiteral("/kayttoohje/index.html");
+    if (!QFileInfo::exists(index)) {
+        Dialogs::instance().error(QStringLiteral("Käyttöohjetta ei löydy:\n%1").arg(index));
+        return;
+    }
+    if (!m_manual) {
+        m_manual = new frmOhje(QUrl::fromLocalFile(index), this);
+        m_manual->setWindowFlag(Qt::Window);
+        m_manual->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    m_manual->show();
+    m_manual->raise();
+    m_manual->activateWindow();
 }
 
 void frmMain::showAbout()

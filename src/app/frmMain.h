@@ -43,4 +43,5 @@ private:
     std::unique_ptr<Ui::frmMain> ui;
     Startup::Result m_startup;
     QPointer<QWidget> m_windows[int(Window::Count)];
+    QPointer<QWidget> m_manual;
 };

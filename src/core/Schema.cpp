@@ -119,7 +119,8 @@ public:
     {
         for (const QString& name :
             { QStringLiteral("viennit"), QStringLiteral("viennitA"), QStringLiteral("viennitL") }) {
-            const QString create = QStringLiteral("CREATE VIEW %1 AS %2").arg(quoted(name), Schema::querySql(name));
+            const QString create
+                = QStringLiteral("CREATE VIEW %1 AS %2").arg(quoted(name), Schema::querySql(name));
             const QString stored = storedSql(QStringLiteral("view"), name);
             if (stored == create)
                 continue;

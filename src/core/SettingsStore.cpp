@@ -133,8 +133,9 @@ DbSettingsStore::DbSettingsStore(const QSqlDatabase& db)
 QString DbSettingsStore::read(const QString& key, const QString& defaultValue) const
 {
     QSqlQuery q(m_db);
-    q.prepare(
-        QStringLiteral("SELECT setString FROM Settings WHERE setSection = ? AND setKey = ? ORDER BY setID"));
+    q.prepare(QStringLiteral(
+        "SELECT setString FROM Settings WHERE lower(setSection) = lower(?) AND lower(setKey) = lower(?) "
+        "ORDER BY setID"));
     q.addBindValue(m_section);
     q.addBindValue(key);
     if (!q.exec() || !q.next())
@@ -145,7 +146,10 @@ QString DbSettingsStore::read(const QString& key, const QString& defaultValue) c
 bool DbSettingsStore::write(const QString& key, const QString& value)
 {
     QSqlQuery q(m_db);
-    q.prepare(QStringLiteral("UPDATE Settings SET setString = ? WHERE setSection = ? AND setKey = ?"));
+    // Section and key match without regard to case, as in the ini file: a row written by hand as
+    // "Vorkam" is the same setting, not a reason for a second row.
+    q.prepare(QStringLiteral(
+        "UPDATE Settings SET setString = ? WHERE lower(setSection) = lower(?) AND lower(setKey) = lower(?)"));
     q.addBindValue(value);
     q.addBindValue(m_section);
     q.addBindValue(key);

@@ -56,7 +56,7 @@ bool TositeMuokkaus::avaa()
         m_tilit.load(m_db);
         const qint32 laskettava = ProgramSettings::bookkeeping().LaskettavaTili;
         m_kaikki = laskettava != 0 ? VoucherAccounts::storedSums(m_db, laskettava) : VoucherAccounts::Sums();
-        nayta(m_tosite->GetLast(avaus(), paatos()));
+        nayta(m_tosite->GetLastFromZero(avaus(), paatos()));
         return true;
     } catch (const DatabaseError& e) {
         kerro(QStringLiteral("Tositteita ei voitu lukea tietokannasta."), e);
@@ -283,6 +283,14 @@ bool TositeMuokkaus::valmisUuteen() const
 void TositeMuokkaus::tallennaKaikki()
 {
     if (m_tosite->IsEmpty())
+        return;
+    // A new blank row is changed but writes nothing.
+    bool kirjoittaa = m_tosite->Dirty();
+    for (const auto* side : { &m_debet, &m_kredit })
+        for (const auto& v : *side)
+            kirjoittaa
+                = kirjoittaa || (v->Dirty() && (v->ViId() != 0 || v->tlID() != 0 || !v->Arvo().isZero()));
+    if (!kirjoittaa)
         return;
     {
         Transaction t(m_db);

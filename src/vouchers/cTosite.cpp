@@ -47,13 +47,19 @@ std::unique_ptr<cTosite> cTosite::GetLast(bool avaustosite, bool paatostosite) c
     return step(CursorStep::Compare::Above, 0, avaustosite, paatostosite, true);
 }
 
+std::unique_ptr<cTosite> cTosite::GetLastFromZero(bool avaustosite, bool paatostosite) const
+{
+    return step(CursorStep::Compare::Above, -1, avaustosite, paatostosite, true);
+}
+
 qint16 cTosite::MaxLkmViennitPerTosite(const QSqlDatabase& db)
 {
-    // Entries of vouchers that no longer exist do not count.
+    // Entries of vouchers that no longer exist do not count. The entries are counted per voucher
+    // and side from their index first, and only the groups are looked up among the vouchers.
     const qint64 most = Sql::scalar(db,
-        QStringLiteral("SELECT MAX(n) FROM (SELECT COUNT(viID) AS n FROM vi "
-                       "WHERE viTyyppi IN ('D', 'K') AND vitoID IN (SELECT toID FROM \"to\") "
-                       "GROUP BY vitoID, viTyyppi)"))
+        QStringLiteral(
+            "SELECT MAX(n) FROM (SELECT vitoID, COUNT(*) AS n FROM vi WHERE viTyyppi IN ('D', 'K') "
+            "GROUP BY vitoID, viTyyppi) WHERE vitoID IN (SELECT toID FROM \"to\")"))
                             .toLongLong();
     return qint16(std::min<qint64>(most, std::numeric_limits<qint16>::max()));
 }

@@ -36,6 +36,9 @@ public:
     std::unique_ptr<cTosite> GetPrevious(bool avaustosite, bool paatostosite) const;
     std::unique_ptr<cTosite> GetNext(bool avaustosite, bool paatostosite) const;
     std::unique_ptr<cTosite> GetLast(bool avaustosite, bool paatostosite) const;
+    // The last voucher of a kind counting number 0 too (the opening voucher is numbered 0):
+    // the one a window of that kind opens on.
+    std::unique_ptr<cTosite> GetLastFromZero(bool avaustosite, bool paatostosite) const;
 
     // The greatest number of debit or of credit entries in any one voucher: how many entry rows
     // the longest voucher needs.

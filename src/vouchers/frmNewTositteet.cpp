@@ -53,6 +53,10 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     ui->lstTositteet->setModel(m_list);
     ui->lstTositteet->setUniformItemSizes(true);
     ui->lstTositteet->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // A long description is cut short in the list rather than given a scroll bar that would
+    // hide the newest voucher at the bottom.
+    ui->lstTositteet->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    ui->lstTositteet->setTextElideMode(Qt::ElideRight);
 
     auto* grid = ui->grdViennit;
     m_model = new VientiModel(*m_muokkaus, this);
@@ -156,8 +160,10 @@ void frmNewTositteet::naytaOtsake()
     ui->tTositepvm->setText(Dates::format(tosite.Paiva()));
     ui->tTositeSelite->setText(tosite.Selite() == u" " ? QString() : tosite.Selite());
     const int row = tosite.IsEmpty() ? -1 : m_list->rowOf(tosite.ToId());
-    if (row >= 0)
+    if (row >= 0) {
         ui->lstTositteet->setCurrentIndex(m_list->index(row));
+        ui->lstTositteet->scrollTo(m_list->index(row));
+    }
 }
 
 void frmNewTositteet::paivitaSummat()
@@ -248,10 +254,16 @@ void frmNewTositteet::LisaaVienteja()
 
 void frmNewTositteet::Selaa()
 {
-    ui->lstTositteet->setFocus();
-    const int row = m_list->rowOf(m_muokkaus->tosite().ToId());
-    if (row >= 0)
+    // Browsing happens in the list: the focus goes there, on the voucher on screen (or the
+    // newest one), so that the arrow keys and Enter pick another.
+    ui->lstTositteet->setFocus(Qt::ShortcutFocusReason);
+    int row = m_list->rowOf(m_muokkaus->tosite().ToId());
+    if (row < 0)
+        row = m_list->rowCount() - 1;
+    if (row >= 0) {
         ui->lstTositteet->setCurrentIndex(m_list->index(row));
+        ui->lstTositteet->scrollTo(m_list->index(row), QAbstractItemView::PositionAtCenter);
+    }
 }
 
 void frmNewTositteet::lataaLuettelosta(const QModelIndex& index)

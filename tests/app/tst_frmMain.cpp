@@ -1,16 +1,19 @@
 #include "ScriptedDialogs.h"
 #include "TestEnv.h"
 #include "frmMain.h"
+#include "frmOhje.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSqlQuery>
 #include <QTableView>
 #include <QTest>
+#include <QTextBrowser>
 #include <QTimer>
 
 namespace {
@@ -116,12 +119,30 @@ void tst_frmMain::workingWindowsOpenOnce()
     QVERIFY(opened.first()->testAttribute(Qt::WA_DeleteOnClose));
 }
 
+// The manual opens in Vorkam's own help window, where it can be searched and left; a web
+// browser only on request.
 void tst_frmMain::manualAndClose()
 {
     TestEnv env;
     ScriptedDialogs dialogs;
+    QDir().mkpath(env.programDir() + QStringLiteral("/kayttoohje"));
+    TestEnv::writeFile(env.programDir() + QStringLiteral("/kayttoohje/index.html"),
+        "<html><body><h1>Vorkam</h1><p><a href=\"asetukset.html\">Asetukset</a></p></body></html>");
+    TestEnv::writeFile(env.programDir() + QStringLiteral("/kayttoohje/asetukset.html"),
+        "<html><body><h1>Asetukset</h1><p>Tilikausi vaihdetaan...</p></body></html>");
     frmMain w;
     QTest::mouseClick(w.findChild<QPushButton*>(QStringLiteral("cKayttotuki")), Qt::LeftButton);
+    auto* help = w.findChild<frmOhje*>(QStringLiteral("frmOhje"));
+    QVERIFY(help && help->isVisible());
+    QVERIFY(help->etsi(QStringLiteral("Asetukset")));
+    QVERIFY(!help->etsi(QStringLiteral("tilinpäätösviennit")));
+    auto* browser = help->findChild<QTextBrowser*>(QStringLiteral("tbOhje"));
+    browser->setSource(QUrl(QStringLiteral("asetukset.html")));
+    QVERIFY(browser->toPlainText().contains(QStringLiteral("Tilikausi vaihdetaan")));
+    help->findChild<QAction*>(QStringLiteral("mTakaisin"))->trigger();
+    QVERIFY(browser->toPlainText().contains(QStringLiteral("Asetukset")));
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::OpenUrl), QStringList());
+    help->findChild<QAction*>(QStringLiteral("mAvaaSelaimessa"))->trigger();
     QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::OpenUrl),
         QStringList {
             QUrl::fromLocalFile(env.programDir() + QStringLiteral("/kayttoohje/index.html")).toString() });

@@ -208,6 +208,18 @@ void tst_Settings::badStoredValuesFallBack()
         store.write(QStringLiteral("LaskettavaTili"), QStringLiteral("12abc"));
         store.write(QStringLiteral("VanhatTositteet"), QStringLiteral("kyllä"));
         store.write(QStringLiteral("FonttiKoko"), QString());
+        // Rows written by hand with another case are the same settings, read and written in
+        // place rather than added again.
+        QSqlQuery q(db);
+        QVERIFY(q.exec(QStringLiteral("INSERT INTO Settings (setSection, setKey, setString) VALUES "
+                                      "('Vorkam', 'seurannimi', 'Käsin kirjoitettu ry')")));
+        QCOMPARE(store.read(QStringLiteral("Seurannimi"), QString()), QStringLiteral("Käsin kirjoitettu ry"));
+        QVERIFY(store.write(QStringLiteral("SEURANNIMI"), QStringLiteral("Korjattu ry")));
+        QVERIFY(q.exec(
+            QStringLiteral("SELECT COUNT(*), MAX(setString) FROM Settings WHERE setKey = 'seurannimi'")));
+        QVERIFY(q.next());
+        QCOMPARE(q.value(0).toInt(), 1);
+        QCOMPARE(q.value(1).toString(), QStringLiteral("Korjattu ry"));
         ProgramSettings::loadBookkeeping(db, file, QDate(2026, 5, 5));
     });
     const BookkeepingSettings& s = ProgramSettings::bookkeeping();

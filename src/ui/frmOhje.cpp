@@ -1,0 +1,92 @@
+#include "frmOhje.h"
+
+#include "Dialogs.h"
+
+#include <QAction>
+#include <QFileInfo>
+#include <QKeySequence>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTextBrowser>
+#include <QTextDocument>
+#include <QToolBar>
+
+frmOhje::frmOhje(const QUrl& page, QWidget* parent)
+    : QMainWindow(parent)
+    , m_home(page)
+{
+    setObjectName(QStringLiteral("frmOhje"));
+    setWindowTitle(QStringLiteral("Käyttöohje"));
+    resize(820, 640);
+
+    m_browser = new QTextBrowser(this);
+    m_browser->setObjectName(QStringLiteral("tbOhje"));
+    // Pages of the manual open here; links out of it go to the desktop's own program.
+    m_browser->setOpenLinks(true);
+    m_browser->setOpenExternalLinks(false);
+    connect(m_browser, &QTextBrowser::anchorClicked, this, [this](const QUrl& url) {
+        if (!url.isLocalFile() && !url.isRelative())
+            Dialogs::instance().openUrl(url);
+    });
+    setCentralWidget(m_browser);
+
+    auto* bar = addToolBar(QStringLiteral("Ohje"));
+    bar->setObjectName(QStringLiteral("tbOhjeToiminnot"));
+    bar->setMovable(false);
+    QAction* takaisin = bar->addAction(QStringLiteral("< Takaisin"), m_browser, &QTextBrowser::backward);
+    takaisin->setObjectName(QStringLiteral("mTakaisin"));
+    takaisin->setShortcut(QKeySequence::Back);
+    takaisin->setEnabled(false);
+    QAction* eteen = bar->addAction(QStringLiteral("Eteenpäin >"), m_browser, &QTextBrowser::forward);
+    eteen->setObjectName(QStringLiteral("mEteenpain"));
+    eteen->setShortcut(QKeySequence::Forward);
+    eteen->setEnabled(false);
+    QAction* sisallys = bar->addAction(QStringLiteral("Sisällys"), m_browser, &QTextBrowser::home);
+    sisallys->setObjectName(QStringLiteral("mSisallys"));
+    connect(m_browser, &QTextBrowser::backwardAvailable, takaisin, &QAction::setEnabled);
+    connect(m_browser, &QTextBrowser::forwardAvailable, eteen, &QAction::setEnabled);
+    bar->addSeparator();
+    bar->addWidget(new QLabel(QStringLiteral("Etsi: "), bar));
+    m_haku = new QLineEdit(bar);
+    m_haku->setObjectName(QStringLiteral("tHaku"));
+    m_haku->setClearButtonEnabled(true);
+    m_haku->setMaximumWidth(220);
+    bar->addWidget(m_haku);
+    connect(m_haku, &QLineEdit::returnPressed, this, [this] {
+        if (!etsi(m_haku->text()))
+            Dialogs::instance().beep();
+    });
+    QAction* find = new QAction(this);
+    find->setShortcut(QKeySequence::Find);
+    connect(find, &QAction::triggered, m_haku, [this] {
+        m_haku->setFocus();
+        m_haku->selectAll();
+    });
+    addAction(find);
+    bar->addSeparator();
+    QAction* selain = bar->addAction(QStringLiteral("Avaa selaimessa"), this, &frmOhje::avaaSelaimessa);
+    selain->setObjectName(QStringLiteral("mAvaaSelaimessa"));
+    QAction* sulje = new QAction(this);
+    sulje->setShortcut(QKeySequence(Qt::Key_Escape));
+    connect(sulje, &QAction::triggered, this, &QWidget::close);
+    addAction(sulje);
+
+    m_browser->setSearchPaths({ QFileInfo(page.toLocalFile()).absolutePath() });
+    m_browser->setSource(page);
+}
+
+bool frmOhje::etsi(const QString& text)
+{
+    if (text.isEmpty())
+        return false;
+    if (m_browser->find(text))
+        return true;
+    // Past the last one: from the top again.
+    m_browser->moveCursor(QTextCursor::Start);
+    return m_browser->find(text);
+}
+
+void frmOhje::avaaSelaimessa()
+{
+    Dialogs::instance().openUrl(m_browser->source().isValid() ? m_browser->source() : m_home);
+}

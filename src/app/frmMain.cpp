@@ -47,7 +47,10 @@ frmMain::frmMain(QWidget* parent)
     ui->setupUi(this);
     ui->cAboutLumetra->setIcon(QIcon(logo()));
     setWindowIcon(QIcon(logo()));
-    ui->cTositteet->setDefault(true);
+    // The keyboard starts on the vouchers; Enter presses the button that has the focus.
+    for (QPushButton* b : { ui->cTositteet, ui->cTilit, ui->cTulosJaTase, ui->cKayttotuki, ui->cSulje })
+        b->setAutoDefault(true);
+    ui->cAboutLumetra->setFocusPolicy(Qt::TabFocus);
     ui->cSulje->setShortcut(QKeySequence(QStringLiteral("Alt+F4")));
 
     // Windows and commands that arrive in later versions are shown but cannot be chosen yet;
@@ -112,6 +115,7 @@ void frmMain::startUp()
         a->setEnabled(open);
     // The reorganisation rewrites the books: not for books open for reading only.
     ui->mVarmistus->setEnabled(open && !m_startup.readOnly);
+    (open ? ui->cTositteet : ui->cKayttotuki)->setFocus();
 }
 
 void frmMain::openWindow(Window which)

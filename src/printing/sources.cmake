@@ -1,0 +1,20 @@
+# Sources of the printing subsystem (report engine, print options, date dialogs), relative to src/.
+set(VORKAM_PRINTING_CORE
+  printing/OutputFile.cpp
+  printing/PagePainter.cpp
+  printing/PdfWriter.cpp
+  printing/PeriodCheck.cpp
+  printing/PrintOptions.cpp
+  printing/ReportData.cpp
+  printing/ReportDefinition.cpp
+  printing/ReportDocument.cpp
+  printing/ReportEngine.cpp
+  printing/ReportExport.cpp
+  printing/ReportFormulas.cpp
+  printing/SectionFonts.cpp
+  printing/SelectionFormula.cpp
+  printing/TextMetrics.cpp
+  printing/WinAnsi.cpp
+)
+set(VORKAM_PRINTING_UI
+)

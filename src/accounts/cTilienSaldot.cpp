@@ -19,14 +19,16 @@ void cTilienSaldot::Laske()
     Money debet, kredit;
     Transaction transaction(m_db);
     Tyhjenna();
-    // One pass over the entries, grouped by account; accounts without entries get zeros.
+    // One pass over the entries, grouped by account; accounts without entries get zeros. The
+    // unary plus keeps the planner from walking the entries in account-index order, one random
+    // read each: a plain scan grouped in a temporary tree is several times faster.
     QSqlQuery q = Sql::run(m_db,
         QStringLiteral(
             "SELECT tl.tlNumero, tl.tlNimi, COALESCE(s.debet, 0), COALESCE(s.kredit, 0) FROM tl LEFT JOIN ("
             "SELECT vi.vitlID AS tlID, SUM(CASE WHEN vi.viTyyppi = 'D' THEN vi.viArvo ELSE 0 END) AS debet, "
             "SUM(CASE WHEN vi.viTyyppi = 'K' THEN vi.viArvo ELSE 0 END) AS kredit "
             "FROM vi INNER JOIN \"to\" ON \"to\".toID = vi.vitoID WHERE vi.viAutomaatti = 0 GROUP BY "
-            "vi.vitlID"
+            "+vi.vitlID"
             ") s ON s.tlID = tl.tlID ORDER BY tl.tlNumero, tl.tlID"));
     while (q.next()) {
         Rivi r;

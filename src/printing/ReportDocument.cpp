@@ -281,8 +281,8 @@ void ReportDocument::addCell(ReportPage& page, int column, float y, quint8 f, co
     placeCell(page, column, y, f, offset);
 }
 
-void ReportDocument::addTotals(
-    ReportPage& page, float top, float line, quint8 f, int block, const QString& caption) const
+void ReportDocument::addTotals(ReportPage& page, float top, float line, quint8 f, int block,
+    const QString& caption, bool columnRules) const
 {
     const std::vector<qint64>& sums = m_totals[size_t(block)];
     const float y = baseline(top, line);
@@ -293,8 +293,9 @@ void ReportDocument::addTotals(
             QByteArray text;
             ReportData::appendNumber(text, sums[size_t(c)], column.format);
             addCell(page, c, y, f, text);
-            page.rules.push_back({ m_columnLeft[size_t(c)] + m_padding, top + 1.5f,
-                m_columnRight[size_t(c)] - m_padding, top + 1.5f, 0.5f });
+            if (columnRules)
+                page.rules.push_back({ m_columnLeft[size_t(c)] + m_padding, top + 1.5f,
+                    m_columnRight[size_t(c)] - m_padding, top + 1.5f, 0.5f });
         } else if (!captionPlaced && !caption.isEmpty()) {
             addCell(page, c, y, f, WinAnsi::fromUnicode(caption));
             captionPlaced = true;
@@ -351,12 +352,12 @@ ReportPage ReportDocument::page(int index) const
             break;
         case Kind::GroupTotal:
             addTotals(page, y, h - 2, m_totalFont, item.index,
-                expand(m_definition.groups[item.level].totalCaption, m_totalRows[size_t(item.index)]));
+                expand(m_definition.groups[item.level].totalCaption, m_totalRows[size_t(item.index)]), true);
             break;
         case Kind::GrandTotal:
             page.rules.push_back({ m_left, y + 1, m_right, y + 1, 0.75f });
-            addTotals(
-                page, y + 2, m_totalLine - 2, m_totalFont, item.index, expand(m_definition.grandTotal, -1));
+            addTotals(page, y + 2, m_totalLine - 2, m_totalFont, item.index,
+                expand(m_definition.grandTotal, -1), false);
             page.rules.push_back({ m_left, y + h - 2.5f, m_right, y + h - 2.5f, 0.5f });
             page.rules.push_back({ m_left, y + h - 1, m_right, y + h - 1, 0.5f });
             break;
@@ -473,12 +474,18 @@ QString ReportDocument::pageText(int index, double pointsPerChar) const
             line.chop(1);
         out.emplace(y, line);
     }
+    // Rules at one height share a line.
+    std::map<int, QString> rules;
     for (const PageRule& rule : p.rules) {
         const int from = int(std::lround(rule.x1 / pointsPerChar));
-        const int to = int(std::lround(rule.x2 / pointsPerChar));
-        out.emplace(
-            int(std::lround(rule.y1 * 10)), QString(from, u' ') + QString(std::max(1, to - from), u'-'));
+        const int to = std::max(from + 1, int(std::lround(rule.x2 / pointsPerChar)));
+        QString& line = rules[int(std::lround(rule.y1 * 10))];
+        if (line.size() < to)
+            line.resize(to, u' ');
+        line.replace(from, to - from, QString(to - from, u'-'));
     }
+    for (const auto& [y, line] : rules)
+        out.emplace(y, line);
     QStringList text;
     for (const auto& [y, line] : out)
         text.append(line);

@@ -77,8 +77,8 @@ private:
     void addText(ReportPage& page, float x, float y, quint8 font, const QByteArray& text) const;
     void placeCell(ReportPage& page, int column, float y, quint8 font, quint32 offset) const;
     void addCell(ReportPage& page, int column, float y, quint8 font, const QByteArray& text) const;
-    void addTotals(
-        ReportPage& page, float top, float line, quint8 font, int block, const QString& caption) const;
+    void addTotals(ReportPage& page, float top, float line, quint8 font, int block, const QString& caption,
+        bool columnRules) const;
 
     ReportDefinition m_definition;
     std::shared_ptr<const ReportData> m_data;

@@ -202,6 +202,8 @@ LayoutOptions options(const ReportDefinition& d, const ReportJob& job)
             throw ReportError(QStringLiteral("Raportissa %1 ei ole kaavaa %2.").arg(d.name, f->name));
         o.formulas.insert(name, f->value);
     }
+    if (job.printDate.isValid())
+        o.printDate = job.printDate;
     if (job.periodStart.isValid() && job.periodEnd.isValid())
         o.period = Dates::format(job.periodStart) + QStringLiteral(" - ") + Dates::format(job.periodEnd);
     return o;

@@ -23,6 +23,8 @@ struct ReportJob {
     // The report period, shown as {Jakso} where the report has no formula of that name.
     QDate periodStart;
     QDate periodEnd;
+    // The date in the page footer; invalid: today.
+    QDate printDate;
     Destination destination = Destination::Printer;
     int copies = 1;
 };

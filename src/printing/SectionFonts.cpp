@@ -36,6 +36,9 @@ void setFlag(const QString& text, bool& flag, const QString& entry)
 
 void apply(const QStringList& list, SectionFontTable& fonts)
 {
+    // "X" keeps the layout's own value, whatever an earlier entry set: a page header after ALL
+    // keeps the layout's size.
+    const SectionFontTable layout = fonts;
     for (const QString& entry : list) {
         if (entry.isEmpty())
             continue;
@@ -68,6 +71,7 @@ void apply(const QStringList& list, SectionFontTable& fonts)
         }
         for (const Section s : sections) {
             FontSpec& font = fonts[size_t(s)];
+            font = layout[size_t(s)];
             font.face = f.at(1).trimmed();
             if (size > 0)
                 font.size = size;

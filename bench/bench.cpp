@@ -53,6 +53,8 @@ void report(const char* name, double vorkam, double baseline, const char* target
 
 } // namespace
 
+int reportBench(const QSqlDatabase& db, const QString& binDir);
+
 int run(char** argv)
 {
     const QString file = QFileInfo(QString::fromLocal8Bit(argv[1])).absoluteFilePath();
@@ -178,7 +180,9 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: vorkam_bench FILE.mdb   (make one with vorkam_stressgen)\n");
         return 2;
     }
-    const int rc = run(argv);
+    int rc = run(argv);
+    if (rc == 0)
+        rc = reportBench(DBC::instance().AvaaDB(), QStringLiteral(VORKAM_BIN_DIR));
     DBC::instance().SuljeDB();
     return rc;
 }

@@ -17,4 +17,15 @@ set(VORKAM_PRINTING_CORE
   printing/WinAnsi.cpp
 )
 set(VORKAM_PRINTING_UI
+  printing/DateFields.cpp
+  printing/ReportPageView.cpp
+  printing/ReportRunner.cpp
+  printing/frmDates.cpp
+  printing/frmDates.ui
+  printing/frmDates2.cpp
+  printing/frmDates2.ui
+  printing/frmDates3.cpp
+  printing/frmEsikatselu.cpp
+  printing/frmTulostus.cpp
+  printing/frmTulostus.ui
 )

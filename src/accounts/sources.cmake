@@ -21,7 +21,12 @@ set(VORKAM_ACCOUNTS_UI
   accounts/frmTilikartta.cpp
   accounts/frmTilikartta.h
   accounts/frmTilikartta.ui
+  accounts/frmTilienSaldot.cpp
+  accounts/frmTilienSaldot.h
+  accounts/frmTilienSaldot.ui
   accounts/frmTilitNew.cpp
   accounts/frmTilitNew.h
   accounts/frmTilitNew.ui
+  accounts/TilienSaldotModel.cpp
+  accounts/TilienSaldotModel.h
 )

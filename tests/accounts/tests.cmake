@@ -9,3 +9,4 @@ add_dependencies(tst_frmTilitNew vorkam_data)
 # The balances and the chart printouts read the report definitions of the program's folder.
 vorkam_add_test(tst_cTilienSaldot SOURCES accounts/tst_cTilienSaldot.cpp)
 add_dependencies(tst_cTilienSaldot vorkam_reports)
+vorkam_add_test(tst_frmTilienSaldot UI SOURCES accounts/tst_frmTilienSaldot.cpp)

@@ -142,6 +142,9 @@ void paint(QWidget& w)
 
 } // namespace
 
+// The report figures, in reportbench.cpp.
+int reportBench(const QSqlDatabase& db, const QString& binDir);
+
 int run(const QString& file, int runs)
 {
     // A private configuration: the bench never touches the user's own settings.
@@ -393,7 +396,9 @@ int main(int argc, char** argv)
             stderr, "usage: vorkam_bench FILE.mdb [--runs N]   (make the file with vorkam_stressgen)\n");
         return 2;
     }
-    const int rc = run(QFileInfo(args.at(1)).absoluteFilePath(), runs);
+    int rc = run(QFileInfo(args.at(1)).absoluteFilePath(), runs);
+    if (rc == 0)
+        rc = reportBench(DBC::instance().AvaaDB(), QStringLiteral(VORKAM_BIN_DIR));
     DBC::instance().SuljeDB();
     return rc;
 }

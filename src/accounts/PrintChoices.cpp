@@ -1,12 +1,10 @@
 #include "PrintChoices.h"
 
+#include "PrintOptions.h"
+
 namespace PrintChoices {
 
-bool& dialogCancelled()
-{
-    static bool cancelled = false;
-    return cancelled;
-}
+bool& dialogCancelled() { return PrintOptions::current().cancelled; }
 
 TilikarttaMallit& tilikarttaMallit()
 {

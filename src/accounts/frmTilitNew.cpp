@@ -6,9 +6,13 @@
 #include "DatabaseFile.h"
 #include "Dialogs.h"
 #include "EnterAsTab.h"
+#include "PrintChoices.h"
+#include "ReportRunner.h"
+#include "TiliRaportit.h"
 #include "Tilikartta.h"
 #include "WaitCursor.h"
 #include "frmLisaaTili.h"
+#include "frmTilikartta.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -51,9 +55,8 @@ frmTilitNew::frmTilitNew(const QSqlDatabase& db, QWidget* parent)
     ui->setupUi(this);
     EnterAsTab::install(this);
     ui->tvTilit->installEventFilter(this);
-    // The printout of the chart arrives with the report engine.
-    ui->cTulosta->setEnabled(false);
-    ui->mTulostaTilikartta->setEnabled(false);
+    connect(ui->cTulosta, &QPushButton::clicked, this, &frmTilitNew::tulostaTililuettelo);
+    connect(ui->mTulostaTilikartta, &QAction::triggered, this, &frmTilitNew::tulostaTilikartta);
 
     connectCommand(ui->cUusi, ui->mUusi, this, &frmTilitNew::uusi);
     connectCommand(ui->cTallenna, ui->mTallenna, this, &frmTilitNew::tallenna);
@@ -394,4 +397,25 @@ void frmTilitNew::selaa()
     ui->tvTilit->setFocus();
     if (!ui->tvTilit->currentItem())
         ui->tvTilit->setCurrentItem(ui->tvTilit->topLevelItem(0));
+}
+
+void frmTilitNew::tulostaTililuettelo()
+{
+    // The printout shows what is stored: the account on screen is saved first.
+    if (tallennaMuutokset())
+        ReportRunner::print(this, m_db, TiliRaportit::tililuettelo());
+}
+
+void frmTilitNew::tulostaTilikartta()
+{
+    if (!tallennaMuutokset())
+        return;
+    frmTilikartta valinta(m_db, this);
+    if (valinta.exec() != QDialog::Accepted || PrintChoices::dialogCancelled())
+        return;
+    const PrintChoices::TilikarttaMallit mallit = PrintChoices::tilikarttaMallit();
+    ReportJob job;
+    if (tellIfFails(QStringLiteral("Tilinpäätösmalleja ei voitu lukea."),
+            [&] { job = TiliRaportit::tilikartta(m_db, mallit.tuloslaskelmaID, mallit.taseID); }))
+        ReportRunner::print(this, m_db, job);
 }

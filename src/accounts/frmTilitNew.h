@@ -56,6 +56,9 @@ private:
     enum class Suunta { Ensimmainen, Edellinen, Seuraava, Viimeinen };
     void siirry(Suunta suunta);
     void selaa();
+    // cTulosta: the list of accounts; mTulostaTilikartta: the chart against the statement templates.
+    void tulostaTililuettelo();
+    void tulostaTilikartta();
 
     std::unique_ptr<Ui::frmTilitNew> ui;
     QSqlDatabase m_db;

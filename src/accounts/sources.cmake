@@ -3,10 +3,16 @@ set(VORKAM_ACCOUNTS_CORE
   accounts/cAlkusaldot.h
   accounts/cTili.cpp
   accounts/cTili.h
+  accounts/cTilienSaldo.cpp
+  accounts/cTilienSaldo.h
+  accounts/cTilienSaldot.cpp
+  accounts/cTilienSaldot.h
   accounts/PrintChoices.cpp
   accounts/PrintChoices.h
   accounts/Tilikartta.cpp
   accounts/Tilikartta.h
+  accounts/TiliRaportit.cpp
+  accounts/TiliRaportit.h
 )
 set(VORKAM_ACCOUNTS_UI
   accounts/frmLisaaTili.cpp
@@ -15,7 +21,12 @@ set(VORKAM_ACCOUNTS_UI
   accounts/frmTilikartta.cpp
   accounts/frmTilikartta.h
   accounts/frmTilikartta.ui
+  accounts/frmTilienSaldot.cpp
+  accounts/frmTilienSaldot.h
+  accounts/frmTilienSaldot.ui
   accounts/frmTilitNew.cpp
   accounts/frmTilitNew.h
   accounts/frmTilitNew.ui
+  accounts/TilienSaldotModel.cpp
+  accounts/TilienSaldotModel.h
 )

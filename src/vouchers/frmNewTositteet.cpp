@@ -7,6 +7,7 @@
 #include "TositeListModel.h"
 #include "VientiDelegate.h"
 #include "VientiModel.h"
+#include "frmTilienSaldot.h"
 
 #include <QCloseEvent>
 #include <QHeaderView>
@@ -33,8 +34,8 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
                                        : QStringLiteral("Tositteet"));
 
     // Windows of later versions: present, not yet available.
-    for (QAction* a : { ui->mPaivakirja, ui->mPaakirja, ui->mHaku, ui->mTilienSaldot, ui->mTilitarkastelu,
-             ui->mTilinPaivasaldot, ui->mTositteidenTarkistus, ui->mMuokkaaTositepohjia })
+    for (QAction* a : { ui->mPaivakirja, ui->mPaakirja, ui->mHaku, ui->mTilitarkastelu, ui->mTilinPaivasaldot,
+             ui->mTositteidenTarkistus, ui->mMuokkaaTositepohjia })
         a->setEnabled(false);
     ui->mTositepohjat->setEnabled(false);
     ui->mTositepohjat->menuAction()->setEnabled(false);
@@ -107,6 +108,12 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     connectCommand(ui->cLisaaVienteja, nullptr, this, &frmNewTositteet::LisaaVienteja);
     connectCommand(ui->cSelaa, ui->mSelaa, this, &frmNewTositteet::Selaa);
     connectCommand(ui->cSulje, ui->mSulje, this, [this] { close(); });
+    connect(ui->mTilienSaldot, &QAction::triggered, this, [this] {
+        auto* saldot = new frmTilienSaldot(m_muokkaus->database(), this);
+        saldot->setWindowFlag(Qt::Window);
+        saldot->setAttribute(Qt::WA_DeleteOnClose);
+        saldot->show();
+    });
 
     if (m_muokkaus->avaa())
         grid->setItemDelegate(new VientiDelegate(m_muokkaus->tilit().texts(), grid));

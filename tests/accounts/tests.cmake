@@ -6,3 +6,7 @@ vorkam_add_test(tst_frmLisaaTili UI SOURCES accounts/tst_frmLisaaTili.cpp)
 vorkam_add_test(tst_frmTilikartta UI SOURCES accounts/tst_frmTilikartta.cpp)
 # The window is also tried on the demo association.
 add_dependencies(tst_frmTilitNew vorkam_data)
+# The balances and the chart printouts read the report definitions of the program's folder.
+vorkam_add_test(tst_cTilienSaldot SOURCES accounts/tst_cTilienSaldot.cpp)
+add_dependencies(tst_cTilienSaldot vorkam_reports)
+vorkam_add_test(tst_frmTilienSaldot UI SOURCES accounts/tst_frmTilienSaldot.cpp)

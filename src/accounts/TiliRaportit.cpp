@@ -1,0 +1,53 @@
+#include "TiliRaportit.h"
+
+#include "DatabaseError.h"
+#include "ProgramSettings.h"
+
+namespace {
+
+QString seurannimi()
+{
+    return QStringLiteral("Seurannimi= '") + ProgramSettings::bookkeeping().Seurannimi + u'\'';
+}
+
+QString malliNimi(const QSqlDatabase& db, qint32 id)
+{
+    if (id == 0)
+        return QStringLiteral("ei valittu");
+    return Sql::scalar(db, QStringLiteral("SELECT maNimi FROM ma WHERE maID = ?"), { id }).toString();
+}
+
+} // namespace
+
+namespace TiliRaportit {
+
+ReportJob tililuettelo()
+{
+    ReportJob job;
+    job.reportFile = QStringLiteral("tilit.rpt");
+    job.formulas = { seurannimi(), QStringLiteral("Otsake= 'Tililuettelo'") };
+    return job;
+}
+
+ReportJob tilikartta(const QSqlDatabase& db, qint32 tuloslaskelmaID, qint32 taseID)
+{
+    ReportJob job;
+    job.reportFile = QStringLiteral("tilikart.rpt");
+    job.formulas = { seurannimi(), QStringLiteral("Otsake= 'Tilikartta'"),
+        QStringLiteral("Mallit= 'Tuloslaskelma: ") + malliNimi(db, tuloslaskelmaID)
+            + QStringLiteral(", tase: ") + malliNimi(db, taseID) + u'\'' };
+    job.parameters
+        = { { QStringLiteral("tuloslaskelmaID"), tuloslaskelmaID }, { QStringLiteral("taseID"), taseID } };
+    return job;
+}
+
+ReportJob tilienSaldot()
+{
+    ReportJob job;
+    job.reportFile = QStringLiteral("tilisald.rpt");
+    job.formulas = { seurannimi(), QStringLiteral("Otsake= 'Tilien saldot'") };
+    job.sortFields = { QStringLiteral("+{tlSaldot.tlsID}") };
+    return job;
+}
+
+} // namespace TiliRaportit

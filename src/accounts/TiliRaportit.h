@@ -1,0 +1,20 @@
+#pragma once
+
+#include "ReportJob.h"
+
+#include <QSqlDatabase>
+
+// The printouts of the accounts subsystem, as their windows and vorkam_report hand them to the
+// report engine.
+namespace TiliRaportit {
+
+// The list of accounts, "tilit.rpt".
+ReportJob tililuettelo();
+// The chart of accounts against an income statement and a balance sheet template,
+// "tilikart.rpt" (0: no template of that kind). Reads the templates' names for the title.
+// Throws DatabaseError.
+ReportJob tilikartta(const QSqlDatabase& db, qint32 tuloslaskelmaID, qint32 taseID);
+// The account balances of the last computation in tlSaldot, "tilisald.rpt".
+ReportJob tilienSaldot();
+
+} // namespace TiliRaportit

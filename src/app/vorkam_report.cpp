@@ -1,0 +1,273 @@
+// vorkam_report: writes a report of an association's books as PDF, CSV or XLSX without a
+// window, computing its work table first exactly as the report's window does.
+//
+//   vorkam_report BOOKS.mdb REPORT [--from d.M.yyyy --to d.M.yyyy] [--account N]
+//                 [--kind normal|opening|closing] (--pdf F | --csv F | --xlsx F)
+#include "DatabaseError.h"
+#include "DatabaseFile.h"
+#include "Dates.h"
+#include "Dialogs.h"
+#include "PdfWriter.h"
+#include "ProgramSettings.h"
+#include "ReportCatalog.h"
+#include "ReportEngine.h"
+#include "ReportError.h"
+#include "ReportExport.h"
+#include "Schema.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QSqlDatabase>
+#include <cstdio>
+
+namespace {
+
+enum Exit { Ok = 0, Failed = 1, Usage = 2, BadBooks = 3 };
+
+void say(FILE* stream, const QString& text)
+{
+    std::fputs(text.toLocal8Bit().constData(), stream);
+    std::fputc('\n', stream);
+}
+
+// Messages of the logic classes go to the error stream; nobody is there to answer a question.
+class ConsoleDialogs final : public Dialogs {
+public:
+    void information(const QString& text) override { say(stderr, text); }
+    void plain(const QString& text) override { say(stderr, text); }
+    void error(const QString& text) override { say(stderr, text); }
+    bool question(const QString& text) override
+    {
+        say(stderr, text + QStringLiteral(" (ei)"));
+        return false;
+    }
+    std::optional<QString> input(const QString&, const QString&) override { return std::nullopt; }
+    QString openFileName(const QString&, const QString&, const QString&) override { return {}; }
+    QString saveFileName(const QString&, const QString&, const QString&) override { return {}; }
+    void beep() override { }
+    void openUrl(const QUrl&) override { }
+};
+
+QString usage()
+{
+    QString text = QStringLiteral(
+        "Käyttö: vorkam_report KIRJANPITO.mdb RAPORTTI [--from p.k.vvvv --to p.k.vvvv] [--account N]\n"
+        "                      [--kind normal|opening|closing] (--pdf TIEDOSTO | --csv TIEDOSTO | --xlsx "
+        "TIEDOSTO)\n"
+        "Raportit:\n");
+    for (const ReportCatalog::Entry& e : ReportCatalog::entries())
+        text += QStringLiteral("  %1  %2\n").arg(e.name, -10).arg(e.description);
+    return text;
+}
+
+struct Arguments {
+    QString books;
+    QString report;
+    ReportCatalog::Options options;
+    QString format; // "pdf", "csv", "xlsx"
+    QString output;
+};
+
+// Reads the command line; gives a Finnish message when it is not right.
+QString parse(const QStringList& args, Arguments& a)
+{
+    QStringList positional;
+    for (int i = 1; i < args.size(); ++i) {
+        const QString& arg = args.at(i);
+        if (!arg.startsWith(QLatin1String("--"))) {
+            positional.append(arg);
+            continue;
+        }
+        if (arg == u"--help")
+            return QStringLiteral("help");
+        if (i + 1 >= args.size())
+            return QStringLiteral("Valitsimelta %1 puuttuu arvo.").arg(arg);
+        const QString value = args.at(++i);
+        if (arg == u"--from" || arg == u"--to") {
+            const QDate d = Dates::parse(value);
+            if (!d.isValid())
+                return QStringLiteral("Päivämäärä %1 ei ole muotoa p.k.vvvv (esimerkiksi 31.12.2011).")
+                    .arg(value);
+            (arg == u"--from" ? a.options.from : a.options.to) = d;
+        } else if (arg == u"--account") {
+            bool ok = false;
+            const int n = value.toInt(&ok);
+            if (!ok || n <= 0)
+                return QStringLiteral("Tilinumero %1 ei ole numero.").arg(value);
+            a.options.account = n;
+        } else if (arg == u"--kind") {
+            if (value != u"normal" && value != u"opening" && value != u"closing")
+                return QStringLiteral("Vientien laji on normal, opening tai closing, ei %1.").arg(value);
+            a.options.kind = value;
+        } else if (arg == u"--pdf" || arg == u"--csv" || arg == u"--xlsx") {
+            if (!a.format.isEmpty())
+                return QStringLiteral("Anna vain yksi tulostiedosto (--pdf, --csv tai --xlsx).");
+            a.format = arg.mid(2);
+            a.output = value;
+        } else {
+            return QStringLiteral("Valitsinta %1 ei ole.").arg(arg);
+        }
+    }
+    if (positional.size() != 2)
+        return QStringLiteral("Anna kirjanpidon tiedosto ja raportin nimi.");
+    a.books = positional.at(0);
+    a.report = positional.at(1);
+    if (a.format.isEmpty())
+        return QStringLiteral("Anna tulostiedosto: --pdf, --csv tai --xlsx.");
+    if (a.options.from.isValid() != a.options.to.isValid())
+        return QStringLiteral("Anna jakso kokonaan: sekä --from että --to.");
+    if (a.options.from.isValid() && a.options.from > a.options.to)
+        return QStringLiteral("Alkupäivämäärä on loppupäivämäärän jälkeen.");
+    return {};
+}
+
+QString unusedOption(const ReportCatalog::Entry& e, const ReportCatalog::Options& o)
+{
+    const auto refuse = [&e](const char* option) {
+        return QStringLiteral("Raportti %1 ei käytä valitsinta %2.").arg(e.name, QLatin1String(option));
+    };
+    if (o.from.isValid() && !e.takesPeriod)
+        return refuse("--from/--to");
+    if (o.account && !e.takesAccount)
+        return refuse("--account");
+    if (!o.kind.isEmpty() && !e.takesKind)
+        return refuse("--kind");
+    return {};
+}
+
+// Why the file cannot be read as an association's books; "" when it can be opened.
+QString booksProblem(const QString& path)
+{
+    const OpenResult seen = DatabaseFile::examine(path);
+    switch (seen.error) {
+    case DbError::None:
+        return {};
+    case DbError::FileNotFound:
+    case DbError::InvalidPath:
+        return QStringLiteral("Kirjanpitoa %1 ei löydy.").arg(path);
+    case DbError::Unreadable:
+        return QStringLiteral("Kirjanpitoa %1 ei voi lukea: käyttöoikeus puuttuu.").arg(path);
+    case DbError::JetFormat:
+        return QStringLiteral(
+            "Tiedosto %1 on vanhan ohjelman Jet-tietokanta. vorkam_report lukee vain Vorkamin "
+            "kirjanpitoja.")
+            .arg(path);
+    default:
+        break;
+    }
+    return QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito tai se on vioittunut.").arg(path);
+}
+
+int run(const Arguments& a)
+{
+    const ReportCatalog::Entry* entry = ReportCatalog::find(a.report);
+    if (!entry) {
+        say(stderr, QStringLiteral("Raporttia %1 ei ole.").arg(a.report));
+        say(stderr, usage());
+        return Usage;
+    }
+    if (const QString unused = unusedOption(*entry, a.options); !unused.isEmpty()) {
+        say(stderr, unused);
+        return Usage;
+    }
+    const QString books = QFileInfo(a.books).absoluteFilePath();
+    if (const QString problem = booksProblem(books); !problem.isEmpty()) {
+        say(stderr, problem);
+        return BadBooks;
+    }
+    if (entry->writesWorkTable && DatabaseFile::isReadOnly(books)) {
+        say(stderr,
+            QStringLiteral("Kirjanpitoon %1 ei voi kirjoittaa, joten raportin %2 työtaulua ei voi laskea.")
+                .arg(books, entry->name));
+        return BadBooks;
+    }
+    const QString connection = QStringLiteral("vorkam_report");
+    const OpenResult opened = DatabaseFile::open(books, connection, !entry->writesWorkTable);
+    if (!opened) {
+        say(stderr,
+            QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito tai se on vioittunut.\n%2")
+                .arg(books, opened.message));
+        return BadBooks;
+    }
+    int rc = Ok;
+    {
+        const QSqlDatabase db = QSqlDatabase::database(connection, false);
+        const QStringList missing = Schema::missingCoreTables(db);
+        if (!missing.isEmpty()) {
+            say(stderr,
+                QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito (taulut %2 puuttuvat).")
+                    .arg(books, missing.join(QStringLiteral(", "))));
+            rc = BadBooks;
+        } else if (entry->writesWorkTable && Schema::tableMissing(db, QStringLiteral("tlSaldot"))) {
+            say(stderr,
+                QStringLiteral("Kirjanpito %1 on vanhempaa muotoa. Avaa se kerran Vorkamissa, joka päivittää "
+                               "sen, ja aja raportti sitten uudelleen.")
+                    .arg(books));
+            rc = BadBooks;
+        } else {
+            ProgramSettings::loadBookkeeping(db, books);
+            try {
+                ReportJob job = entry->prepare(db, a.options);
+                job.periodStart = a.options.from;
+                job.periodEnd = a.options.to;
+                const std::unique_ptr<ReportDocument> document = ReportEngine::run(db, job);
+                if (a.format == u"pdf")
+                    PdfWriter::write(*document, a.output);
+                else if (a.format == u"csv")
+                    ReportExport::writeCsv(*document, a.output);
+                else
+                    ReportExport::writeXlsx(*document, a.output);
+                say(stdout,
+                    QStringLiteral("Kirjoitettiin %1 (%2 sivua).")
+                        .arg(QDir::toNativeSeparators(QFileInfo(a.output).absoluteFilePath()))
+                        .arg(document->pageCount()));
+            } catch (const DatabaseError& e) {
+                say(stderr,
+                    e.message(QStringLiteral("Raportin %1 tietoja ei voitu laskea.").arg(entry->name)));
+                rc = Failed;
+            } catch (const ReportError& e) {
+                say(stderr, e.text());
+                rc = Failed;
+            }
+        }
+    }
+    DatabaseFile::close(connection);
+    return rc;
+}
+
+// Qt's remarks about the desktop session it runs without are of no use on a command line.
+void quietHandler(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type != QtDebugMsg && type != QtInfoMsg && !message.startsWith(QLatin1String("QStandardPaths:")))
+        say(stderr, message);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    qInstallMessageHandler(quietHandler);
+    // Text is measured with the report fonts, which needs a GUI application but no display.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName(QStringLiteral("Vorkam"));
+    ConsoleDialogs dialogs;
+    Dialogs::install(&dialogs);
+
+    Arguments a;
+    const QString problem = parse(QCoreApplication::arguments(), a);
+    int rc = Ok;
+    if (problem == u"help") {
+        say(stdout, usage());
+    } else if (!problem.isEmpty()) {
+        say(stderr, problem);
+        say(stderr, usage());
+        rc = Usage;
+    } else {
+        rc = run(a);
+    }
+    Dialogs::install(nullptr);
+    return rc;
+}

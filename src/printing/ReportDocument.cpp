@@ -1,0 +1,493 @@
+#include "ReportDocument.h"
+
+#include "Dates.h"
+#include "ReportError.h"
+#include "TextMetrics.h"
+
+#include <QRegularExpression>
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+namespace {
+
+constexpr float A4Width = 595.276f;
+constexpr float A4Height = 841.89f;
+constexpr float DefaultMargin = 42.52f; // 15 mm
+constexpr char Ellipsis = '\x85';
+
+float marginPoints(int twips) { return twips > 0 ? float(twips) / 20.0f : DefaultMargin; }
+
+// The baseline of a line `height` high whose top is at `top`.
+float baseline(float top, float height) { return top + height * 0.78f; }
+
+const QRegularExpression& placeholder()
+{
+    static const QRegularExpression re(QStringLiteral(R"(\{([^{}]+)\})"));
+    return re;
+}
+
+} // namespace
+
+ReportDocument::ReportDocument(
+    ReportDefinition definition, std::shared_ptr<const ReportData> data, LayoutOptions options)
+    : m_definition(std::move(definition))
+    , m_data(std::move(data))
+    , m_options(std::move(options))
+{
+    const auto& f = m_options.fonts;
+    const auto spec = [&](Section s) { return f[size_t(s)]; };
+    m_titleFont = fontIndex(Section::Title, spec(Section::Title).bold, spec(Section::Title).italic);
+    m_headerFont = fontIndex(Section::Header, spec(Section::Header).bold, spec(Section::Header).italic);
+    m_detailFont = fontIndex(Section::Detail, spec(Section::Detail).bold, spec(Section::Detail).italic);
+    m_groupFont = fontIndex(Section::Group, spec(Section::Group).bold, spec(Section::Group).italic);
+    m_totalFont = fontIndex(Section::Total, spec(Section::Total).bold, spec(Section::Total).italic);
+    m_footerFont = fontIndex(Section::Footer, spec(Section::Footer).bold, spec(Section::Footer).italic);
+    m_runningFont = fontIndex(Section::Footer, false, true);
+    m_titleLine = font(m_titleFont).size * 1.35f;
+    m_headerLine = font(m_headerFont).size * 1.5f;
+    m_detailLine = font(m_detailFont).size * 1.3f;
+    m_groupLine = font(m_groupFont).size * 1.3f + 3;
+    m_totalLine = font(m_totalFont).size * 1.3f + 4;
+    m_footerLine = font(m_footerFont).size * 1.4f;
+
+    m_pageWidth = m_options.landscape ? A4Height : A4Width;
+    m_pageHeight = m_options.landscape ? A4Width : A4Height;
+    m_left = marginPoints(m_options.margins.left);
+    m_right = m_pageWidth - marginPoints(m_options.margins.right);
+    m_top = marginPoints(m_options.margins.top);
+    m_bottom = m_pageHeight - marginPoints(m_options.margins.bottom);
+    m_bodyBottom = m_bottom - m_footerLine - 4;
+    if (m_right - m_left < 72 || m_bodyBottom - m_top < 144)
+        throw ReportError(QStringLiteral("Raportin %1 reunukset ovat niin leveät, ettei sivulle jää tilaa. "
+                                         "Pienennä reunuksia asetuksista.")
+                              .arg(m_definition.name));
+
+    double weights = 0;
+    for (const ReportColumn& c : m_definition.columns)
+        weights += c.width;
+    double x = m_left;
+    for (const ReportColumn& c : m_definition.columns) {
+        const int field = m_data->fieldIndex(c.field);
+        if (field < 0)
+            throw ReportError(QStringLiteral("Raportin %1 saraketta %2 ei ole sen tiedoissa.")
+                                  .arg(m_definition.name, c.field));
+        m_columnField.push_back(field);
+        m_columnLeft.push_back(float(x));
+        x += (m_right - m_left) * c.width / weights;
+        m_columnRight.push_back(float(x));
+    }
+    for (const ReportGroup& g : m_definition.groups) {
+        const int field = m_data->fieldIndex(g.field);
+        if (field < 0)
+            throw ReportError(QStringLiteral("Raportin %1 ryhmän kenttää %2 ei ole sen tiedoissa.")
+                                  .arg(m_definition.name, g.field));
+        m_groupField.push_back(field);
+        expand(g.header, -1);
+        expand(g.totalCaption, -1);
+    }
+    for (const QString& line : m_definition.title) {
+        const QString text = expand(line, -1).trimmed();
+        if (!text.isEmpty())
+            m_titleLines.append(text);
+    }
+    expand(m_definition.grandTotal, -1);
+    m_runningTitle = title();
+
+    buildItems();
+    paginate();
+}
+
+quint8 ReportDocument::fontIndex(Section section, bool bold, bool italic)
+{
+    const FontSpec& spec = m_options.fonts[size_t(section)];
+    const PageFont f { SectionFonts::family(spec.face), bold, italic, float(spec.size) };
+    const auto it = std::find(m_fonts.begin(), m_fonts.end(), f);
+    if (it != m_fonts.end())
+        return quint8(it - m_fonts.begin());
+    m_fonts.push_back(f);
+    return quint8(m_fonts.size() - 1);
+}
+
+QString ReportDocument::expand(const QString& text, int row) const
+{
+    QString out;
+    qsizetype last = 0;
+    QRegularExpressionMatchIterator it = placeholder().globalMatch(text);
+    while (it.hasNext()) {
+        const QRegularExpressionMatch m = it.next();
+        out += text.mid(last, m.capturedStart() - last);
+        last = m.capturedEnd();
+        const QString name = m.captured(1).trimmed();
+        const QString formula = m_definition.formulaName(name);
+        if (!formula.isEmpty()) {
+            out += m_options.formulas.value(formula, m_definition.formulas.value(formula));
+        } else if (name.compare(QLatin1String("Jakso"), Qt::CaseInsensitive) == 0) {
+            out += m_options.period;
+        } else if (const int field = m_data->fieldIndex(name); field >= 0) {
+            if (row >= 0)
+                out += m_data->display(row, field);
+        } else {
+            throw ReportError(
+                QStringLiteral("Raportin %1 tekstissä \"%2\" on tuntematon kaava tai kenttä {%3}.")
+                    .arg(m_definition.name, text, name));
+        }
+    }
+    out += text.mid(last);
+    return out;
+}
+
+QString ReportDocument::title() const { return m_titleLines.mid(0, 2).join(QStringLiteral(" - ")); }
+
+void ReportDocument::buildItems()
+{
+    const int rows = m_data->rowCount();
+    const int columns = int(m_definition.columns.size());
+    const int levels = int(m_groupField.size());
+    std::vector<int> totalColumns;
+    for (int c = 0; c < columns; ++c)
+        if (m_definition.columns[c].total)
+            totalColumns.push_back(c);
+    std::vector<qint64> grand(size_t(columns), 0);
+    std::vector<std::vector<qint64>> open(size_t(levels), std::vector<qint64>(size_t(columns), 0));
+    std::vector<int> openRow(size_t(levels), 0);
+    m_items.reserve(size_t(rows) + 2);
+
+    const auto close = [&](int level) {
+        for (int k = levels - 1; k >= level; --k) {
+            if (m_definition.groups[k].totalCaption.isEmpty())
+                continue;
+            m_totals.push_back(open[size_t(k)]);
+            m_totalRows.push_back(openRow[size_t(k)]);
+            m_items.push_back({ Kind::GroupTotal, quint8(k), qint32(m_totals.size() - 1) });
+        }
+    };
+    std::vector<QString> keys(static_cast<size_t>(levels), QString());
+    for (int r = 0; r < rows; ++r) {
+        int changed = levels;
+        for (int k = 0; k < levels; ++k) {
+            const QString key = m_data->display(r, m_groupField[size_t(k)]);
+            if (r == 0 || (changed == levels && key != keys[size_t(k)]))
+                changed = std::min(changed, k);
+            keys[size_t(k)] = key;
+        }
+        if (r > 0 && changed < levels)
+            close(changed);
+        for (int k = changed; k < levels; ++k) {
+            std::fill(open[size_t(k)].begin(), open[size_t(k)].end(), 0);
+            openRow[size_t(k)] = r;
+            m_items.push_back({ Kind::GroupHeader, quint8(k), r });
+        }
+        m_items.push_back({ Kind::Detail, 0, r });
+        for (const int c : totalColumns) {
+            const qint64 v = m_data->number(r, m_columnField[size_t(c)]);
+            grand[size_t(c)] += v;
+            for (int k = 0; k < levels; ++k)
+                open[size_t(k)][size_t(c)] += v;
+        }
+    }
+    if (rows > 0)
+        close(0);
+    else
+        m_items.push_back({ Kind::Empty, 0, 0 });
+    if (!m_definition.grandTotal.isEmpty() && !totalColumns.empty()) {
+        m_totals.push_back(grand);
+        m_totalRows.push_back(-1);
+        m_items.push_back({ Kind::GrandTotal, 0, qint32(m_totals.size() - 1) });
+    }
+}
+
+float ReportDocument::height(const Item& item) const
+{
+    switch (item.kind) {
+    case Kind::GroupHeader:
+        return m_groupLine;
+    case Kind::Detail:
+    case Kind::Empty:
+        return m_detailLine;
+    case Kind::GroupTotal:
+        return m_totalLine;
+    case Kind::GrandTotal:
+        return m_totalLine + 4;
+    }
+    return m_detailLine;
+}
+
+float ReportDocument::firstBodyTop() const
+{
+    return m_top + float(m_titleLines.size()) * m_titleLine + 6 + m_headerLine + 3;
+}
+
+float ReportDocument::otherBodyTop() const { return m_top + m_footerLine + 4 + m_headerLine + 3; }
+
+void ReportDocument::paginate()
+{
+    m_pageStarts.push_back(0);
+    float top = firstBodyTop();
+    float y = top;
+    for (size_t i = 0; i < m_items.size(); ++i) {
+        const float h = height(m_items[i]);
+        // A group header is not left alone at the foot of a page.
+        const float need = h + (m_items[i].kind == Kind::GroupHeader ? m_detailLine : 0);
+        if (y + need > m_bodyBottom && y > top) {
+            m_pageStarts.push_back(int(i));
+            top = otherBodyTop();
+            y = top;
+        }
+        y += h;
+    }
+}
+
+void ReportDocument::addText(ReportPage& page, float x, float y, quint8 f, const QByteArray& text) const
+{
+    const quint32 offset = quint32(page.text.size());
+    page.text.append(text);
+    page.text.append('\0');
+    page.runs.push_back({ x, y, offset, quint32(text.size()), f, quint8(CellAlign::Left) });
+}
+
+void ReportDocument::placeCell(ReportPage& page, int column, float y, quint8 f, quint32 offset) const
+{
+    // The cell's text was appended to page.text at `offset`; it is cut to the column and aligned.
+    const PageFont& pf = font(f);
+    const float available = m_columnRight[size_t(column)] - m_columnLeft[size_t(column)] - 2 * m_padding;
+    quint32 length = quint32(page.text.size()) - offset;
+    float w = TextMetrics::width(pf, page.text.constData() + offset, length);
+    if (w > available) {
+        const float ellipsis = TextMetrics::width(pf, &Ellipsis, 1);
+        while (length > 0 && w + ellipsis > available) {
+            --length;
+            w = TextMetrics::width(pf, page.text.constData() + offset, length);
+        }
+        page.text.resize(offset + length);
+        page.text.append(Ellipsis);
+        ++length;
+        w += ellipsis;
+    }
+    page.text.append('\0');
+    const CellAlign align = m_definition.columns[column].align;
+    float x = m_columnLeft[size_t(column)] + m_padding;
+    if (align == CellAlign::Right)
+        x = m_columnRight[size_t(column)] - m_padding - w;
+    else if (align == CellAlign::Center)
+        x = (m_columnLeft[size_t(column)] + m_columnRight[size_t(column)] - w) / 2;
+    page.runs.push_back({ x, y, offset, length, f, quint8(align) });
+}
+
+void ReportDocument::addCell(ReportPage& page, int column, float y, quint8 f, const QByteArray& text) const
+{
+    const quint32 offset = quint32(page.text.size());
+    page.text.append(text);
+    placeCell(page, column, y, f, offset);
+}
+
+void ReportDocument::addTotals(ReportPage& page, float top, float line, quint8 f, int block,
+    const QString& caption, bool columnRules) const
+{
+    const std::vector<qint64>& sums = m_totals[size_t(block)];
+    const float y = baseline(top, line);
+    bool captionPlaced = false;
+    for (int c = 0; c < int(m_definition.columns.size()); ++c) {
+        const ReportColumn& column = m_definition.columns[c];
+        if (column.total) {
+            QByteArray text;
+            ReportData::appendNumber(text, sums[size_t(c)], column.format);
+            addCell(page, c, y, f, text);
+            if (columnRules)
+                page.rules.push_back({ m_columnLeft[size_t(c)] + m_padding, top + 1.5f,
+                    m_columnRight[size_t(c)] - m_padding, top + 1.5f, 0.5f });
+        } else if (!captionPlaced && !caption.isEmpty()) {
+            addCell(page, c, y, f, WinAnsi::fromUnicode(caption));
+            captionPlaced = true;
+        }
+    }
+}
+
+ReportPage ReportDocument::page(int index) const
+{
+    ReportPage page;
+    if (index < 0 || index >= pageCount())
+        return page;
+    const int first = m_pageStarts[size_t(index)];
+    const int end = index + 1 < pageCount() ? m_pageStarts[size_t(index) + 1] : int(m_items.size());
+    page.runs.reserve(size_t(end - first) * m_definition.columns.size() + 16);
+    page.text.reserve((end - first) * 16 * qsizetype(m_definition.columns.size()) + 256);
+
+    float y = m_top;
+    if (index == 0) {
+        for (const QString& line : m_titleLines) {
+            addText(page, m_left, baseline(y, m_titleLine), m_titleFont, WinAnsi::fromUnicode(line));
+            y += m_titleLine;
+        }
+        y += 6;
+    } else {
+        addText(page, m_left, baseline(y, m_footerLine), m_runningFont, WinAnsi::fromUnicode(m_runningTitle));
+        y += m_footerLine + 4;
+    }
+    for (int c = 0; c < int(m_definition.columns.size()); ++c)
+        addCell(page, c, baseline(y, m_headerLine), m_headerFont,
+            WinAnsi::fromUnicode(m_definition.columns[c].caption));
+    y += m_headerLine;
+    page.rules.push_back({ m_left, y + 1, m_right, y + 1, 0.75f });
+    y += 3;
+
+    const int columns = int(m_definition.columns.size());
+    for (int i = first; i < end; ++i) {
+        const Item& item = m_items[size_t(i)];
+        const float h = height(item);
+        switch (item.kind) {
+        case Kind::Detail: {
+            const float b = baseline(y, h);
+            for (int c = 0; c < columns; ++c) {
+                const quint32 offset = quint32(page.text.size());
+                m_data->appendDisplay(page.text, item.index, m_columnField[size_t(c)]);
+                if (quint32(page.text.size()) > offset)
+                    placeCell(page, c, b, m_detailFont, offset);
+            }
+            break;
+        }
+        case Kind::GroupHeader:
+            addText(page, m_left + m_padding, baseline(y + 3, h - 3), m_groupFont,
+                WinAnsi::fromUnicode(expand(m_definition.groups[item.level].header, item.index)));
+            break;
+        case Kind::GroupTotal:
+            addTotals(page, y, h - 2, m_totalFont, item.index,
+                expand(m_definition.groups[item.level].totalCaption, m_totalRows[size_t(item.index)]), true);
+            break;
+        case Kind::GrandTotal:
+            page.rules.push_back({ m_left, y + 1, m_right, y + 1, 0.75f });
+            addTotals(page, y + 2, m_totalLine - 2, m_totalFont, item.index,
+                expand(m_definition.grandTotal, -1), false);
+            page.rules.push_back({ m_left, y + h - 2.5f, m_right, y + h - 2.5f, 0.5f });
+            page.rules.push_back({ m_left, y + h - 1, m_right, y + h - 1, 0.5f });
+            break;
+        case Kind::Empty:
+            addText(page, m_left + m_padding, baseline(y, h), m_detailFont,
+                WinAnsi::fromUnicode(QStringLiteral("Raportissa ei ole rivejä.")));
+            break;
+        }
+        y += h;
+    }
+
+    const float footerTop = m_bottom - m_footerLine;
+    page.rules.push_back({ m_left, footerTop - 2, m_right, footerTop - 2, 0.5f });
+    const float fb = baseline(footerTop, m_footerLine);
+    addText(page, m_left, fb, m_footerFont,
+        WinAnsi::fromUnicode(QStringLiteral("Tulostettu ") + Dates::format(m_options.printDate)));
+    const QByteArray pageNumber
+        = "Sivu " + QByteArray::number(index + 1) + " / " + QByteArray::number(pageCount());
+    const float w = TextMetrics::width(font(m_footerFont), pageNumber);
+    addText(page, m_right - w, fb, m_footerFont, pageNumber);
+    page.runs.back().align = quint8(CellAlign::Right);
+    return page;
+}
+
+std::vector<ReportDocument::TableRow> ReportDocument::tableRows() const
+{
+    std::vector<TableRow> rows;
+    rows.reserve(m_items.size());
+    const int columns = int(m_definition.columns.size());
+    const auto totals = [&](RowKind kind, int block, const QString& caption) {
+        TableRow row { kind, QVariantList(columns) };
+        bool captionPlaced = false;
+        for (int c = 0; c < columns; ++c) {
+            const ReportColumn& column = m_definition.columns[c];
+            const qint64 sum = m_totals[size_t(block)][size_t(c)];
+            if (column.total)
+                row.cells[c] = column.format == CellFormat::Money
+                    ? QVariant(double(std::llround(double(sum) / 100.0)) / 100.0)
+                    : QVariant(sum);
+            else if (!captionPlaced) {
+                row.cells[c] = caption;
+                captionPlaced = true;
+            }
+        }
+        rows.push_back(row);
+    };
+    for (const Item& item : m_items) {
+        switch (item.kind) {
+        case Kind::Detail: {
+            TableRow row { RowKind::Detail, QVariantList(columns) };
+            for (int c = 0; c < columns; ++c)
+                row.cells[c] = m_data->value(item.index, m_columnField[size_t(c)]);
+            rows.push_back(row);
+            break;
+        }
+        case Kind::GroupHeader: {
+            TableRow row { RowKind::GroupHeader, QVariantList(columns) };
+            row.cells[0] = expand(m_definition.groups[item.level].header, item.index);
+            rows.push_back(row);
+            break;
+        }
+        case Kind::GroupTotal:
+            totals(RowKind::GroupTotal, item.index,
+                expand(m_definition.groups[item.level].totalCaption, m_totalRows[size_t(item.index)]));
+            break;
+        case Kind::GrandTotal:
+            totals(RowKind::GrandTotal, item.index, expand(m_definition.grandTotal, -1));
+            break;
+        case Kind::Empty:
+            break;
+        }
+    }
+    return rows;
+}
+
+QString ReportDocument::pageRunTexts(int index) const
+{
+    const ReportPage p = page(index);
+    QStringList lines;
+    for (const TextRun& run : p.runs)
+        lines.append(p.runText(run));
+    return lines.join(u'\n');
+}
+
+QString ReportDocument::pageText(int index, double pointsPerChar) const
+{
+    const ReportPage p = page(index);
+    // Text lines by baseline and rules by height, in order down the page.
+    std::map<int, std::vector<const TextRun*>> lines;
+    for (const TextRun& run : p.runs)
+        lines[int(std::lround(run.y * 10))].push_back(&run);
+    std::multimap<int, QString> out;
+    const int width = int(std::ceil(m_pageWidth / pointsPerChar)) + 1;
+    for (auto& [y, runs] : lines) {
+        std::sort(runs.begin(), runs.end(), [](const TextRun* a, const TextRun* b) { return a->x < b->x; });
+        QString line(width, u' ');
+        int used = 0;
+        for (const TextRun* run : runs) {
+            const QString text = p.runText(*run);
+            int col = int(std::lround(run->x / pointsPerChar));
+            if (run->align == quint8(CellAlign::Right)) {
+                const float w = TextMetrics::width(font(run->font), p.runBytes(*run), run->length);
+                col = int(std::lround((run->x + w) / pointsPerChar)) - int(text.size());
+            }
+            col = std::max(col, used == 0 ? 0 : used + 1);
+            if (col + text.size() > line.size())
+                line.resize(col + text.size(), u' ');
+            line.replace(col, text.size(), text);
+            used = col + int(text.size());
+        }
+        // Amounts group their thousands with a no-break space; a plain one reads the same here.
+        line.replace(QChar(0x00A0), u' ');
+        while (!line.isEmpty() && line.back() == u' ')
+            line.chop(1);
+        out.emplace(y, line);
+    }
+    // Rules at one height share a line.
+    std::map<int, QString> rules;
+    for (const PageRule& rule : p.rules) {
+        const int from = int(std::lround(rule.x1 / pointsPerChar));
+        const int to = std::max(from + 1, int(std::lround(rule.x2 / pointsPerChar)));
+        QString& line = rules[int(std::lround(rule.y1 * 10))];
+        if (line.size() < to)
+            line.resize(to, u' ');
+        line.replace(from, to - from, QString(to - from, u'-'));
+    }
+    for (const auto& [y, line] : rules)
+        out.emplace(y, line);
+    QStringList text;
+    for (const auto& [y, line] : out)
+        text.append(line);
+    return text.join(u'\n') + u'\n';
+}

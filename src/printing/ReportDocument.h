@@ -1,0 +1,108 @@
+#pragma once
+
+#include "PageModel.h"
+#include "ProgramSettings.h"
+#include "ReportData.h"
+#include "ReportDefinition.h"
+
+#include <QDate>
+#include <QMap>
+#include <QSizeF>
+#include <memory>
+#include <vector>
+
+// What the layout needs besides the definition and the rows.
+struct LayoutOptions {
+    SectionFontTable fonts; // the definition's fonts with the settings' section fonts applied
+    ReportMargins margins; // twips; 0 takes the layout's own 15 mm
+    bool landscape = false;
+    QDate printDate = QDate::currentDate();
+    QMap<QString, QString> formulas; // by the definition's names
+    QString period; // "1.1.2011 - 31.12.2011", or empty
+};
+
+// A laid-out report: pages of positioned text runs and rules on A4. The page breaks are
+// computed at once (a cheap pass over row heights); the runs of a page are made only when the
+// page is asked for, so the first page of a long report shows at once and a PDF writer goes
+// through thousands of pages without holding them all.
+class ReportDocument final {
+public:
+    ReportDocument(
+        ReportDefinition definition, std::shared_ptr<const ReportData> data, LayoutOptions options);
+
+    int pageCount() const { return int(m_pageStarts.size()); }
+    QSizeF pageSize() const { return { m_pageWidth, m_pageHeight }; }
+    bool landscape() const { return m_options.landscape; }
+    const std::vector<PageFont>& fonts() const { return m_fonts; }
+    ReportPage page(int index) const;
+
+    const ReportDefinition& definition() const { return m_definition; }
+    const ReportData& data() const { return *m_data; }
+    // The title lines as printed on the first page ("Esimerkkiyhdistys ry", "Tilien saldot").
+    const QStringList& titleLines() const { return m_titleLines; }
+    // "Esimerkkiyhdistys ry - Tilien saldot": for the window caption, the PDF and spreadsheets.
+    QString title() const;
+
+    // The rows as a spreadsheet gets them, in printing order: group headers, detail rows, group
+    // and grand totals. Each cell is a number, a date, a text or null.
+    enum class RowKind { GroupHeader, Detail, GroupTotal, GrandTotal };
+    struct TableRow {
+        RowKind kind;
+        QVariantList cells; // one per column
+    };
+    std::vector<TableRow> tableRows() const;
+
+    // The page as text on a character grid, with rules drawn as dashes: for tests and golden
+    // files. One character stands for `pointsPerChar` points across.
+    QString pageText(int index, double pointsPerChar = 4.5) const;
+    // The runs' texts in drawing order, one per line.
+    QString pageRunTexts(int index) const;
+
+private:
+    enum class Kind : quint8 { GroupHeader, Detail, GroupTotal, GrandTotal, Empty };
+    struct Item {
+        Kind kind;
+        quint8 level; // group level
+        qint32 index; // row, or block of totals
+    };
+
+    void buildItems();
+    void paginate();
+    float height(const Item& item) const;
+    QString expand(const QString& text, int row) const;
+    quint8 fontIndex(Section section, bool bold, bool italic);
+    const PageFont& font(quint8 index) const { return m_fonts[index]; }
+    float firstBodyTop() const;
+    float otherBodyTop() const;
+    void addText(ReportPage& page, float x, float y, quint8 font, const QByteArray& text) const;
+    void placeCell(ReportPage& page, int column, float y, quint8 font, quint32 offset) const;
+    void addCell(ReportPage& page, int column, float y, quint8 font, const QByteArray& text) const;
+    void addTotals(ReportPage& page, float top, float line, quint8 font, int block, const QString& caption,
+        bool columnRules) const;
+
+    ReportDefinition m_definition;
+    std::shared_ptr<const ReportData> m_data;
+    LayoutOptions m_options;
+    std::vector<PageFont> m_fonts;
+    QStringList m_titleLines;
+    QString m_runningTitle;
+
+    std::vector<Item> m_items;
+    std::vector<std::vector<qint64>> m_totals; // per totals block, one sum per column
+    std::vector<int> m_totalRows; // first row of each block's group; -1 for the grand total
+    std::vector<int> m_columnField; // data field of each column
+    std::vector<int> m_groupField;
+    std::vector<int> m_pageStarts; // first item of each page
+
+    // Geometry in points.
+    float m_pageWidth = 0, m_pageHeight = 0;
+    float m_left = 0, m_right = 0, m_top = 0, m_bottom = 0;
+    float m_bodyBottom = 0;
+    std::vector<float> m_columnLeft, m_columnRight;
+    float m_padding = 3;
+    // Font indexes of the sections.
+    quint8 m_titleFont = 0, m_headerFont = 0, m_detailFont = 0, m_groupFont = 0, m_totalFont = 0,
+           m_footerFont = 0, m_runningFont = 0;
+    float m_titleLine = 0, m_headerLine = 0, m_detailLine = 0, m_groupLine = 0, m_totalLine = 0,
+          m_footerLine = 0;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "ReportJob.h"
+
+#include <QSqlDatabase>
+
+class QWidget;
+class ReportDocument;
+
+// Runs a report for a window: the print options, the layout under a progress bar that can be
+// cancelled, then the preview window or the printer. Every failure is told to the user in
+// Finnish through Dialogs; nothing is thrown to the caller.
+namespace ReportRunner {
+
+// Shows frmTulostus and, unless it is cancelled, runs the report to the chosen destination.
+void print(QWidget* parent, const QSqlDatabase& db, ReportJob job);
+// Runs the report to job.destination with job.copies, without asking.
+void run(QWidget* parent, const QSqlDatabase& db, const ReportJob& job);
+
+// Prints a laid-out report on the printer chosen with cTulostin (or the default one), in the
+// report's orientation. False when there is no printer or the user cancelled.
+bool printDocument(QWidget* parent, const ReportDocument& document, int copies);
+// Writes a PDF with a progress bar; throws ReportError or ReportCancelled.
+void writePdf(QWidget* parent, const ReportDocument& document, const QString& path);
+
+} // namespace ReportRunner

@@ -1,0 +1,31 @@
+# Sources of the printing subsystem (report engine, print options, date dialogs), relative to src/.
+set(VORKAM_PRINTING_CORE
+  printing/OutputFile.cpp
+  printing/PagePainter.cpp
+  printing/PdfWriter.cpp
+  printing/PeriodCheck.cpp
+  printing/PrintOptions.cpp
+  printing/ReportData.cpp
+  printing/ReportDefinition.cpp
+  printing/ReportDocument.cpp
+  printing/ReportEngine.cpp
+  printing/ReportExport.cpp
+  printing/ReportFormulas.cpp
+  printing/SectionFonts.cpp
+  printing/SelectionFormula.cpp
+  printing/TextMetrics.cpp
+  printing/WinAnsi.cpp
+)
+set(VORKAM_PRINTING_UI
+  printing/DateFields.cpp
+  printing/ReportPageView.cpp
+  printing/ReportRunner.cpp
+  printing/frmDates.cpp
+  printing/frmDates.ui
+  printing/frmDates2.cpp
+  printing/frmDates2.ui
+  printing/frmDates3.cpp
+  printing/frmEsikatselu.cpp
+  printing/frmTulostus.cpp
+  printing/frmTulostus.ui
+)

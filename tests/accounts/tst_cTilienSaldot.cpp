@@ -1,0 +1,205 @@
+#include "AccountsFixture.h"
+#include "Golden.h"
+#include "ReportEngine.h"
+#include "TiliRaportit.h"
+#include "cTilienSaldo.h"
+#include "cTilienSaldot.h"
+
+#include <QFile>
+
+namespace {
+
+// An entry of a voucher; `tosite` 0 makes a voucher of its own for it.
+struct Entry {
+    const char* tyyppi;
+    const char* arvo;
+    bool avaus = false;
+    bool automaatti = false;
+    bool paatos = false;
+    bool orpo = false; // its voucher row is missing
+};
+
+class Books final {
+public:
+    Books()
+    {
+        ProgramSettings::bookkeeping().Seurannimi = QStringLiteral("Kylätalon kannatusyhdistys ry");
+        for (const char* rpt : { "tilisald.rpt", "tilit.rpt", "tilikart.rpt" })
+            QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/") + QLatin1String(rpt),
+                f.env.programDir() + u'/' + QLatin1String(rpt));
+    }
+
+    void add(qint32 tlID, const Entry& e)
+    {
+        const int toID = f.exec(QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (1, "
+                                               "'2011-05-01', 'x')"))
+                             .lastInsertId()
+                             .toInt();
+        f.exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite, viAvausvienti, "
+                              "viPaatosvienti, viAutomaatti) VALUES (?, ?, ?, ?, 'x', ?, ?, ?)"),
+            { e.orpo ? toID + 1000 : toID, tlID, QString::fromLatin1(e.tyyppi), euros(e.arvo).raw(),
+                e.avaus ? 1 : 0, e.paatos ? 1 : 0, e.automaatti ? 1 : 0 });
+    }
+
+    QString page(const ReportJob& source, int index = 0)
+    {
+        ReportJob job = source;
+        job.printDate = QDate(2011, 12, 31);
+        return ReportEngine::run(f.db(), job)->pageText(index);
+    }
+
+    AccountsFixture f;
+};
+
+QString row(const cTilienSaldot::Rivi& r)
+{
+    return QStringLiteral("%1 | %2 | %3 | %4")
+        .arg(r.tili, r.debet.toString(), r.kredit.toString(), r.erotus.toString())
+        .replace(QChar(0x00A0), u' ');
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(std::vector<Entry>)
+
+class tst_cTilienSaldot final : public QObject {
+    Q_OBJECT
+
+private slots:
+    void balances_data()
+    {
+        QTest::addColumn<std::vector<Entry>>("entries");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("debit and credit") << std::vector<Entry> { { "D", "200" }, { "K", "50" } }
+                                          << "1910 Pankkitili | 200,00 | 50,00 | 150,00";
+        QTest::newRow("credits only: negative") << std::vector<Entry> { { "K", "120,5" }, { "K", "0,5" } }
+                                                << "1910 Pankkitili | 0,00 | 121,00 | -121,00";
+        QTest::newRow("automatic entry left out") << std::vector<Entry> { { "D", "30" },
+            { "D", "99", false, true } } << "1910 Pankkitili | 30,00 | 0,00 | 30,00";
+        QTest::newRow("opening and closing entries counted") << std::vector<Entry> { { "D", "500", true },
+            { "K", "20", false, false, true } } << "1910 Pankkitili | 500,00 | 20,00 | 480,00";
+        QTest::newRow("entry without its voucher not counted") << std::vector<Entry> { { "D", "10" },
+            { "D", "77", false, false, false, true } } << "1910 Pankkitili | 10,00 | 0,00 | 10,00";
+        QTest::newRow("other and empty types add nothing") << std::vector<Entry> { { "X", "5" }, { "", "6" },
+            { "d", "7" }, { "K", "1" } } << "1910 Pankkitili | 0,00 | 1,00 | -1,00";
+        QTest::newRow("no entries") << std::vector<Entry> {} << "1910 Pankkitili | 0,00 | 0,00 | 0,00";
+    }
+    void balances()
+    {
+        QFETCH(std::vector<Entry>, entries);
+        QFETCH(QString, expected);
+        Books b;
+        const qint32 tili = b.f.tili(1910, QStringLiteral("Pankkitili"));
+        for (const Entry& e : entries)
+            b.add(tili, e);
+        cTilienSaldot saldot(b.f.db());
+        saldot.Laske();
+        QCOMPARE(saldot.rivit().size(), size_t(1));
+        QCOMPARE(row(saldot.rivit().front()), expected);
+        // The work table holds what the window shows.
+        cTilienSaldo stored(b.f.db());
+        QVERIFY(stored.Read(saldot.rivit().front().id));
+        QCOMPARE(stored.Tili(), saldot.rivit().front().tili);
+        QCOMPARE(stored.Erotus(), saldot.rivit().front().erotus);
+    }
+
+    // Every account gets a row in number order, a rerun replaces the rows, and the totals add up.
+    void everyAccountInNumberOrder()
+    {
+        Books b;
+        const qint32 kassa = b.f.tili(1900, QStringLiteral("Kassa"));
+        b.f.tili(3000, QVariant());
+        const qint32 pankki = b.f.tili(1910, QStringLiteral("Pankkitili"));
+        b.f.tili(950, QStringLiteral("Väliaikainen"));
+        b.add(kassa, { "D", "12,34" });
+        b.add(pankki, { "K", "12,34" });
+        b.add(pankki, { "D", "1000" });
+        cTilienSaldot saldot(b.f.db());
+        saldot.Laske();
+        saldot.Laske();
+        QCOMPARE(b.f.value(QStringLiteral("SELECT COUNT(*) FROM tlSaldot")).toInt(), 4);
+        QStringList rows;
+        qint32 lastId = 0;
+        for (const auto& r : saldot.rivit()) {
+            rows.append(row(r));
+            QVERIFY(r.id > lastId);
+            lastId = r.id;
+        }
+        QCOMPARE(rows,
+            (QStringList { "950 Väliaikainen | 0,00 | 0,00 | 0,00", "1900 Kassa | 12,34 | 0,00 | 12,34",
+                "1910 Pankkitili | 1 000,00 | 12,34 | 987,66", "3000  | 0,00 | 0,00 | 0,00" }));
+        QCOMPARE(saldot.debetSumma(), euros("1012,34"));
+        QCOMPARE(saldot.kreditSumma(), euros("12,34"));
+        QCOMPARE(saldot.erotusSumma(), euros("1000"));
+        saldot.Tyhjenna();
+        QCOMPARE(b.f.value(QStringLiteral("SELECT COUNT(*) FROM tlSaldot")).toInt(), 0);
+    }
+
+    // A failure while writing leaves the rows of the previous computation.
+    void failureLeavesTheTable()
+    {
+        Books b;
+        b.f.tili(1900, QStringLiteral("Kassa"));
+        b.f.tili(1910, QStringLiteral("Pankkitili"));
+        cTilienSaldot saldot(b.f.db());
+        saldot.Laske();
+        b.f.exec(QStringLiteral("CREATE TRIGGER full BEFORE INSERT ON tlSaldot WHEN NEW.Tili LIKE '1910%' "
+                                "BEGIN SELECT RAISE(ABORT, 'disk full'); END"));
+        QVERIFY_THROWS_EXCEPTION(DatabaseError, saldot.Laske());
+        QCOMPARE(b.f.value(QStringLiteral("SELECT GROUP_CONCAT(Tili, ',') FROM tlSaldot")).toString(),
+            QStringLiteral("1900 Kassa,1910 Pankkitili"));
+        QCOMPARE(saldot.rivit().size(), size_t(2));
+    }
+
+    void balancesReport()
+    {
+        Books b;
+        const qint32 pankki = b.f.tili(1910, QStringLiteral("Pankkitili"));
+        const qint32 maksut = b.f.tili(3000, QStringLiteral("Jäsenmaksut"));
+        const qint32 vuokra = b.f.tili(4200, QStringLiteral("Tilavuokrat"));
+        b.add(pankki, { "D", "1234,5" });
+        b.add(maksut, { "K", "1234,5" });
+        b.add(vuokra, { "D", "200" });
+        b.add(pankki, { "K", "50" });
+        b.add(vuokra, { "K", "50" });
+        b.add(vuokra, { "D", "99", false, true });
+        cTilienSaldot(b.f.db()).Laske();
+        VERIFY_GOLDEN(QStringLiteral("tilisald"), b.page(TiliRaportit::tilienSaldot()));
+    }
+
+    // A chart longer than a page: the heads and the page numbers on both pages.
+    void balancesReportOnTwoPages()
+    {
+        Books b;
+        for (int i = 0; i < 70; ++i) {
+            const qint32 tili = b.f.tili(1000 + i * 100, QStringLiteral("Tili numero %1").arg(i + 1));
+            b.add(tili, { i % 2 ? "D" : "K", "1,01" });
+        }
+        cTilienSaldot(b.f.db()).Laske();
+        const auto doc = ReportEngine::run(b.f.db(), TiliRaportit::tilienSaldot());
+        QCOMPARE(doc->pageCount(), 2);
+        VERIFY_GOLDEN(QStringLiteral("tilisald_sivu1"), b.page(TiliRaportit::tilienSaldot(), 0));
+        VERIFY_GOLDEN(QStringLiteral("tilisald_sivu2"), b.page(TiliRaportit::tilienSaldot(), 1));
+    }
+
+    void chartReports()
+    {
+        Books b;
+        const qint32 pankki
+            = b.f.tili(1910, QStringLiteral("Pankkitili"), QStringLiteral("Yhdistyksen käyttötili"));
+        const qint32 maksut = b.f.tili(3000, QStringLiteral("Jäsenmaksut"));
+        b.f.tili(4200, QStringLiteral("Tilavuokrat"), QStringLiteral("Kerhohuone ja juhlasali"));
+        b.f.tili(950, QStringLiteral("Selvittelytili"));
+        b.f.exec(QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi) VALUES (1, 'Tuloslaskelma', 1), "
+                                "(2, 'Tase', 2)"));
+        b.f.exec(QStringLiteral(
+                     "INSERT INTO mr (mrmaID, mrTeksti, mrTilit) VALUES (1, 'Varsinaisen toiminnan tuotot', "
+                     "?), (2, 'Rahat ja pankkisaamiset', ?), (2, 'Ei tätä', '')"),
+            { QStringLiteral("%1,").arg(maksut), QStringLiteral("5,%1,").arg(pankki) });
+        VERIFY_GOLDEN(QStringLiteral("tilit"), b.page(TiliRaportit::tililuettelo()));
+        VERIFY_GOLDEN(QStringLiteral("tilikart"), b.page(TiliRaportit::tilikartta(b.f.db(), 1, 2)));
+    }
+};
+
+QTEST_MAIN(tst_cTilienSaldot)
+#include "tst_cTilienSaldot.moc"

@@ -1,0 +1,232 @@
+#include "Dates.h"
+#include "PrintOptions.h"
+#include "ProgramSettings.h"
+#include "ScriptedDialogs.h"
+#include "TestEnv.h"
+#include "frmDates.h"
+#include "frmDates2.h"
+#include "frmDates3.h"
+#include "frmTulostus.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+
+namespace {
+
+const QString Question
+    = QStringLiteral("Antamasi kopiomäärä on virheellinen. Haluatko tulostaa yhden kopion?");
+
+template <typename T> T* child(QWidget& w, const char* name)
+{
+    T* c = w.findChild<T*>(QString::fromLatin1(name));
+    if (!c)
+        qFatal("no %s", name);
+    return c;
+}
+
+} // namespace
+
+class tst_PrintDialogs final : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        PrintOptions::current() = PrintValues();
+        ProgramSettings::bookkeeping().TilikausiAlku = QDate(2011, 1, 1);
+        ProgramSettings::bookkeeping().TilikausiLoppu = QDate(2011, 12, 31);
+    }
+
+    void copies_data()
+    {
+        QTest::addColumn<int>("destination");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("answer"); // "", "yes", "no"
+        QTest::addColumn<bool>("accepted");
+        QTest::addColumn<int>("copies");
+        QTest::newRow("printer, 3") << 1 << " 3 "
+                                    << "" << true << 3;
+        QTest::newRow("window, 2") << 0 << "2"
+                                   << "" << true << 2;
+        QTest::newRow("window, abc: one copy without a question") << 0 << "abc"
+                                                                  << "" << true << 1;
+        QTest::newRow("printer, abc, Yes: one copy") << 1 << "abc"
+                                                     << "yes" << true << 1;
+        QTest::newRow("printer, abc, No: the dialog stays") << 1 << "abc"
+                                                            << "no" << false << 7;
+        QTest::newRow("printer, 0 is no number of copies") << 1 << "0"
+                                                           << "yes" << true << 1;
+        QTest::newRow("printer, empty") << 1 << ""
+                                        << "no" << false << 7;
+    }
+    void copies()
+    {
+        QFETCH(int, destination);
+        QFETCH(QString, text);
+        QFETCH(QString, answer);
+        QFETCH(bool, accepted);
+        QFETCH(int, copies);
+        ScriptedDialogs dialogs;
+        if (answer == u"yes")
+            dialogs.answerYes();
+        else if (answer == u"no")
+            dialogs.answerNo();
+        PrintOptions::current().copies = 7;
+        frmTulostus w;
+        w.show();
+        QCOMPARE(w.windowTitle(), QStringLiteral("Vorkam - Tulostusasetukset"));
+        auto* laite = child<QComboBox>(w, "cmbTulostusLaite");
+        QCOMPARE(laite->currentText(), QStringLiteral("Tulostin"));
+        QCOMPARE(child<QLineEdit>(w, "tKopioita")->text(), QStringLiteral("7"));
+        laite->setCurrentIndex(destination);
+        child<QLineEdit>(w, "tKopioita")->setText(text);
+        PrintOptions::current().cancelled = true;
+        child<QPushButton>(w, "cTulosta")->click();
+        QCOMPARE(w.result() == QDialog::Accepted, accepted);
+        QCOMPARE(w.isVisible(), !accepted);
+        QCOMPARE(PrintOptions::current().copies, copies);
+        QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Question),
+            answer.isEmpty() ? QStringList() : QStringList { Question });
+        QVERIFY(dialogs.failures().isEmpty());
+        if (accepted) {
+            QCOMPARE(int(PrintOptions::current().destination), destination);
+            QVERIFY(!PrintOptions::current().cancelled);
+        } else {
+            QVERIFY(child<QLineEdit>(w, "tKopioita")->hasFocus() || !QApplication::focusWidget());
+        }
+    }
+
+    void cancel()
+    {
+        frmTulostus w;
+        child<QPushButton>(w, "cPeruTulostus")->click();
+        QVERIFY(PrintOptions::current().cancelled);
+        QCOMPARE(w.result(), int(QDialog::Rejected));
+    }
+
+    // Both fields against both ends of the fiscal year, in each of the three dialogs.
+    void dates_data()
+    {
+        QTest::addColumn<int>("dialog");
+        QTest::addColumn<QString>("alku");
+        QTest::addColumn<QString>("loppu");
+        QTest::addColumn<QString>("message");
+        for (int d = 1; d <= 3; ++d) {
+            const QByteArray n = "frmDates" + (d == 1 ? QByteArray() : QByteArray::number(d)) + ": ";
+            QTest::newRow(n + "the whole year") << d << "1.1.2011"
+                                                << "31.12.2011"
+                                                << "";
+            QTest::newRow(n + "start on the last day") << d << "31.12.2011"
+                                                       << "31.12.2011"
+                                                       << "";
+            QTest::newRow(n + "start a day before the year")
+                << d << "31.12.2010"
+                << "31.12.2011"
+                << "Alkupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011";
+            QTest::newRow(n + "start a day after the year")
+                << d << "1.1.2012"
+                << "1.1.2012"
+                << "Alkupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011";
+            QTest::newRow(n + "end a day after the year")
+                << d << "1.1.2011"
+                << "1.1.2012"
+                << "Loppupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011";
+            QTest::newRow(n + "start not a date") << d << "31.2.2011"
+                                                  << "31.12.2011"
+                                                  << "Anna alkupäivämäärä päivämäärämuodossa!";
+            QTest::newRow(n + "end not a date") << d << "1.1.2011"
+                                                << "joulukuu"
+                                                << "Anna loppupäivämäärä päivämäärämuodossa!";
+            QTest::newRow(n + "start after end") << d << "2.2.2011"
+                                                 << "1.2.2011"
+                                                 << "Alkupäivämäärä on loppupäivämäärän jälkeen.";
+        }
+    }
+    void dates()
+    {
+        QFETCH(int, dialog);
+        QFETCH(QString, alku);
+        QFETCH(QString, loppu);
+        QFETCH(QString, message);
+        ScriptedDialogs dialogs;
+        std::unique_ptr<QDialog> w;
+        if (dialog == 1)
+            w = std::make_unique<frmDates>();
+        else if (dialog == 2)
+            w = std::make_unique<frmDates2>();
+        else
+            w = std::make_unique<frmDates3>();
+        w->show();
+        QCOMPARE(w->windowTitle(), QStringLiteral("Vorkam - Päivämäärät"));
+        auto* tAlku = child<QLineEdit>(*w, "tAlkupvm");
+        auto* tLoppu = child<QLineEdit>(*w, "tLoppupvm");
+        // The fiscal year until a period is chosen.
+        QCOMPARE(tAlku->text(), QStringLiteral("1.1.2011"));
+        QCOMPARE(tLoppu->text(), QStringLiteral("31.12.2011"));
+        if (dialog > 1)
+            QCOMPARE(child<QPushButton>(*w, "cSeuraava")->text(), QStringLiteral("&Seuraava -->"));
+        tAlku->setText(alku);
+        tLoppu->setText(loppu);
+        child<QPushButton>(*w, "cSeuraava")->click();
+        QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Information),
+            message.isEmpty() ? QStringList() : QStringList { message });
+        QCOMPARE(w->result() == QDialog::Accepted, message.isEmpty());
+        if (message.isEmpty()) {
+            QCOMPARE(PrintOptions::periodStart(), Dates::parse(alku));
+            QCOMPARE(PrintOptions::periodEnd(), Dates::parse(loppu));
+            // Remembered for the next dialog of the session.
+            frmDates2 next;
+            QCOMPARE(child<QLineEdit>(next, "tAlkupvm")->text(), Dates::format(Dates::parse(alku)));
+        } else {
+            QVERIFY(!PrintOptions::current().alkupvm.isValid());
+        }
+    }
+
+    // Leaving a field checks it at once; going to Peru does not.
+    void leavingAField()
+    {
+        ScriptedDialogs dialogs;
+        frmDates2 w;
+        w.show();
+        QApplication::setActiveWindow(&w);
+        auto* tAlku = child<QLineEdit>(w, "tAlkupvm");
+        tAlku->setFocus();
+        tAlku->setText(QStringLiteral("5.13.2011"));
+        child<QLineEdit>(w, "tLoppupvm")->setFocus();
+        QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Information),
+            QStringList { QStringLiteral("Anna alkupäivämäärä päivämäärämuodossa!") });
+        QVERIFY(tAlku->hasFocus());
+        tAlku->setText(QStringLiteral("5.9.11"));
+        child<QLineEdit>(w, "tLoppupvm")->setFocus();
+        QCOMPARE(tAlku->text(), QStringLiteral("5.9.2011"));
+        tAlku->setFocus();
+        tAlku->setText(QStringLiteral("x"));
+        dialogs.clear();
+        child<QPushButton>(w, "cPeru")->setFocus();
+        child<QPushButton>(w, "cPeru")->click();
+        QVERIFY(dialogs.shown().isEmpty());
+        QVERIFY(PrintOptions::current().cancelled);
+    }
+
+    void statementOptions()
+    {
+        ScriptedDialogs dialogs;
+        frmDates w;
+        child<QCheckBox>(w, "chkTiliErottelu")->setChecked(true);
+        child<QRadioButton>(w, "optSuppea")->setChecked(true);
+        child<QPushButton>(w, "cSeuraava")->click();
+        QVERIFY(PrintOptions::current().tiliErottelu);
+        QVERIFY(!PrintOptions::current().vainRyhmat);
+        QVERIFY(!PrintOptions::current().laaja);
+        frmDates again;
+        QVERIFY(child<QRadioButton>(again, "optSuppea")->isChecked());
+        QVERIFY(child<QCheckBox>(again, "chkTiliErottelu")->isChecked());
+    }
+};
+
+QTEST_MAIN(tst_PrintDialogs)
+#include "tst_PrintDialogs.moc"

@@ -1,0 +1,417 @@
+#include "DBC.h"
+#include "Golden.h"
+#include "Money.h"
+#include "OutputFile.h"
+#include "PdfWriter.h"
+#include "ProgramSettings.h"
+#include "ReportDocument.h"
+#include "ReportEngine.h"
+#include "ReportError.h"
+#include "ReportExport.h"
+#include "Schema.h"
+#include "TestEnv.h"
+#include "TextMetrics.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSqlQuery>
+#include <QTest>
+#include <QXmlStreamReader>
+
+namespace {
+
+// A grouped report of amounts: a text, a date and two money columns with totals.
+const QByteArray Grouped = R"({
+  "query": { "select": "SELECT 1" },
+  "formulas": { "Seurannimi": "", "Otsake": "Kokeilu" },
+  "title": ["{Seurannimi}", "{Otsake}", "{Jakso}"],
+  "columns": [
+    { "field": "Selite", "caption": "Selite", "width": 4 },
+    { "field": "Paiva", "caption": "Päivä", "width": 1.5, "format": "date" },
+    { "field": "Debet", "caption": "Debet", "width": 2, "format": "money", "total": true },
+    { "field": "Kredit", "caption": "Kredit", "width": 2, "format": "money", "total": true } ],
+  "groups": [ { "field": "Ryhma", "header": "Ryhmä {Ryhma}", "totalCaption": "Yhteensä {Ryhma}" } ],
+  "grandTotal": "Kaikki yhteensä" })";
+
+std::shared_ptr<ReportData> rows(int count, int perGroup)
+{
+    auto data = std::make_shared<ReportData>(
+        std::vector<ReportData::Field> { { "Selite", CellFormat::Text }, { "Paiva", CellFormat::Date },
+            { "Debet", CellFormat::Money }, { "Kredit", CellFormat::Money }, { "Ryhma", CellFormat::Text } });
+    for (int r = 0; r < count; ++r) {
+        data->appendRow();
+        data->setText(r, 0, QStringLiteral("Äänestys ja €-maksu %1").arg(r + 1));
+        data->setValue(r, 1, QStringLiteral("2011-09-%1").arg(r % 28 + 1, 2, 10, QChar(u'0')));
+        data->setNumber(r, r % 2 == 0 ? 2 : 3, Money::fromCents(12345 * (r + 1)).raw());
+        data->setText(r, 4, QString::number(r / perGroup + 1));
+    }
+    return data;
+}
+
+std::unique_ptr<ReportDocument> document(int count, int perGroup, LayoutOptions o = {})
+{
+    ReportDefinition d = ReportDefinition::parse(Grouped, QStringLiteral("kokeilu.rpt"));
+    if (o.fonts[0].face == FontSpec().face && o.fonts[0].size == FontSpec().size)
+        o.fonts = d.fonts;
+    o.printDate = QDate(2011, 12, 31);
+    o.formulas.insert(QStringLiteral("Seurannimi"), QStringLiteral("Åkerlundin ystävät ry"));
+    o.period = QStringLiteral("1.1.2011 - 31.12.2011");
+    return std::make_unique<ReportDocument>(std::move(d), rows(count, perGroup), std::move(o));
+}
+
+// Words as any reader sees them: a no-break space separates too.
+QStringList words(const QString& text)
+{
+    return QString(text).replace(QChar(0x00A0), u' ').simplified().split(u' ', Qt::SkipEmptyParts);
+}
+
+QString run(const QString& program, const QStringList& args)
+{
+    QProcess p;
+    p.start(program, args);
+    p.waitForFinished(60000);
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+} // namespace
+
+class tst_ReportLayout final : public QObject {
+    Q_OBJECT
+
+private slots:
+    void definitionErrors_data()
+    {
+        QTest::addColumn<QByteArray>("rpt");
+        QTest::addColumn<QStringList>("formulas");
+        QTest::addColumn<QString>("selection");
+        QTest::addColumn<QString>("message");
+        const QByteArray ok
+            = R"({ "query": { "select": "SELECT tlNumero AS Numero FROM tl", "tables": ["tl"] },
+            "formulas": { "Otsake": "" }, "title": ["{Otsake}"],
+            "columns": [ { "field": "Numero", "format": "integer" } ] })";
+        const QStringList none;
+        QTest::newRow("missing") << QByteArray("<missing>") << none << ""
+                                 << "Raporttia kokeilu.rpt ei löydy kansiosta";
+        QTest::newRow("empty") << QByteArray(" \n") << none << ""
+                               << "Raportin kokeilu.rpt määrittely on tyhjä.";
+        QTest::newRow("not JSON") << QByteArray("{ \"query\": ") << none << ""
+                                  << "Raportin kokeilu.rpt määrittely on virheellinen";
+        QTest::newRow("a list") << QByteArray("[]") << none << ""
+                                << "määrittely ei ole JSON-olio";
+        QTest::newRow("no query") << QByteArray(R"({ "columns": [ { "field": "x" } ] })") << none << ""
+                                  << "Kohta \"query\" ei ole JSON-olio";
+        QTest::newRow("not a SELECT")
+            << QByteArray(R"({ "query": { "select": "DELETE FROM tl" }, "columns": [ { "field": "x" } ] })")
+            << none << ""
+            << "kyselyn tulee alkaa sanalla SELECT";
+        QTest::newRow("no columns") << QByteArray(R"({ "query": { "select": "SELECT 1" }, "columns": [] })")
+                                    << none << ""
+                                    << "sarakkeita (\"columns\") ei ole";
+        QTest::newRow("unknown format") << QByteArray(ok).replace("integer", "euro") << none << ""
+                                        << "kohdan \"format\" arvoa \"euro\" ei tunneta";
+        QTest::newRow("total of a text")
+            << QByteArray(ok).replace(R"("format": "integer")", R"("format": "text", "total": true)") << none
+            << ""
+            << "vain rahamäärä- ja kokonaislukusarakkeet";
+        QTest::newRow("formula the report lacks") << ok << QStringList { "Foo= 'x'" } << ""
+                                                  << "Raportissa kokeilu.rpt ei ole kaavaa Foo.";
+        QTest::newRow("malformed formula") << ok << QStringList { "Otsake 'x'" } << ""
+                                           << "kaava \"Otsake 'x'\" ei ole muotoa Nimi= 'teksti'";
+        QTest::newRow("unknown name in the title")
+            << QByteArray(ok).replace("{Otsake}", "{Puuttuu}") << none << ""
+            << "tuntematon kaava tai kenttä {Puuttuu}";
+        QTest::newRow("selection on an unknown field")
+            << ok << none << "{tl.eiOle} = 1"
+            << "Raportin kokeilu.rpt valintakaavaa ei voi käyttää: Kenttää {tl.eiOle}";
+        QTest::newRow("selection on a table the report lacks")
+            << ok << none << "{vi.viArvo} = 1"
+            << "Kenttää {vi.viArvo} ei ole raportin tiedoissa";
+        QTest::newRow("column the query lacks")
+            << QByteArray(ok).replace(R"("field": "Numero")", R"("field": "Nimi")") << none << ""
+            << "Raportin kokeilu.rpt kenttää Nimi ei ole sen kyselyssä";
+        QTest::newRow("a parameter not handed")
+            << QByteArray(ok).replace(R"("tables")", R"("parameters": ["id"], "tables")") << none << ""
+            << "Raportille kokeilu.rpt ei annettu tietoa id.";
+        QTest::newRow("query the database refuses")
+            << QByteArray(ok).replace("FROM tl", "FROM eiTaulua") << none << ""
+            << "Raportin kokeilu.rpt tietoja ei voitu lukea.";
+    }
+    void definitionErrors()
+    {
+        QFETCH(QByteArray, rpt);
+        QFETCH(QStringList, formulas);
+        QFETCH(QString, selection);
+        QFETCH(QString, message);
+        TestEnv env;
+        const QString file = env.path(QStringLiteral("kirjat.mdb"));
+        withDatabase(
+            file, [](QSqlDatabase& db) { Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok; });
+        ProgramSettings::installation().Database = file;
+        if (rpt != "<missing>")
+            QVERIFY(TestEnv::writeFile(env.programDir() + QStringLiteral("/kokeilu.rpt"), rpt));
+        ReportJob job;
+        job.reportFile = QStringLiteral("kokeilu.rpt");
+        job.formulas = formulas;
+        job.selectionFormula = selection;
+        try {
+            ReportEngine::run(DBC::instance().AvaaDB(), job);
+            QFAIL("the report ran");
+        } catch (const ReportError& e) {
+            QVERIFY2(e.text().contains(message), qPrintable(e.text()));
+        }
+    }
+
+    // The selection and sort fields reach the database and pick and order the rows.
+    void selectionAndSort()
+    {
+        TestEnv env;
+        const QString file = env.path(QStringLiteral("kirjat.mdb"));
+        withDatabase(file, [](QSqlDatabase& db) {
+            Schema::createCoreTables(db);
+            Schema::UpdateDatabase(db);
+            QSqlQuery q(db);
+            for (int n : { 1910, 2000, 2250, 2290, 3000 })
+                q.exec(QStringLiteral("INSERT INTO tl (tlNumero, tlNimi) VALUES (%1, 'Tili %1')").arg(n));
+        });
+        ProgramSettings::installation().Database = file;
+        QVERIFY(TestEnv::writeFile(env.programDir() + QStringLiteral("/tilit.rpt"),
+            R"({ "query": { "select": "SELECT tlNumero AS Numero FROM tl", "orderBy": "tlID", "tables": ["tl"] },
+                 "columns": [ { "field": "Numero", "format": "integer" } ] })"));
+        ReportJob job;
+        job.reportFile = QStringLiteral("tilit.rpt");
+        job.selectionFormula
+            = QStringLiteral("{tl.tlNumero} >= 2000 AND NOT ({tl.tlNumero} = 2250 OR {tl.tlNumero} > 2999)");
+        job.sortFields = { QStringLiteral("-{tl.tlNumero}") };
+        const auto doc = ReportEngine::run(DBC::instance().AvaaDB(), job);
+        QStringList numbers;
+        for (const auto& row : doc->tableRows())
+            numbers.append(row.cells.at(0).toString());
+        QCOMPARE(numbers, (QStringList { "2290", "2000" }));
+    }
+
+    // Page breaks: every page repeats the column heads, says which page of how many it is, and
+    // a group header never stands alone at the foot of a page; totals add up per group.
+    void pages()
+    {
+        const auto doc = document(150, 40);
+        QVERIFY(doc->pageCount() >= 3);
+        for (int i = 0; i < doc->pageCount(); ++i) {
+            const QStringList lines = doc->pageText(i).split(u'\n');
+            QVERIFY(std::any_of(lines.begin(), lines.end(), [](const QString& l) {
+                return words(l) == QStringList({ "Selite", "Päivä", "Debet", "Kredit" });
+            }));
+            QCOMPARE(words(lines.at(lines.size() - 2)),
+                (QStringList { "Tulostettu", "31.12.2011", "Sivu", QString::number(i + 1), "/",
+                    QString::number(doc->pageCount()) }));
+            const ReportPage page = doc->page(i);
+            const QString last = page.runText(page.runs.at(page.runs.size() - 3));
+            QVERIFY2(!last.startsWith(QStringLiteral("Ryhmä")), qPrintable(last));
+        }
+        QVERIFY(doc->pageText(0).contains(QStringLiteral("Åkerlundin ystävät ry")));
+        QVERIFY(!doc->pageText(1).contains(QLatin1String("\nKokeilu\n")));
+        QVERIFY(doc->pageText(1).trimmed().startsWith(QStringLiteral("Åkerlundin ystävät ry - Kokeilu")));
+
+        // Group 1 holds rows 1–40: debits of the odd rows, credits of the even ones.
+        qint64 debet = 0, kredit = 0;
+        for (int r = 0; r < 40; ++r)
+            (r % 2 == 0 ? debet : kredit) += 12345 * (r + 1);
+        const auto table = doc->tableRows();
+        const auto total = std::find_if(table.begin(), table.end(),
+            [](const auto& row) { return row.kind == ReportDocument::RowKind::GroupTotal; });
+        QVERIFY(total != table.end());
+        QCOMPARE(total->cells.at(0).toString(), QStringLiteral("Yhteensä 1"));
+        QCOMPARE(total->cells.at(2).toDouble(), double(debet) / 100);
+        QCOMPARE(total->cells.at(3).toDouble(), double(kredit) / 100);
+        QCOMPARE(table.back().kind, ReportDocument::RowKind::GrandTotal);
+    }
+
+    void goldenPage() { VERIFY_GOLDEN(QStringLiteral("layout_ryhmat"), document(7, 4)->pageText(0)); }
+
+    void emptyReport()
+    {
+        const auto doc = document(0, 1);
+        QCOMPARE(doc->pageCount(), 1);
+        QVERIFY(doc->pageText(0).contains(QStringLiteral("Raportissa ei ole rivejä.")));
+        QVERIFY(doc->pageText(0).contains(QStringLiteral("Kaikki yhteensä")));
+    }
+
+    void marginsAndOrientation_data()
+    {
+        QTest::addColumn<int>("margVas");
+        QTest::addColumn<int>("margYla");
+        QTest::addColumn<bool>("landscape");
+        QTest::addColumn<double>("left");
+        QTest::addColumn<double>("width");
+        QTest::newRow("margins from the settings") << 10 << 20 << false << 24.0 << 595.276;
+        QTest::newRow("landscape") << 30 << 1 << true << 72.0 << 841.89;
+        QTest::newRow("no margin set: 15 mm") << 0 << 0 << false << 42.52 << 595.276;
+    }
+    void marginsAndOrientation()
+    {
+        // The settings' margin units are 48 twips, 2.4 points.
+        QFETCH(int, margVas);
+        QFETCH(int, margYla);
+        QFETCH(bool, landscape);
+        QFETCH(double, left);
+        QFETCH(double, width);
+        LayoutOptions o;
+        o.margins = { margYla * 48, 0, margVas * 48, 0 };
+        o.landscape = landscape;
+        const auto doc = document(3, 5, o);
+        QVERIFY(qAbs(doc->pageSize().width() - width) < 0.01);
+        const ReportPage page = doc->page(0);
+        QVERIFY(qAbs(page.runs.front().x - left) < 0.01);
+        const double top = o.margins.top > 0 ? o.margins.top / 20.0 : 42.52;
+        QVERIFY(page.runs.front().y > top && page.runs.front().y < top + 16);
+    }
+
+    // The layout measures with the Liberation fonts; the PDF prints with the standard fonts.
+    // They must agree, or amounts would not line up in the PDF.
+    void metricsAgree()
+    {
+        const QByteArray text = WinAnsi::fromUnicode(QStringLiteral("Äänestys Åke € 1 234,50 – öljy"));
+        for (const FontFamily family : { FontFamily::Serif, FontFamily::Sans, FontFamily::Mono }) {
+            for (const bool bold : { false, true }) {
+                const auto& liberation = TextMetrics::table(family, bold, false);
+                const auto pdf = TextMetrics::pdfTable(family, bold, false);
+                float a = 0, b = 0;
+                for (const char c : text) {
+                    a += liberation[static_cast<unsigned char>(c)];
+                    b += pdf[static_cast<unsigned char>(c)];
+                }
+                QVERIFY2(
+                    b > 5 && qAbs(a - b) / b < 0.01, qPrintable(QStringLiteral("%1 / %2").arg(a).arg(b)));
+            }
+        }
+    }
+
+    void moneyFormatMatchesMoney_data()
+    {
+        QTest::addColumn<qint64>("raw");
+        for (const qint64 raw :
+            { 0LL, 4999LL, 5000LL, -5000LL, -4999LL, 1234500LL, 12345678901LL, -9999995000LL })
+            QTest::newRow(qPrintable(QString::number(raw))) << raw;
+    }
+    void moneyFormatMatchesMoney()
+    {
+        QFETCH(qint64, raw);
+        QCOMPARE(ReportData::formatNumber(raw, CellFormat::Money), Money::fromRaw(raw).toString());
+    }
+
+    // What the PDF holds, read back by another program, is the page model's text.
+    void pdfText()
+    {
+        TestEnv env;
+        const auto doc = document(70, 30);
+        QVERIFY(doc->pageCount() >= 2);
+        const QString pdf = env.path(QStringLiteral("raportti.pdf"));
+        PdfWriter::write(*doc, pdf);
+        const QString text = run(QStringLiteral("pdftotext"), { "-raw", "-enc", "UTF-8", pdf, "-" });
+        const QStringList pages = text.split(u'\f');
+        QVERIFY(pages.size() >= doc->pageCount());
+        for (int i = 0; i < doc->pageCount(); ++i) {
+            QCOMPARE(words(pages.at(i)), words(doc->pageRunTexts(i)));
+        }
+        QVERIFY(text.contains(QStringLiteral("Äänestys ja €-maksu 1 ")));
+        QVERIFY(text.contains(QStringLiteral("Åkerlundin ystävät ry")));
+    }
+
+    // CSV and XLSX of one report hold the same numbers, dates and texts.
+    void csvAndXlsxAgree()
+    {
+        TestEnv env;
+        const auto doc = document(9, 4);
+        const QString csv = env.path(QStringLiteral("r.csv"));
+        const QString xlsx = env.path(QStringLiteral("r.xlsx"));
+        ReportExport::writeCsv(*doc, csv);
+        ReportExport::writeXlsx(*doc, xlsx);
+
+        const QByteArray csvBytes = TestEnv::readFile(csv);
+        QVERIFY(csvBytes.startsWith("\xEF\xBB\xBF"));
+        const QStringList csvLines
+            = QString::fromUtf8(csvBytes.mid(3)).split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+        QCOMPARE(csvLines.at(0), QStringLiteral("Åkerlundin ystävät ry - Kokeilu"));
+        QCOMPARE(csvLines.at(1), QStringLiteral("Selite;Päivä;Debet;Kredit"));
+        QCOMPARE(csvLines.at(2), QStringLiteral("Ryhmä 1;;;"));
+        QCOMPARE(csvLines.at(3), QStringLiteral("Äänestys ja €-maksu 1;1.9.2011;123,45;"));
+        QCOMPARE(csvLines.last(), QStringLiteral("Kaikki yhteensä;;3086,25;2469,00"));
+
+        // The sheet: shared strings, and cells by reference.
+        const QByteArray strings
+            = run(QStringLiteral("unzip"), { "-p", xlsx, "xl/sharedStrings.xml" }).toUtf8();
+        const QByteArray sheet
+            = run(QStringLiteral("unzip"), { "-p", xlsx, "xl/worksheets/sheet1.xml" }).toUtf8();
+        QStringList shared;
+        QXmlStreamReader s(strings);
+        while (!s.atEnd())
+            if (s.readNext() == QXmlStreamReader::StartElement && s.name() == u"t")
+                shared.append(s.readElementText());
+        QMap<QString, QString> cells;
+        QXmlStreamReader x(sheet);
+        QString ref, type;
+        while (!x.atEnd()) {
+            x.readNext();
+            if (x.isStartElement() && x.name() == u"c") {
+                ref = x.attributes().value("r").toString();
+                type = x.attributes().value("t").toString();
+            } else if (x.isStartElement() && x.name() == u"v") {
+                const QString v = x.readElementText();
+                cells.insert(ref, type == u"s" ? shared.value(v.toInt()) : v);
+            }
+        }
+        QCOMPARE(cells.value("A1"), QStringLiteral("Åkerlundin ystävät ry - Kokeilu"));
+        QCOMPARE(cells.value("B3"), QStringLiteral("Päivä"));
+        // Row 5 is the first detail row (title, blank, heads, group header): date as a serial day.
+        QCOMPARE(cells.value("A5"), QStringLiteral("Äänestys ja €-maksu 1"));
+        QCOMPARE(cells.value("B5"), QStringLiteral("40787"));
+        for (int line = 3; line < csvLines.size(); ++line) {
+            const QStringList c = csvLines.at(line).split(u';');
+            for (int col = 2; col < 4; ++col) {
+                const QString ref2 = QString(QChar(u'A' + col)) + QString::number(line + 2);
+                QCOMPARE(cells.value(ref2).toDouble(), QString(c.at(col)).replace(u',', u'.').toDouble());
+            }
+        }
+    }
+
+    // A file is written whole or not at all, and an old file stays until a new one is whole.
+    void outputFailures()
+    {
+        TestEnv env;
+        const auto doc = document(120, 50);
+        try {
+            PdfWriter::write(*doc, env.path(QStringLiteral("eiKansiota/r.pdf")));
+            QFAIL("written into a missing folder");
+        } catch (const ReportError& e) {
+            QVERIFY2(e.text().contains(QLatin1String("ei voitu kirjoittaa: kansiota")), qPrintable(e.text()));
+        }
+
+        const QString old = env.path(QStringLiteral("r.pdf"));
+        QVERIFY(TestEnv::writeFile(old, "vanha"));
+        QVERIFY_THROWS_EXCEPTION(
+            ReportCancelled, PdfWriter::write(*doc, old, [](int page, int) { return page < 2; }));
+        QCOMPARE(TestEnv::readFile(old), QByteArray("vanha"));
+        QCOMPARE(QDir(env.path(QString())).entryList(QDir::Files | QDir::Hidden), QStringList { "r.pdf" });
+
+        QString locked = env.path(QStringLiteral("lukittu"));
+        QDir().mkpath(locked);
+        QFile::setPermissions(locked, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+        // The superuser writes into read-only folders; nobody creates files in /proc.
+        QFile probe(locked + QStringLiteral("/x"));
+        if (probe.open(QIODevice::WriteOnly)) {
+            probe.remove();
+            locked = QStringLiteral("/proc");
+        }
+        for (const auto& write : { +[](const ReportDocument&d, const QString&p) { PdfWriter::write(d, p); },
+                 +[](const ReportDocument&d, const QString&p) { ReportExport::writeCsv(d, p); },
+                 +[](const ReportDocument&d, const QString&p) { ReportExport::writeXlsx(d, p); } })
+            QVERIFY_THROWS_EXCEPTION(ReportError, write(*doc, locked + QStringLiteral("/r.out")));
+        QFile::setPermissions(env.path(QStringLiteral("lukittu")),
+            QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        QVERIFY(QDir(env.path(QStringLiteral("lukittu"))).isEmpty());
+    }
+};
+
+QTEST_MAIN(tst_ReportLayout)
+#include "tst_ReportLayout.moc"

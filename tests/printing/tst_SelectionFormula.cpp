@@ -1,0 +1,269 @@
+#include "ReportError.h"
+#include "ReportFormulas.h"
+#include "SectionFonts.h"
+#include "SelectionFormula.h"
+
+#include <QDate>
+#include <QTest>
+
+namespace {
+
+// The tables and fields of the journal and ledger printouts; viArvo holds money.
+std::optional<FormulaField> resolve(const QString& table, const QString& field)
+{
+    static const QStringList known
+        = { "to.toPvm", "to.toNumero", "to.toAvaustosite", "to.toPaatostosite", "vi.viAvausvienti",
+              "vi.viPaatosvienti", "vi.viArvo", "tl.tlPrint", "tl.tlID", "tl.tlNumero", "vi.viSelite" };
+    if (!known.contains(table + u'.' + field))
+        return std::nullopt;
+    return FormulaField { u'"' + table + QStringLiteral("\".\"") + field + u'"', field == u"viArvo" };
+}
+
+QString show(const QVariantList& values)
+{
+    QStringList parts;
+    for (const QVariant& v : values)
+        parts.append(v.toString());
+    return parts.join(u'|');
+}
+
+} // namespace
+
+class tst_SelectionFormula final : public QObject {
+    Q_OBJECT
+
+private slots:
+    void toSql_data()
+    {
+        QTest::addColumn<QString>("formula");
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<QString>("values");
+        QTest::newRow("journal, ordinary vouchers")
+            << "({to.toPvm} <= Date(2011,12,31) AND {to.toPvm} >= Date(2011,1,1)) AND {to.toNumero} >= 0 AND "
+               "{to.toAvaustosite} = False AND {to.toPaatostosite} = False"
+            << R"(("to"."toPvm" <= ? AND "to"."toPvm" >= ?) AND "to"."toNumero" >= ? AND ("to"."toAvaustosite" = 0) AND ("to"."toPaatostosite" = 0))"
+            << "2011-12-31|2011-01-01|0";
+        QTest::newRow("journal, opening vouchers")
+            << "{to.toPvm} >= Date(2011,1,1) AND {to.toPvm} <= Date(2011,12,31) AND {to.toNumero} >= 0 AND "
+               "{to.toAvaustosite} = True"
+            << R"("to"."toPvm" >= ? AND "to"."toPvm" <= ? AND "to"."toNumero" >= ? AND ("to"."toAvaustosite" <> 0))"
+            << "2011-01-01|2011-12-31|0";
+        QTest::newRow("ledger, opening entries with balance rows")
+            << "{tl.tlPrint} = True AND ({vi.viAvausvienti} = True AND ({to.toPvm} <= Date(2011,12,31) AND "
+               "{to.toPvm} >= Date(2011,1,1)) OR ({tl.tlID} > 0 AND {to.toNumero} < 0) AND "
+               "{to.toAvaustosite} = True)"
+            << R"(("tl"."tlPrint" <> 0) AND (("vi"."viAvausvienti" <> 0) AND ("to"."toPvm" <= ? AND "to"."toPvm" >= ?) OR ("tl"."tlID" > ? AND "to"."toNumero" < ?) AND ("to"."toAvaustosite" <> 0)))"
+            << "2011-12-31|2011-01-01|0|0";
+        QTest::newRow("keywords in any case, NOT, <> True")
+            << "not {to.toNumero} < 0 and {to.toPaatostosite} <> True or true"
+            << R"(NOT ("to"."toNumero" < ?) AND ("to"."toPaatostosite" = 0) OR 1 = 1)"
+            << "0";
+        QTest::newRow("a yes/no field alone, False alone") << "{tl.tlPrint} OR False"
+                                                           << R"(("tl"."tlPrint" <> 0) OR 1 = 0)"
+                                                           << "";
+        QTest::newRow("texts with quotes in both forms")
+            << "{vi.viSelite} = 'Matin ''kerho''' OR {vi.viSelite} <> \"x\""
+            << R"("vi"."viSelite" = ? OR "vi"."viSelite" <> ?)"
+            << "Matin 'kerho'|x";
+        QTest::newRow("money compared in euros, negative number")
+            << "{vi.viArvo} >= 12.5 AND {to.toNumero} >= -1"
+            << R"("vi"."viArvo" >= ? AND "to"."toNumero" >= ?)"
+            << "125000|-1";
+        QTest::newRow("literal on the left") << "0 <= {to.toNumero}"
+                                             << R"(? <= "to"."toNumero")"
+                                             << "0";
+        QTest::newRow("blank formula selects everything") << "   "
+                                                          << ""
+                                                          << "";
+    }
+    void toSql()
+    {
+        QFETCH(QString, formula);
+        QFETCH(QString, sql);
+        QFETCH(QString, values);
+        const SqlCondition c = SelectionFormula::toSql(formula, resolve);
+        QCOMPARE(c.sql, sql);
+        QCOMPARE(show(c.values), values);
+    }
+
+    void malformed_data()
+    {
+        QTest::addColumn<QString>("formula");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no such day") << "{to.toPvm} <= Date(2011,2,29)"
+                                     << "Date(2011,2,29) ei ole oikea päivä (kohta 15)";
+        QTest::newRow("Date with a text") << "{to.toPvm} <= Date(2011,'1',1)"
+                                          << "vuosi, kuukausi ja päivä numeroina";
+        QTest::newRow("ends after an operator") << "{to.toPvm} <="
+                                                << "päättyy kesken (kohta 14)";
+        QTest::newRow("ends after AND") << "{to.toNumero} >= 0 AND"
+                                        << "päättyy kesken";
+        QTest::newRow("open parenthesis") << "({to.toNumero} >= 0"
+                                          << "puuttuu loppusulje )";
+        QTest::newRow("extra parenthesis") << "{to.toNumero} >= 0)"
+                                           << "ylimääräistä tekstiä: ) (kohta 19)";
+        QTest::newRow("unknown table") << "{xx.toNumero} = 1"
+                                       << "Kenttää {xx.toNumero} ei ole raportin tiedoissa";
+        QTest::newRow("unknown field") << "{to.eiOle} = 1"
+                                       << "Kenttää {to.eiOle} ei ole";
+        QTest::newRow("field without table") << "{toPvm} = 1"
+                                             << "ei ole muotoa {taulu.kenttä}";
+        QTest::newRow("unclosed field") << "{to.toPvm = 1"
+                                        << "puuttuu loppusulje }";
+        QTest::newRow("function") << "Year({to.toPvm}) = 2011"
+                                  << "funktiota Year ei tueta";
+        QTest::newRow("unknown word") << "{to.toNumero} = Tosite"
+                                      << "sana, jota ei tunneta: Tosite";
+        QTest::newRow("XOR") << "{to.toNumero} = 1 XOR {to.toNumero} = 2"
+                             << "ylimääräistä tekstiä: XOR";
+        QTest::newRow("unknown character") << "{to.toNumero} # 1"
+                                           << "merkki, jota ei tunneta: #";
+        QTest::newRow("truth value ordered") << "{to.toAvaustosite} > True"
+                                             << "vain merkeillä = ja <>";
+        QTest::newRow("unclosed text") << "{vi.viSelite} = 'abc"
+                                       << "lainausmerkkiä vaille";
+        QTest::newRow("a number is no condition") << "5"
+                                                  << "puuttuu vertailu";
+        QTest::newRow("two decimal points") << "{vi.viArvo} > 1.2.3"
+                                            << "luku 1.2.3 on virheellinen";
+    }
+    void malformed()
+    {
+        QFETCH(QString, formula);
+        QFETCH(QString, message);
+        try {
+            SelectionFormula::toSql(formula, resolve);
+            QFAIL("the formula was accepted");
+        } catch (const ReportError& e) {
+            QVERIFY2(e.text().contains(message), qPrintable(e.text()));
+        }
+    }
+
+    void sortFields_data()
+    {
+        QTest::addColumn<QStringList>("fields");
+        QTest::addColumn<QString>("orderBy");
+        QTest::newRow("one ascending") << QStringList { "+{tl.tlNumero}" } << R"("tl"."tlNumero" ASC)";
+        QTest::newRow("ledger order, blanks allowed") << QStringList { " +{tl.tlNumero}",
+            "- { to.toNumero }" } << R"("tl"."tlNumero" ASC, "to"."toNumero" DESC)";
+        QTest::newRow("none") << QStringList() << "";
+        QTest::newRow("no sign") << QStringList { "{tl.tlNumero}" } << "ei ole muotoa +{taulu.kenttä}";
+        QTest::newRow("no braces") << QStringList { "+tl.tlNumero" } << "ei ole muotoa";
+        QTest::newRow("unknown field") << QStringList { "+{tl.tlEiOle}" } << "Kenttää {tl.tlEiOle} ei ole";
+    }
+    void sortFields()
+    {
+        QFETCH(QStringList, fields);
+        QFETCH(QString, orderBy);
+        QString result;
+        try {
+            result = SelectionFormula::orderBy(fields, resolve);
+        } catch (const ReportError& e) {
+            result = e.text();
+        }
+        QVERIFY2(orderBy.isEmpty() ? result.isEmpty() : result.contains(orderBy), qPrintable(result));
+    }
+
+    void namedFormula_data()
+    {
+        QTest::addColumn<QString>("formula");
+        QTest::addColumn<bool>("valid");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("value");
+        QTest::newRow("title") << "Otsake= 'Tilien saldot'" << true << "Otsake"
+                               << "Tilien saldot";
+        QTest::newRow("blank before =") << "LoppuPvm = '0512'" << true << "LoppuPvm"
+                                        << "0512";
+        QTest::newRow("empty text") << "Jakso= ''" << true << "Jakso"
+                                    << "";
+        QTest::newRow("doubled quotes") << "Seurannimi= 'Matin ''kerho'''" << true << "Seurannimi"
+                                        << "Matin 'kerho'";
+        QTest::newRow("quote not doubled") << "Seurannimi= 'O'Brienin ystävät ry'" << true << "Seurannimi"
+                                           << "O'Brienin ystävät ry";
+        QTest::newRow("colons in the text") << "Otsake= 'Kirjanpidon tase : 31.12.2011'" << true << "Otsake"
+                                            << "Kirjanpidon tase : 31.12.2011";
+        QTest::newRow("no =") << "Otsake 'x'" << false << ""
+                              << "";
+        QTest::newRow("no name") << "= 'x'" << false << ""
+                                 << "";
+        QTest::newRow("no quotes") << "Otsake= x" << false << ""
+                                   << "";
+        QTest::newRow("unclosed") << "Otsake= 'x" << false << ""
+                                  << "";
+        QTest::newRow("blank in the name") << "Ots ake= 'x'" << false << ""
+                                           << "";
+    }
+    void namedFormula()
+    {
+        QFETCH(QString, formula);
+        QFETCH(bool, valid);
+        QFETCH(QString, name);
+        QFETCH(QString, value);
+        const std::optional<ReportFormulas::Named> f = ReportFormulas::parse(formula);
+        QCOMPARE(f.has_value(), valid);
+        if (f) {
+            QCOMPARE(f->name, name);
+            QCOMPARE(f->value, value);
+        }
+    }
+
+    void fontSets_data()
+    {
+        QTest::addColumn<int>("set");
+        QTest::addColumn<QStringList>("entries");
+        QTest::newRow("set 1: sections separately")
+            << 1
+            << QStringList { "DETAIL;Arial;9;X;X;X;X", "TITLE;Arial;12;X;X;X;X", "HEADER;Arial;X;X;X;X;X",
+                   "GRNDTTL;Arial;9;X;X;X;X", "FOOTER;Arial;9;X;X;X;X" };
+        QTest::newRow("set 2: whole report, entries 3 and 4 empty")
+            << 2
+            << QStringList { "ALL;Arial;9;X;X;X;X", "TITLE;Arial;12;X;X;X;X", "HEADER;Arial;X;X;X;X;X", "",
+                   "" };
+    }
+    void fontSets()
+    {
+        QFETCH(int, set);
+        QFETCH(QStringList, entries);
+        QCOMPARE(SectionFonts::entries(set, QStringLiteral("Arial"), 9), entries);
+    }
+
+    void applyFonts()
+    {
+        SectionFontTable layout;
+        for (FontSpec& f : layout)
+            f = { QStringLiteral("Times New Roman"), 11, false, false };
+        layout[size_t(Section::Header)].bold = true;
+
+        SectionFontTable one = layout;
+        SectionFonts::apply(SectionFonts::entries(1, QStringLiteral("Courier New"), 8), one);
+        QCOMPARE(one[size_t(Section::Detail)], (FontSpec { "Courier New", 8, false, false }));
+        QCOMPARE(one[size_t(Section::Group)], (FontSpec { "Courier New", 8, false, false }));
+        QCOMPARE(one[size_t(Section::Title)], (FontSpec { "Courier New", 12, false, false }));
+        // The page header keeps the layout's size and its bold.
+        QCOMPARE(one[size_t(Section::Header)], (FontSpec { "Courier New", 11, true, false }));
+        QCOMPARE(one[size_t(Section::Total)].size, 8.0);
+        QCOMPARE(one[size_t(Section::Footer)].size, 8.0);
+
+        SectionFontTable two = layout;
+        SectionFonts::apply(SectionFonts::entries(2, QStringLiteral("Arial"), 9), two);
+        for (const Section s : { Section::Detail, Section::Group, Section::Total, Section::Footer })
+            QCOMPARE(two[size_t(s)], (FontSpec { "Arial", 9, false, false }));
+        QCOMPARE(two[size_t(Section::Title)].size, 12.0);
+        QCOMPARE(two[size_t(Section::Header)].size, 11.0);
+
+        for (const char* bad : { "DETAIL;Arial;9;X;X;X", "NOTHING;Arial;9;X;X;X;X",
+                 "DETAIL;Arial;iso;X;X;X;X", "DETAIL;Arial;9;X;2;X;X", "DETAIL;;9;X;X;X;X" }) {
+            SectionFontTable t = layout;
+            QVERIFY_THROWS_EXCEPTION(ReportError, SectionFonts::apply({ QString::fromUtf8(bad) }, t));
+        }
+        QCOMPARE(SectionFonts::family(QStringLiteral("Times New Roman")), FontFamily::Serif);
+        QCOMPARE(SectionFonts::family(QStringLiteral("Courier New")), FontFamily::Mono);
+        QCOMPARE(SectionFonts::family(QStringLiteral("DejaVu Sans Mono")), FontFamily::Mono);
+        QCOMPARE(SectionFonts::family(QStringLiteral("Liberation Serif")), FontFamily::Serif);
+        QCOMPARE(SectionFonts::family(QStringLiteral("Arial")), FontFamily::Sans);
+        QCOMPARE(SectionFonts::family(QStringLiteral("Verdana")), FontFamily::Sans);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_SelectionFormula)
+#include "tst_SelectionFormula.moc"

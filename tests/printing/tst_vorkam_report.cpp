@@ -1,0 +1,107 @@
+#include "TestEnv.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTest>
+
+namespace {
+
+struct Result {
+    int code = -1;
+    QString out;
+    QString err;
+};
+
+Result vorkamReport(const QStringList& args)
+{
+    QProcess p;
+    p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), args);
+    p.waitForFinished(120000);
+    return { p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+        QString::fromLocal8Bit(p.readAllStandardOutput()), QString::fromLocal8Bit(p.readAllStandardError()) };
+}
+
+QString pdfText(const QString& pdf)
+{
+    QProcess p;
+    p.start(QStringLiteral("pdftotext"), { "-layout", "-enc", "UTF-8", pdf, "-" });
+    p.waitForFinished(60000);
+    return QString::fromUtf8(p.readAllStandardOutput());
+}
+
+} // namespace
+
+class tst_vorkam_report final : public QObject {
+    Q_OBJECT
+
+private slots:
+    void demoToPdf()
+    {
+        TestEnv env;
+        const QString books = env.path(QStringLiteral("demo1.mdb"));
+        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
+        QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        const QString pdf = env.path(QStringLiteral("saldot.pdf"));
+        const Result r = vorkamReport({ books, "tilisald", "--pdf", pdf });
+        QVERIFY2(r.code == 0, qPrintable(r.err));
+        QVERIFY(r.out.contains(QStringLiteral("saldot.pdf (2 sivua)")));
+        const QString text = pdfText(pdf);
+        QVERIFY(text.contains(QStringLiteral("Esimerkkiyhdistys ry")));
+        QVERIFY(text.contains(QStringLiteral("Tilien saldot")));
+        QVERIFY(text.contains(QStringLiteral("Säästötili")));
+        QVERIFY(text.contains(QStringLiteral("Sivu 2 / 2")));
+
+        // The list of accounts needs no work table: a read-only book will do.
+        QFile::setPermissions(books, QFileDevice::ReadOwner);
+        const QString csv = env.path(QStringLiteral("tilit.csv"));
+        const Result list = vorkamReport({ books, "tilit", "--csv", csv });
+        QVERIFY2(list.code == 0, qPrintable(list.err));
+        QVERIFY(QString::fromUtf8(TestEnv::readFile(csv)).contains(QStringLiteral("1910;Pankkitili;")));
+    }
+
+    void refusals_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("message");
+        QByteArray jet(2048, '\0');
+        jet.replace(0, 19, QByteArray("\x00\x01\x00\x00Standard Jet DB", 19));
+        QTest::newRow("Jet file") << jet << QStringList { "tilit" } << 3 << "Jet-tietokanta";
+        QTest::newRow("text file") << QByteArray("Tämä on muistio, ei kirjanpito.\n")
+                                   << QStringList { "tilit" } << 3 << "ei ole Vorkamin kirjanpito";
+        QTest::newRow("unknown report")
+            << QByteArray() << QStringList { "paakirja" } << 2 << "Raporttia paakirja ei ole.";
+        QTest::newRow("option the report does not take")
+            << QByteArray() << QStringList { "tilit", "--account", "1910" } << 2
+            << "ei käytä valitsinta --account";
+        QTest::newRow("invalid date")
+            << QByteArray() << QStringList { "tilit", "--from", "31.2.2011", "--to", "1.3.2011" } << 2
+            << "Päivämäärä 31.2.2011 ei ole muotoa p.k.vvvv";
+        QTest::newRow("no output") << QByteArray() << QStringList { "tilit" } << 2 << "Anna tulostiedosto";
+    }
+    void refusals()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QStringList, args);
+        QFETCH(int, code);
+        QFETCH(QString, message);
+        TestEnv env;
+        const QString books = env.path(QStringLiteral("kirjat.mdb"));
+        if (content.isEmpty())
+            QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
+        else
+            QVERIFY(TestEnv::writeFile(books, content));
+        const QString pdf = env.path(QStringLiteral("r.pdf"));
+        QStringList all = QStringList { books } + args;
+        if (message != u"Anna tulostiedosto")
+            all << "--pdf" << pdf;
+        const Result r = vorkamReport(all);
+        QCOMPARE(r.code, code);
+        QVERIFY2(r.err.contains(message), qPrintable(r.err));
+        QVERIFY(!QFile::exists(pdf));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_vorkam_report)
+#include "tst_vorkam_report.moc"

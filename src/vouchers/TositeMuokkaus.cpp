@@ -54,8 +54,7 @@ bool TositeMuokkaus::avaa()
     try {
         m_maxLkm = cTosite::MaxLkmViennitPerTosite(m_db);
         m_tilit.load(m_db);
-        const qint32 laskettava = ProgramSettings::bookkeeping().LaskettavaTili;
-        m_kaikki = laskettava != 0 ? VoucherAccounts::storedSums(m_db, laskettava) : VoucherAccounts::Sums();
+        paivitaSaldot();
         nayta(m_tosite->GetLastFromZero(avaus(), paatos()));
         return true;
     } catch (const DatabaseError& e) {
@@ -302,7 +301,14 @@ void TositeMuokkaus::tallennaKaikki()
     }
     taydennaRivit();
     // The chosen account's sums are read back from the books, not worked out from the screen:
-    // what was stored, and what other windows stored meanwhile, is what counts.
+    // what this voucher now holds there replaces what it held before.
+    const VoucherAccounts::Sums ennen = m_omat;
+    lueLaskettava();
+    m_kaikki = m_kaikki - ennen + m_omat;
+}
+
+void TositeMuokkaus::paivitaSaldot()
+{
     const qint32 laskettava = ProgramSettings::bookkeeping().LaskettavaTili;
     m_kaikki = laskettava != 0 ? VoucherAccounts::storedSums(m_db, laskettava) : VoucherAccounts::Sums();
     lueLaskettava();

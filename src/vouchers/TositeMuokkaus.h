@@ -89,6 +89,9 @@ public:
     // The balance (debit − credit) of the account LaskettavaTili in every stored voucher, the
     // one on screen taken as it is shown; nullopt when no account is chosen.
     std::optional<Money> laskettavanSaldo() const;
+    // Reads the chosen account's sums in every stored voucher again: what other windows saved
+    // meanwhile counts too. A save reads back only the voucher it saved.
+    void paivitaSaldot();
 
     // Every row with an amount has an account. When one has not, the user is told ("Tarkista
     // tilivalinta.") and the row is given.

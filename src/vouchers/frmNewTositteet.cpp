@@ -2,6 +2,7 @@
 #include "ui_frmNewTositteet.h"
 
 #include "CommandWiring.h"
+#include "DatabaseError.h"
 #include "Dates.h"
 #include "EnterAsTab.h"
 #include "TositeListModel.h"
@@ -70,6 +71,9 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     grid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     grid->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     grid->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // A long account name is cut short in its cell, never wrapped over two lines.
+    grid->setWordWrap(false);
+    grid->setTextElideMode(Qt::ElideRight);
     // Six rows are visible; more are reached by scrolling.
     const int rowHeight = grid->verticalHeader()->defaultSectionSize();
     grid->setFixedHeight(
@@ -299,6 +303,16 @@ void frmNewTositteet::riviMuuttui(int /*row*/, int column)
     if (!VientiModel::isAccountColumn(column))
         // After the cell editor has closed, not while it is committing.
         QTimer::singleShot(0, m_muokkaus.get(), [this] { m_muokkaus->automaattinenUusi(); });
+}
+
+void frmNewTositteet::changeEvent(QEvent* event)
+{
+    // Back from another window, which may have saved vouchers on the chosen account.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
+        tellIfFails(QStringLiteral("Tilin saldoa ei voitu lukea."), [this] { m_muokkaus->paivitaSaldot(); });
+        paivitaSummat();
+    }
+    QMainWindow::changeEvent(event);
 }
 
 bool frmNewTositteet::eventFilter(QObject* watched, QEvent* event)

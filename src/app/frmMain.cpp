@@ -218,8 +218,9 @@ void frmMain::openSettings()
         endProgram();
         return;
     }
-    // A new association name shows at once.
+    // A new association name shows at once, and the keyboard comes back to the main window.
     showBooks();
+    activateWindow();
 }
 
 void frmMain::editDatabase()

@@ -77,7 +77,8 @@ void tst_MailServerQuery::parseAnswer_data()
     QTest::newRow("no answer records") << ScriptedResolver::mxAnswer(d, Exchanges {}) << "";
     QTest::newRow("null MX: no mail") << ScriptedResolver::mxAnswer(d, Exchanges { { 0, "." } }) << "";
     QTest::newRow("international exchanger")
-        << ScriptedResolver::mxAnswer(d, Exchanges { { 10, "xn--nekoski-4waa.fi" } }) << "10 xn--nekoski-4waa.fi";
+        << ScriptedResolver::mxAnswer(d, Exchanges { { 10, "xn--nekoski-4waa.fi" } })
+        << "10 xn--nekoski-4waa.fi";
     QTest::newRow("empty") << QByteArray() << "not an answer";
     QTest::newRow("header only") << QByteArray(12, '\0') << "";
     QTest::newRow("cut short")

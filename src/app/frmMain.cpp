@@ -3,11 +3,13 @@
 
 #include "DBC.h"
 #include "DatabaseCommands.h"
+#include "DatabaseMaintenance.h"
 #include "Dialogs.h"
 #include "Paths.h"
 #include "ProgramEnd.h"
 #include "ProgramSettings.h"
 #include "frmAbout.h"
+#include "frmAsetukset.h"
 #include "frmNewTositteet.h"
 #include "frmOhje.h"
 #include "frmTilitNew.h"
@@ -58,12 +60,10 @@ frmMain::frmMain(QWidget* parent)
     for (QWidget* w : { static_cast<QWidget*>(ui->cTositteet), static_cast<QWidget*>(ui->cTilit),
              static_cast<QWidget*>(ui->cTulosJaTase) })
         w->setEnabled(false);
-    for (QAction* a : { ui->mTositteet, ui->mTulosJaTase, ui->mTilit, ui->mAsetukset, ui->mAvausviennit,
-             ui->mTilinpaatosviennit, ui->mVarmistus, ui->mKopiotikkuVarmistus, ui->mKopiotikkuPalautus,
-             ui->mKopioTikkuHallinta, ui->mVarmistusKansioon, ui->mMuokkaaTietokantaa,
-             ui->mLuoTietokantaMallistaYhdistys, ui->mLuoTietokantaMallistaAOY,
-             ui->mLuoTietokantaMallistaLions, ui->mLuoTietokantaMallistaMetalli, ui->mLuoTietokantaNykyisesta,
-             ui->mService })
+    for (QAction* a :
+        { ui->mTositteet, ui->mTulosJaTase, ui->mTilit, ui->mAvausviennit, ui->mTilinpaatosviennit,
+            ui->mVarmistus, ui->mKopiotikkuVarmistus, ui->mKopiotikkuPalautus, ui->mKopioTikkuHallinta,
+            ui->mVarmistusKansioon, ui->mMuokkaaTietokantaa, ui->mLuoTietokantaNykyisesta, ui->mService })
         a->setEnabled(false);
 
     // The voucher command opens the current voucher window whatever VanhatTositteet says:
@@ -82,6 +82,18 @@ frmMain::frmMain(QWidget* parent)
     connect(ui->mTietoja, &QAction::triggered, this, &frmMain::showAbout);
     connect(ui->mVarmistus, &QAction::triggered, this, &frmMain::backupAndReorganize);
     connect(ui->mPalautus, &QAction::triggered, this, &frmMain::restore);
+    connect(ui->mAsetukset, &QAction::triggered, this, &frmMain::openSettings);
+    connect(ui->mMuokkaaTietokantaa, &QAction::triggered, this, &frmMain::editDatabase);
+    using Source = DatabaseCreation::Source;
+    const std::pair<QAction*, Source> creations[] = {
+        { ui->mLuoTietokantaMallistaYhdistys, Source::Yhdistys },
+        { ui->mLuoTietokantaMallistaAOY, Source::AOY },
+        { ui->mLuoTietokantaMallistaMetalli, Source::Metalli },
+        { ui->mLuoTietokantaMallistaLions, Source::Lions },
+        { ui->mLuoTietokantaNykyisesta, Source::Nykyinen },
+    };
+    for (const auto& [action, source] : creations)
+        connect(action, &QAction::triggered, this, [this, source = source] { createDatabase(source); });
 }
 
 frmMain::~frmMain() = default;
@@ -90,7 +102,23 @@ void frmMain::startUp()
 {
     Startup startup;
     m_startup = startup.run();
-    setWindowTitle(m_startup.caption);
+    showBooks();
+    const bool open = m_startup.databaseOpen;
+    for (QWidget* w : { static_cast<QWidget*>(ui->cTositteet), static_cast<QWidget*>(ui->cTilit) })
+        w->setEnabled(open);
+    for (QAction* a : { ui->mTositteet, ui->mTilit, ui->mAvausviennit, ui->mTilinpaatosviennit,
+             ui->mLuoTietokantaNykyisesta })
+        a->setEnabled(open);
+    // The reorganisation and the maintenance commands rewrite the books: not for books open for
+    // reading only.
+    ui->mVarmistus->setEnabled(open && !m_startup.readOnly);
+    ui->mMuokkaaTietokantaa->setEnabled(open && !m_startup.readOnly);
+    (open ? ui->cTositteet : ui->cKayttotuki)->setFocus();
+}
+
+void frmMain::showBooks()
+{
+    setWindowTitle(Startup::caption(m_startup.databaseOpen, m_startup.readOnly));
     if (m_startup.databaseOpen) {
         // The books' path as the user knows it: the home folder as "~".
         QString path = QDir::toNativeSeparators(ProgramSettings::installation().Database);
@@ -108,14 +136,6 @@ void frmMain::startUp()
             + QStringLiteral(
                 "<br><span style=\"color:#b00000\">Tietokanta korjattiin tällä käynnistyskerralla: "
                 "tarkista kirjanpito.</span>"));
-    const bool open = m_startup.databaseOpen;
-    for (QWidget* w : { static_cast<QWidget*>(ui->cTositteet), static_cast<QWidget*>(ui->cTilit) })
-        w->setEnabled(open);
-    for (QAction* a : { ui->mTositteet, ui->mTilit, ui->mAvausviennit, ui->mTilinpaatosviennit })
-        a->setEnabled(open);
-    // The reorganisation rewrites the books: not for books open for reading only.
-    ui->mVarmistus->setEnabled(open && !m_startup.readOnly);
-    (open ? ui->cTositteet : ui->cKayttotuki)->setFocus();
 }
 
 void frmMain::openWindow(Window which)
@@ -186,6 +206,33 @@ void frmMain::restore()
     // A window still holding rows would save them into the restored books.
     if (closeWorkingWindows() && DatabaseCommands::restoreFromBackup())
         endProgram();
+}
+
+void frmMain::openSettings()
+{
+    const QSqlDatabase db = m_startup.databaseOpen ? DBC::instance().AvaaDB() : QSqlDatabase();
+    frmAsetukset settings(db, this);
+    settings.setBeforeDatabaseChange([this] { return closeWorkingWindows(); });
+    settings.exec();
+    if (settings.databaseChanged()) {
+        endProgram();
+        return;
+    }
+    // A new association name shows at once, and the keyboard comes back to the main window.
+    showBooks();
+    activateWindow();
+}
+
+void frmMain::editDatabase()
+{
+    // Windows showing rows that a command deletes are left first, each with its leave check.
+    DatabaseMaintenance::run(DBC::instance().AvaaDB(), [this] { return closeWorkingWindows(); });
+}
+
+void frmMain::createDatabase(DatabaseCreation::Source source)
+{
+    // Rows typed in the working windows are saved before the books are copied or left.
+    DatabaseCreation::run(source, [this] { return closeWorkingWindows(); });
 }
 
 bool frmMain::closeWorkingWindows()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DatabaseCreation.h"
 #include "Startup.h"
 
 #include <QMainWindow>
@@ -34,6 +35,11 @@ private:
     void showAbout();
     void backupAndReorganize();
     void restore();
+    void openSettings();
+    void editDatabase();
+    void createDatabase(DatabaseCreation::Source source);
+    // The caption and the association's name and file, as the settings now have them.
+    void showBooks();
     void endProgram();
     // Closes every working window, each with its own leave check (an account without a
     // number, unsaved rows). False when one of them refused: nothing may replace or close the

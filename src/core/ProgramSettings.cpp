@@ -134,6 +134,12 @@ void loadBookkeeping(const QSqlDatabase& db, const QString& databasePath, const 
     if (s.Seurannimi.isEmpty())
         s.Seurannimi = QFileInfo(databasePath).completeBaseName();
 
+    applyReportMargins();
+}
+
+void applyReportMargins()
+{
+    const BookkeepingSettings& s = g_bookkeeping;
     g_margins.bottom = s.MargAla * TwipsPerMarginUnit;
     g_margins.left = s.MargVas * TwipsPerMarginUnit;
     g_margins.right = s.MargOik * TwipsPerMarginUnit;

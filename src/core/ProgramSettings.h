@@ -66,6 +66,8 @@ bool saveInstallation();
 // association when Seurannimi is not stored.
 void loadBookkeeping(
     const QSqlDatabase& db, const QString& databasePath, const QDate& today = QDate::currentDate());
+// Sets the report margins from the bookkeeping settings in force.
+void applyReportMargins();
 // Writes every bookkeeping key; false when any write failed.
 bool saveBookkeeping(const QSqlDatabase& db);
 

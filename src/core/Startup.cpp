@@ -83,30 +83,23 @@ Startup::Result Startup::run()
     }
 
     // 5.–6. Open, check and upgrade.
-    if (openAndCheck(result)) {
+    if (openAndCheck(install.Database, StartupConnection, true, result)) {
         QSqlDatabase db = QSqlDatabase::database(StartupConnection, false);
-        const QStringList missing = Schema::missingCoreTables(db);
-        if (!missing.isEmpty()) {
-            dialogs.error(QStringLiteral("Tiedosto %1 ei ole Vorkamin tietokanta: siitä puuttuu taulu %2.")
-                              .arg(install.Database, missing.first()));
-        } else {
-            // Books open for reading only are not changed, and a repaired file is upgraded at
-            // the next start.
-            if (!result.readOnly && !result.repairedOpen) {
-                const Schema::UpgradeResult upgrade = Schema::UpdateDatabase(db);
-                result.upgraded = upgrade.ok;
-                if (!upgrade.ok)
-                    dialogs.error(
-                        QStringLiteral("Tietokannan rakenteen päivitys ei onnistunut (vaihe %1).\n%2")
-                            .arg(upgrade.failedStep)
-                            .arg(upgrade.error));
-            }
-            if (result.defaultTaken && !ProgramSettings::saveDatabase())
-                dialogs.information(
-                    QStringLiteral("Asetustiedostoon %1 ei voi kirjoittaa.").arg(Paths::iniFile()));
-            ProgramSettings::loadBookkeeping(db, install.Database, today);
-            result.databaseOpen = true;
+        // Books open for reading only are not changed, and a repaired file is upgraded at the
+        // next start.
+        if (!result.readOnly && !result.repairedOpen) {
+            const Schema::UpgradeResult upgrade = Schema::UpdateDatabase(db);
+            result.upgraded = upgrade.ok;
+            if (!upgrade.ok)
+                dialogs.error(QStringLiteral("Tietokannan rakenteen päivitys ei onnistunut (vaihe %1).\n%2")
+                                  .arg(upgrade.failedStep)
+                                  .arg(upgrade.error));
         }
+        if (result.defaultTaken && !ProgramSettings::saveDatabase())
+            dialogs.information(
+                QStringLiteral("Asetustiedostoon %1 ei voi kirjoittaa.").arg(Paths::iniFile()));
+        ProgramSettings::loadBookkeeping(db, install.Database, today);
+        result.databaseOpen = true;
     }
 
     // 7. Caption; 8. the start-up's own connection is closed, windows use DBC from here on. The
@@ -117,37 +110,49 @@ Startup::Result Startup::run()
     return result;
 }
 
-bool Startup::openAndCheck(Result& result)
+bool Startup::openAndCheck(QString& path, const QString& connection, bool offerDefault, Result& result)
 {
     Dialogs& dialogs = Dialogs::instance();
-    InstallationSettings& install = ProgramSettings::installation();
+    if (!openFile(path, connection, offerDefault, result))
+        return false;
+    const QStringList missing = Schema::missingCoreTables(QSqlDatabase::database(connection, false));
+    if (!missing.isEmpty()) {
+        dialogs.error(QStringLiteral("Tiedosto %1 ei ole Vorkamin tietokanta: siitä puuttuu taulu %2.")
+                          .arg(path, missing.first()));
+        return false;
+    }
+    return true;
+}
 
+bool Startup::openFile(QString& path, const QString& connection, bool offerDefault, Result& result)
+{
+    Dialogs& dialogs = Dialogs::instance();
     OpenResult opened;
-    if (install.Database.isEmpty()) {
+    if (path.isEmpty()) {
         opened = OpenResult { DbError::FileNotFound, QString() };
     } else {
-        if (DatabaseFile::isReadOnly(install.Database)) {
+        if (DatabaseFile::isReadOnly(path)) {
             dialogs.information(QStringLiteral("Tietokanta on kirjoitussuojatussa tilassa.\nEnnen avaamista "
                                                "Vorkamissa sen tulee olla kirjoitettavassa tilassa."));
             result.readOnly = true;
             if (dialogs.question(
                     QStringLiteral("Haluatko, että Vorkam muuttaa tietokannan kirjoitettavaan tilaan?"))) {
-                if (FileOps::instance().makeWritable(install.Database))
+                if (FileOps::instance().makeWritable(path))
                     result.readOnly = false;
                 else
                     dialogs.information(
                         QStringLiteral("Kirjoitussuojauksen poistaminen ei jostain syystä onnistunut."));
             }
-        } else if (DatabaseFile::folderReadOnly(install.Database)) {
+        } else if (DatabaseFile::folderReadOnly(path)) {
             // The engine writes its journal beside the file: books in a folder it may not write
             // to can only be read.
             dialogs.information(
                 QStringLiteral("Tietokannan kansioon ei voi kirjoittaa, joten kirjanpito avataan "
                                "vain luettavaksi:\n%1")
-                    .arg(QFileInfo(install.Database).absolutePath()));
+                    .arg(QFileInfo(path).absolutePath()));
             result.readOnly = true;
         }
-        opened = DatabaseFile::open(install.Database, StartupConnection, result.readOnly);
+        opened = DatabaseFile::open(path, connection, result.readOnly);
     }
 
     for (;;) {
@@ -159,7 +164,7 @@ bool Startup::openAndCheck(Result& result)
                 QStringLiteral("Tietokanta %1 on vanhassa Jet-muodossa, jota Vorkam ei voi avata "
                                "sellaisenaan.\nTietokanta on muunnettava Vorkamin muotoon ennen käyttöä. "
                                "Tiedostoa ei ole muutettu.")
-                    .arg(install.Database));
+                    .arg(path));
             return false;
         case DbError::Damaged:
         case DbError::Failed:
@@ -168,31 +173,31 @@ bool Startup::openAndCheck(Result& result)
                 dialogs.error(
                     QStringLiteral("Tietokanta %1 on vioittunut, eikä sitä voi korjata, koska siihen ei "
                                    "voi kirjoittaa.\n%2")
-                        .arg(install.Database, opened.message));
+                        .arg(path, opened.message));
                 return false;
             }
-            return repair(install.Database, result);
+            return repair(path, connection, result);
         case DbError::Unreadable:
             dialogs.information(
-                QStringLiteral("Tietokantaa %1 ei voi lukea: käyttöoikeus puuttuu.").arg(install.Database));
+                QStringLiteral("Tietokantaa %1 ei voi lukea: käyttöoikeus puuttuu.").arg(path));
             [[fallthrough]];
         case DbError::FileNotFound:
         case DbError::InvalidPath:
         case DbError::FileExists:
             dialogs.information(QStringLiteral("Tietokantaa ei löydy, korjaa asetuksista tietokannan nimi"));
-            if (!dialogs.question(QStringLiteral("Yritetäänkö avata oletustietokanta?")))
+            if (!offerDefault || !dialogs.question(QStringLiteral("Yritetäänkö avata oletustietokanta?")))
                 return false;
-            install.Database = Paths::defaultDatabase();
+            path = Paths::defaultDatabase();
             result.defaultTaken = true;
             result.readOnly = false;
             // A missing default database asks again; No ends the loop.
-            opened = DatabaseFile::open(install.Database, StartupConnection);
+            opened = DatabaseFile::open(path, connection);
             break;
         }
     }
 }
 
-bool Startup::repair(const QString& path, Result& result)
+bool Startup::repair(const QString& path, const QString& connection, Result& result)
 {
     Dialogs& dialogs = Dialogs::instance();
     FileOps& ops = FileOps::instance();
@@ -226,7 +231,7 @@ bool Startup::repair(const QString& path, Result& result)
         dialogs.plain(QStringLiteral("Korjatun tietokannan uudelleen nimeäminen ei onnistu."));
         return false;
     }
-    const OpenResult opened = DatabaseFile::open(path, StartupConnection);
+    const OpenResult opened = DatabaseFile::open(path, connection);
     if (!opened) {
         dialogs.error(
             QStringLiteral("Korjattua tietokantaa %1 ei voitu avata.\n%2").arg(path, opened.message));

@@ -31,8 +31,16 @@ public:
     static QString caption(bool databaseOpen, bool readOnly = false);
     static QString currencyWarning();
 
+    // Opens the books at `path` as connection `connection` and checks them as the start does:
+    // a read-only file or folder, a missing file (with the default database offered when
+    // `offerDefault`; `path` then names it), an old Jet file, a damaged file and its repair, and
+    // a file without Vorkam's tables. True when the connection is open on books Vorkam can use;
+    // the caller closes the connection either way. The settings window checks a newly chosen
+    // database with it.
+    static bool openAndCheck(QString& path, const QString& connection, bool offerDefault, Result& result);
+
 private:
-    bool openAndCheck(Result& result);
+    static bool openFile(QString& path, const QString& connection, bool offerDefault, Result& result);
     // True when the repaired file took the damaged one's place and is open.
-    bool repair(const QString& path, Result& result);
+    static bool repair(const QString& path, const QString& connection, Result& result);
 };

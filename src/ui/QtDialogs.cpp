@@ -37,12 +37,15 @@ bool QtDialogs::question(const QString& text)
 
 std::optional<QString> QtDialogs::input(const QString& prompt, const QString& defaultText)
 {
-    bool ok = false;
-    const QString text = QInputDialog::getText(
-        QApplication::activeWindow(), Title, prompt, QLineEdit::Normal, defaultText, &ok);
-    if (!ok)
+    QInputDialog box(QApplication::activeWindow());
+    box.setWindowTitle(Title);
+    box.setLabelText(prompt);
+    box.setTextValue(defaultText);
+    box.setOkButtonText(QStringLiteral("OK"));
+    box.setCancelButtonText(QStringLiteral("Peruuta"));
+    if (box.exec() != QDialog::Accepted)
         return std::nullopt;
-    return text;
+    return box.textValue();
 }
 
 QString QtDialogs::openFileName(const QString& title, const QString& filter, const QString& start)

@@ -50,6 +50,9 @@ private slots:
     void workingWindowsAreLeftFirst();
     void readOnlyBooksAreShownNotChanged();
     void aboutWindowOpens();
+    void settingsChangeTheCaptionAtOnce();
+    void newBooksFromModelAfterWorkingWindows();
+    void maintenanceLeavesWorkingWindowsFirst();
 };
 
 void tst_frmMain::commandsFollowTheDatabase_data()
@@ -68,15 +71,19 @@ void tst_frmMain::commandsFollowTheDatabase()
     StartedWindow started(env, withDatabase);
     frmMain& w = started.window;
     QCOMPARE(w.windowTitle(), caption);
-    // Windows of the books need a database; later features stay disabled either way.
-    for (const char* name : { "mTositteet", "mTilit", "mAvausviennit", "mTilinpaatosviennit", "mVarmistus" })
+    // Windows and commands of the books need a database; later features stay disabled either way.
+    for (const char* name : { "mTositteet", "mTilit", "mAvausviennit", "mTilinpaatosviennit", "mVarmistus",
+             "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta" })
         QVERIFY2(w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled() == withDatabase, name);
     QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->isEnabled(), withDatabase);
-    for (const char* name : { "mAsetukset", "mKopiotikkuVarmistus", "mMuokkaaTietokantaa",
-             "mLuoTietokantaMallistaYhdistys", "mService" })
+    for (const char* name :
+        { "mKopiotikkuVarmistus", "mKopiotikkuPalautus", "mKopioTikkuHallinta", "mService" })
         QVERIFY2(!w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled(), name);
     QVERIFY(!w.findChild<QPushButton*>(QStringLiteral("cTulosJaTase"))->isEnabled());
-    for (const char* name : { "mPalautus", "mSulje", "mTietoja" })
+    // The settings window also mends a database name that leads nowhere; models need no books.
+    for (const char* name :
+        { "mPalautus", "mSulje", "mTietoja", "mAsetukset", "mLuoTietokantaMallistaYhdistys",
+            "mLuoTietokantaMallistaAOY", "mLuoTietokantaMallistaLions", "mLuoTietokantaMallistaMetalli" })
         QVERIFY2(w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled(), name);
 }
 
@@ -240,6 +247,7 @@ void tst_frmMain::readOnlyBooksAreShownNotChanged()
     w.startUp();
     QVERIFY(w.windowTitle().endsWith(QStringLiteral("(vain luku)")));
     QVERIFY(!w.findChild<QAction*>(QStringLiteral("mVarmistus"))->isEnabled());
+    QVERIFY(!w.findChild<QAction*>(QStringLiteral("mMuokkaaTietokantaa"))->isEnabled());
     w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
     w.findChild<QPushButton*>(QStringLiteral("cTilit"))->click();
     auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
@@ -271,6 +279,86 @@ void tst_frmMain::aboutWindowOpens()
     });
     w.findChild<QAction*>(QStringLiteral("mTietoja"))->trigger();
     QVERIFY(seen);
+}
+
+void tst_frmMain::settingsChangeTheCaptionAtOnce()
+{
+    TestEnv env;
+    StartedWindow started(env, true);
+    frmMain& w = started.window;
+    bool seen = false;
+    QTimer::singleShot(0, [&] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        seen = dialog && dialog->objectName() == QLatin1String("frmAsetukset");
+        if (!dialog)
+            return;
+        auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("tSeurannimi"));
+        name->selectAll();
+        QTest::keyClicks(name, QStringLiteral("Kerho O'Hara ry"));
+        dialog->findChild<QPushButton*>(QStringLiteral("cTallenna"))->click();
+        dialog->findChild<QPushButton*>(QStringLiteral("cSulje"))->click();
+    });
+    w.findChild<QAction*>(QStringLiteral("mAsetukset"))->trigger();
+    QVERIFY(seen);
+    QCOMPARE(w.windowTitle(), QStringLiteral("Vorkam - Kerho O'Hara ry - kerho.mdb"));
+    QCOMPARE(started.dialogs.transcript(), QStringList());
+    QCOMPARE(env.programEnds(), 0);
+}
+
+// A new association's books are made only after the working windows have been left: rows typed
+// are saved into the books they were typed for, then the program ends on the new setting.
+void tst_frmMain::newBooksFromModelAfterWorkingWindows()
+{
+    TestEnv env;
+    StartedWindow started(env, true);
+    frmMain& w = started.window;
+    QDir().mkpath(env.programDir() + QStringLiteral("/mallit"));
+    QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/mallit/aoymalli.mdb"),
+        env.programDir() + QStringLiteral("/mallit/aoymalli.mdb")));
+    w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
+    auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
+    QAbstractItemModel* rows = vouchers->findChild<QTableView*>(QStringLiteral("grdViennit"))->model();
+    rows->setData(rows->index(4, 0), QStringLiteral("1910"));
+    rows->setData(rows->index(4, 1), QStringLiteral("100"));
+    started.dialogs.clear();
+    started.dialogs.answerInput(QStringLiteral("taloyhtiö"));
+    w.findChild<QAction*>(QStringLiteral("mLuoTietokantaMallistaAOY"))->trigger();
+    QCOMPARE(env.programEnds(), 1);
+    QVERIFY(!w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
+    const QString created = env.path(QStringLiteral("data/taloyhti.mdb"));
+    QVERIFY(QFile::exists(created));
+    QVERIFY(env.readIni().contains(QStringLiteral("Database=") + created));
+    int typed = -1;
+    withDatabase(env.path(QStringLiteral("kerho.mdb")), [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        if (q.exec(QStringLiteral("SELECT COUNT(*) FROM vi WHERE viArvo = 1000000")) && q.next())
+            typed = q.value(0).toInt();
+    });
+    QCOMPARE(typed, 1);
+}
+
+void tst_frmMain::maintenanceLeavesWorkingWindowsFirst()
+{
+    TestEnv env;
+    StartedWindow started(env, true);
+    frmMain& w = started.window;
+    w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
+    QVERIFY(w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
+    started.dialogs.clear();
+    started.dialogs.answerInput(QStringLiteral("poista nykyiset tositteet"));
+    w.findChild<QAction*>(QStringLiteral("mMuokkaaTietokantaa"))->trigger();
+    // The window showing the vouchers was left before they were deleted, and wrote nothing back.
+    QVERIFY(!w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
+    QVERIFY(started.dialogs.transcript().last().startsWith(
+        QStringLiteral("information: Nykyiset tositteet poistettu.\nVarmuuskopio ennen muutosta: ")));
+    int vouchers = -1;
+    withDatabase(env.path(QStringLiteral("kerho.mdb")), [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        if (q.exec(QStringLiteral("SELECT COUNT(*) FROM \"to\"")) && q.next())
+            vouchers = q.value(0).toInt();
+    });
+    QCOMPARE(vouchers, 0);
+    QCOMPARE(env.programEnds(), 0);
 }
 
 QTEST_MAIN(tst_frmMain)

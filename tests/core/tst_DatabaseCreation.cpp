@@ -1,0 +1,389 @@
+#include "DBC.h"
+#include "DatabaseCreation.h"
+#include "DatabaseFile.h"
+#include "ModelChecks.h"
+#include "Paths.h"
+#include "ProgramSettings.h"
+#include "Schema.h"
+#include "ScriptedDialogs.h"
+#include "Startup.h"
+#include "TestEnv.h"
+
+#include <QDir>
+#include <QSqlQuery>
+#include <QTest>
+
+#include <csignal>
+#include <sys/resource.h>
+
+using Source = DatabaseCreation::Source;
+Q_DECLARE_METATYPE(DatabaseCreation::Source)
+
+namespace {
+
+const QString BinDir = QStringLiteral(VORKAM_BIN_DIR);
+const QString NamePrompt = QStringLiteral("input: Anna uudelle tietokannalle nimi (max. 8 kirjainta).");
+const QString Copied = QStringLiteral("information: Mallitietokanta on kopioitu ja se tulee käyttöön, kun "
+                                      "Vorkam seuraavan kerran käynnistetään.");
+const QString Closing = QStringLiteral("information: Vorkam suljetaan, koska tietokanta on vaihdettu.");
+
+QString explained(Source source)
+{
+    return QStringLiteral("information: ") + DatabaseCreation::explanation(source);
+}
+
+// The models as the build made them, in the test's own program folder.
+void installModels(const TestEnv& env)
+{
+    QDir().mkpath(env.programDir() + QStringLiteral("/mallit"));
+    for (const char* model : { "perusmalli.mdb", "aoymalli.mdb", "metalli.mdb", "lions.mdb" }) {
+        const QString name = QString::fromLatin1(model);
+        const QString target = env.programDir() + QStringLiteral("/mallit/") + name;
+        QFile::copy(BinDir + QStringLiteral("/mallit/") + name, target);
+        QFile::setPermissions(target, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    }
+}
+
+// The installation as the main window has it after a start on `books`.
+void useBooks(const TestEnv& env, const QString& books)
+{
+    env.writeIni("[VORKAM]\nDatabase=" + books.toUtf8() + "\n");
+    ProgramSettings::loadInstallation();
+}
+
+QStringList dataFiles(const TestEnv& env)
+{
+    return QDir(env.path(QStringLiteral("data")))
+        .entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot);
+}
+
+ModelChecks::ShippedBook shippedBook(const QString& file)
+{
+    for (const ModelChecks::ShippedBook& book : ModelChecks::shippedBooks())
+        if (book.file == QStringLiteral("mallit/") + file)
+            return book;
+    return {};
+}
+
+} // namespace
+
+class tst_DatabaseCreation : public QObject {
+    Q_OBJECT
+
+private slots:
+    void explanations();
+    void names_data();
+    void names();
+    void refusedBeforeCopy_data();
+    void refusedBeforeCopy();
+    void dataFolderCannotBeMade();
+    void missingModel();
+    void leaveCheckStops();
+    void fullDiskLeavesNothing();
+    void settingCannotBeWritten();
+    void modelBecomesNewBooks_data();
+    void modelBecomesNewBooks();
+    void copyOfBooksInUse();
+};
+
+void tst_DatabaseCreation::explanations()
+{
+    const QString common = QStringLiteral(
+        "Tämä toiminto luo uuden tietokannan kirjanpidon pohjaksi\nTietokantaan luodaan valmiiksi tilit ja "
+        "tuloslaskelma- ja tasemallit, joiden pohjalta kirjanpitoa voi lähteä tekemään.");
+    const QString rename
+        = QStringLiteral("\nPohjaksi tulevaan tilikarttaan on syytä nimetä tilejä uudestaan "
+                         "valmiina olevien tilinimien kuten 'Tulotili 1' osalta toimintaa kuvaaviksi.");
+    QCOMPARE(DatabaseCreation::explanation(Source::Metalli), common);
+    QCOMPARE(DatabaseCreation::explanation(Source::Yhdistys), common + rename);
+    QCOMPARE(DatabaseCreation::explanation(Source::Lions), common + rename);
+    QCOMPARE(DatabaseCreation::explanation(Source::AOY),
+        common
+            + QStringLiteral(
+                "\nPohjaksi tulevaan tilikarttaan voi tarvittaessa lisätä ja siitä voi poistaa tilejä."));
+    QCOMPARE(DatabaseCreation::explanation(Source::Nykyinen),
+        QStringLiteral(
+            "Tämä toiminto kopioi nykyisen tietokannan sellaisenaan uuden kirjanpidon pohjaksi.\nJos "
+            "tietokantaan on syötetty tositteita tai vientejä, ne voi kopioinnin jälkeen tyhjentää.\n"
+            "Tietokanta / Muokkaa tietokantaa valikkokomennolla käyttäen ohjekirjan käskyjä."));
+    QCOMPARE(DatabaseCreation::modelFile(Source::AOY), QStringLiteral("aoymalli.mdb"));
+    QCOMPARE(DatabaseCreation::modelFile(Source::Nykyinen), QString());
+}
+
+void tst_DatabaseCreation::names_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("name"); // empty: refused
+    QTest::newRow("plain") << "seura"
+                           << "seura";
+    QTest::newRow("eight") << "kuoro123"
+                           << "kuoro123";
+    QTest::newRow("twelve letters cut") << "Hiihtoseuraa"
+                                        << "Hiihtose";
+    QTest::newRow("Finnish letters cut") << "Äänekosken"
+                                         << "Äänekosk";
+    QTest::newRow("blanks around") << "  kerho  "
+                                   << "kerho";
+    QTest::newRow("blank at the cut") << "abcdefg hij"
+                                      << "abcdefg";
+    QTest::newRow(".mdb typed") << "seura.mdb"
+                                << "seura";
+    QTest::newRow(".MDB typed") << "SEURA.MDB"
+                                << "SEURA";
+    QTest::newRow("apostrophe") << "O'Brien"
+                                << "O'Brien";
+    QTest::newRow("characters of two code units")
+        << QString::fromUtf8("😀😀😀😀😀😀😀😀😀") << QString::fromUtf8("😀😀😀😀😀😀😀😀");
+    QTest::newRow("empty") << ""
+                           << "";
+    QTest::newRow("blanks") << "   "
+                            << "";
+    QTest::newRow("only .mdb") << ".mdb"
+                               << "";
+    QTest::newRow("parent folder") << "../seura"
+                                   << "";
+    QTest::newRow("slash") << "a/b"
+                           << "";
+    QTest::newRow("backslash") << "a\\b"
+                               << "";
+    QTest::newRow("leading dot") << ".piilo"
+                                 << "";
+    QTest::newRow("two dots inside") << "a..b"
+                                     << "";
+    QTest::newRow("colon") << "c:seura"
+                           << "";
+    QTest::newRow("star") << "seura*"
+                          << "";
+    QTest::newRow("line break") << "seu\nra"
+                                << "";
+}
+
+void tst_DatabaseCreation::names()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, name);
+    const DatabaseCreation::Name checked = DatabaseCreation::checkName(typed);
+    QCOMPARE(checked.name, name);
+    QCOMPARE(checked.message.isEmpty(), !name.isEmpty());
+    if (name.isEmpty())
+        QVERIFY(checked.message.endsWith(QStringLiteral(" Toiminto keskeytetään.")));
+}
+
+void tst_DatabaseCreation::refusedBeforeCopy_data()
+{
+    QTest::addColumn<QVariant>("typed"); // invalid: the input box cancelled
+    QTest::addColumn<QStringList>("after"); // what is shown after the name question
+    QTest::newRow("cancelled") << QVariant() << QStringList();
+    QTest::newRow("empty")
+        << QVariant(QString())
+        << QStringList { QStringLiteral(
+               "information: Tietokannan nimi ei voi olla tyhjä. Toiminto keskeytetään.") };
+    QTest::newRow("name in use, cut to it")
+        << QVariant(QStringLiteral("vanhaseura"))
+        << QStringList { QStringLiteral(
+               "information: Nimi: vanhaseu on jo käytössä. Toiminto keskeytetään.") };
+    QTest::newRow("path characters")
+        << QVariant(QStringLiteral("../../etc/x"))
+        << QStringList { QStringLiteral(
+               "information: Nimi ../../etc/x ei kelpaa tiedoston nimeksi: siinä ei voi olla merkkejä / \\ : "
+               "* ? \" < > "
+               "| eikä kahta pistettä peräkkäin, eikä se voi alkaa pisteellä. Toiminto keskeytetään.") };
+}
+
+void tst_DatabaseCreation::refusedBeforeCopy()
+{
+    QFETCH(QVariant, typed);
+    QFETCH(QStringList, after);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    installModels(env);
+    const QString existing = env.path(QStringLiteral("data/vanhaseu.mdb"));
+    TestEnv::writeFile(existing, "varattu");
+    typed.isValid() ? dialogs.answerInput(typed.toString()) : dialogs.cancelInput();
+    bool copyStarted = false;
+    QVERIFY(!DatabaseCreation::run(Source::Yhdistys, [&] { return copyStarted = true; }));
+    QCOMPARE(dialogs.transcript(), QStringList({ explained(Source::Yhdistys), NamePrompt }) + after);
+    QVERIFY(!copyStarted);
+    QCOMPARE(dataFiles(env), QStringList { QStringLiteral("vanhaseu.mdb") });
+    QCOMPARE(TestEnv::readFile(existing), QByteArray("varattu"));
+    QCOMPARE(env.programEnds(), 0);
+    QVERIFY(!env.readIni().contains(QStringLiteral("Database")));
+}
+
+void tst_DatabaseCreation::dataFolderCannotBeMade()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    installModels(env);
+    TestEnv::writeFile(env.path(QStringLiteral("tiedosto")), "x");
+    Paths::setDataDir(env.path(QStringLiteral("tiedosto/Vorkam")));
+    dialogs.answerInput(QStringLiteral("seura"));
+    QVERIFY(!DatabaseCreation::run(Source::AOY));
+    QCOMPARE(dialogs.transcript().mid(2),
+        QStringList { QStringLiteral("error: Kansiota %1 ei voitu luoda. Toiminto keskeytetään.")
+                          .arg(env.path(QStringLiteral("tiedosto/Vorkam"))) });
+    QCOMPARE(env.programEnds(), 0);
+}
+
+void tst_DatabaseCreation::missingModel()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    dialogs.answerInput(QStringLiteral("seura"));
+    QVERIFY(!DatabaseCreation::run(Source::Lions));
+    QCOMPARE(dialogs.transcript().mid(2),
+        QStringList {
+            QStringLiteral("error: Mallitietokantaa %1/mallit/lions.mdb ei löydy. Toiminto keskeytetään.")
+                .arg(env.programDir()) });
+    QCOMPARE(dataFiles(env), QStringList());
+}
+
+void tst_DatabaseCreation::leaveCheckStops()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    installModels(env);
+    dialogs.answerInput(QStringLiteral("seura"));
+    QVERIFY(!DatabaseCreation::run(Source::Metalli, [] { return false; }));
+    QCOMPARE(dialogs.transcript().size(), 2);
+    QCOMPARE(dataFiles(env), QStringList());
+    QCOMPARE(env.programEnds(), 0);
+}
+
+void tst_DatabaseCreation::fullDiskLeavesNothing()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    installModels(env);
+    QDir().mkpath(env.path(QStringLiteral("data")));
+    dialogs.answerInput(QStringLiteral("seura"));
+    rlimit saved {};
+    getrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, SIG_IGN);
+    // The disk fills up once the copy has begun.
+    const bool created = DatabaseCreation::run(Source::Yhdistys, [&] {
+        rlimit full = saved;
+        full.rlim_cur = 8 * 1024;
+        return setrlimit(RLIMIT_FSIZE, &full) == 0;
+    });
+    setrlimit(RLIMIT_FSIZE, &saved);
+    QVERIFY(!created);
+    const QStringList errors = dialogs.texts(ScriptedDialogs::Kind::Error);
+    QCOMPARE(errors.size(), 1);
+    QVERIFY2(errors.first().startsWith(QStringLiteral("Uutta tietokantaa %1 ei voitu tehdä.\n")
+                                           .arg(env.path(QStringLiteral("data/seura.mdb")))),
+        qPrintable(errors.first()));
+    QVERIFY(errors.first().endsWith(QStringLiteral("\nToiminto keskeytetään.")));
+    QCOMPARE(dataFiles(env), QStringList());
+    QCOMPARE(env.programEnds(), 0);
+}
+
+void tst_DatabaseCreation::settingCannotBeWritten()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    installModels(env);
+    // A folder stands where the ini file should be.
+    QDir().mkpath(env.iniFile());
+    ProgramSettings::installation().Database = QStringLiteral("/vanha/seura.mdb");
+    dialogs.answerInput(QStringLiteral("uusi"));
+    QVERIFY(!DatabaseCreation::run(Source::Yhdistys));
+    QCOMPARE(ProgramSettings::installation().Database, QStringLiteral("/vanha/seura.mdb"));
+    const QStringList errors = dialogs.texts(ScriptedDialogs::Kind::Error);
+    QCOMPARE(errors.size(), 1);
+    QVERIFY(errors.first().endsWith(
+        QStringLiteral("Uusi tietokanta on tallessa: ") + env.path(QStringLiteral("data/uusi.mdb"))));
+    QVERIFY(DatabaseFile::examine(env.path(QStringLiteral("data/uusi.mdb"))));
+    QCOMPARE(env.programEnds(), 0);
+}
+
+void tst_DatabaseCreation::modelBecomesNewBooks_data()
+{
+    QTest::addColumn<Source>("source");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("file");
+    QTest::newRow("Yhdistyksen malli") << Source::Yhdistys << "Kissankellot"
+                                       << "Kissanke.mdb";
+    QTest::newRow("Asunto OY:n malli") << Source::AOY << "As Oy Kuusi"
+                                       << "As Oy Ku.mdb";
+    QTest::newRow("Metalliliitto") << Source::Metalli << "osasto42"
+                                   << "osasto42.mdb";
+    QTest::newRow("Lions") << Source::Lions << "lions"
+                           << "lions.mdb";
+}
+
+// From the menu routine to the next start: the new books open, are up to date and pass the
+// checks of the shipped model they were made from.
+void tst_DatabaseCreation::modelBecomesNewBooks()
+{
+    QFETCH(Source, source);
+    QFETCH(QString, typed);
+    QFETCH(QString, file);
+    TestEnv env;
+    installModels(env);
+    const QString demo = env.path(QStringLiteral("demo.mdb"));
+    QVERIFY(TestEnv::createDatabase(demo));
+    useBooks(env, demo);
+    const QString created = env.path(QStringLiteral("data/")) + file;
+    {
+        ScriptedDialogs dialogs;
+        dialogs.answerInput(typed);
+        QVERIFY(DatabaseCreation::run(source));
+        QCOMPARE(dialogs.transcript(), QStringList({ explained(source), NamePrompt, Copied, Closing }));
+    }
+    QCOMPARE(env.programEnds(), 1);
+    QVERIFY2(env.readIni().contains(QStringLiteral("Database=") + created), qPrintable(env.readIni()));
+    QCOMPARE(dataFiles(env), QStringList { file });
+
+    // The next start.
+    ScriptedDialogs dialogs;
+    ProgramSettings::installation() = InstallationSettings();
+    Startup startup;
+    startup.formatCurrency = [] { return QStringLiteral("1,00 €"); };
+    const Startup::Result started = startup.run();
+    QCOMPARE(dialogs.transcript(), QStringList());
+    QVERIFY(started.databaseOpen);
+    QVERIFY(started.upgraded);
+    QCOMPARE(ProgramSettings::installation().Database, created);
+    const QString model = DatabaseCreation::modelFile(source);
+    const ModelChecks::ShippedBook book = shippedBook(model);
+    QVERIFY2(!book.name.isEmpty(), qPrintable(model));
+    withDatabase(created, [&](QSqlDatabase& db) {
+        QCOMPARE(Schema::UpdateDatabase(db).appliedSteps, QList<int> {});
+        const QStringList findings = ModelChecks::checkShippedBook(db, book, QDate::currentDate().year());
+        QVERIFY2(findings.isEmpty(), qPrintable(findings.join(u'\n')));
+    });
+}
+
+void tst_DatabaseCreation::copyOfBooksInUse()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString books = env.path(QStringLiteral("seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(books));
+    useBooks(env, books);
+    // The books are open and a change made through the shared connection is in the copy.
+    {
+        QSqlQuery q(DBC::instance().AvaaDB());
+        QVERIFY(q.exec(QStringLiteral("UPDATE \"to\" SET toSelite = 'Viimeisin' WHERE toNumero = 401")));
+    }
+    dialogs.answerInput(QStringLiteral("seura2"));
+    QVERIFY(DatabaseCreation::run(Source::Nykyinen));
+    QCOMPARE(dialogs.transcript(), QStringList({ explained(Source::Nykyinen), NamePrompt, Copied, Closing }));
+    const QString copy = env.path(QStringLiteral("data/seura2.mdb"));
+    withDatabase(copy, [](QSqlDatabase& db) {
+        QSqlQuery check(db);
+        QVERIFY(check.exec(
+            QStringLiteral("SELECT COUNT(*), MAX(CASE WHEN toNumero = 401 THEN toSelite END) FROM \"to\"")));
+        QVERIFY(check.next());
+        QCOMPARE(check.value(0).toInt(), 401);
+        QCOMPARE(check.value(1).toString(), QStringLiteral("Viimeisin"));
+    });
+    QCOMPARE(env.programEnds(), 1);
+    // The books the copy was made from are left as they were and closed.
+    QVERIFY(!DBC::instance().isOpen());
+    QVERIFY(DatabaseFile::examine(books));
+}
+
+QTEST_GUILESS_MAIN(tst_DatabaseCreation)
+#include "tst_DatabaseCreation.moc"

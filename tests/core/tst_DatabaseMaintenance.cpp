@@ -1,0 +1,356 @@
+#include "DatabaseFile.h"
+#include "DatabaseMaintenance.h"
+#include "Schema.h"
+#include "ScriptedDialogs.h"
+#include "TestEnv.h"
+
+#include <QDir>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTest>
+
+namespace {
+
+const QString Connection = QStringLiteral("tst_maintenance");
+const QString Initial = QStringLiteral("tl 3, to 3, vi 6, toE 2, viE 3, ma 3, mr 5");
+
+// Small books with something in every table a command empties: three accounts, three vouchers
+// of this year (the second with an apostrophe in its description) and two of the previous one,
+// two income statement templates and one balance sheet template with their rows.
+bool createFixture(const QString& file)
+{
+    bool ok = false;
+    withDatabase(file, [&](QSqlDatabase& db) {
+        ok = Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok;
+        const char* const rows[] = {
+            "INSERT INTO tl (tlID, tlNumero, tlNimi, tlKuvaus) VALUES (1, 1910, 'Pankkitili', ' '), "
+            "(2, 3000, 'Jäsenmaksut', ' '), (3, 4000, 'Kahvikulut', ' ')",
+            "INSERT INTO \"to\" (toID, toNumero, toPvm, toSelite) VALUES (1, 1, '2024-01-10', 'Jäsenmaksu'), "
+            "(2, 2, '2024-01-11', 'Rock ''n'' roll -ilta'), (3, 3, '2024-01-12', 'Kahvit')",
+            "INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) VALUES "
+            "(1, 1, 'D', 1000000, 'vanha a'), (1, 2, 'K', 1000000, 'vanha b'), "
+            "(2, 1, 'D', 500000, 'vanha c'), (2, 3, 'K', 500000, 'vanha d'), "
+            "(3, 3, 'D', 200000, 'vanha e'), (3, 1, 'K', 200000, 'vanha f')",
+            "INSERT INTO toE (toEID, toENumero, toEPvm, toESelite) VALUES (1, 1, '2023-02-01', 'Maksu'), "
+            "(2, 2, '2023-02-02', 'Toinen')",
+            "INSERT INTO viE (viEtoID, viEtlID, viETyyppi, viEArvo, viESelite) VALUES "
+            "(1, 1, 'D', 10000, 'x'), (1, 2, 'K', 10000, 'x'), (2, 1, 'D', 5000, 'y')",
+            "INSERT INTO ma (maID, maNimi, maTyyppi, maSuojattu) VALUES (1, 'Tuloslaskelma', 1, 0), "
+            "(2, 'Tase', 2, 0), (3, 'Toinen tuloslaskelma', 1, 0)",
+            "INSERT INTO mr (mrmaID, mrTeksti, mrTilit, mrSaldoPuoli) VALUES (1, 'Tuotot', '2,', 'K'), "
+            "(1, 'Kulut', '3,', 'D'), (2, 'Vastaavaa', '1,', 'D'), (2, 'Vastattavaa', '', 'K'), "
+            "(3, 'Kaikki', '2,3,', 'K')",
+        };
+        for (const char* sql : rows) {
+            QSqlQuery q(db);
+            if (ok && !q.exec(QString::fromUtf8(sql))) {
+                qWarning() << q.lastError().text();
+                ok = false;
+            }
+        }
+    });
+    return ok;
+}
+
+QString countsOf(const QSqlDatabase& db)
+{
+    QStringList parts;
+    for (const char* table : { "tl", "to", "vi", "toE", "viE", "ma", "mr" }) {
+        QSqlQuery q(db);
+        q.exec(QStringLiteral("SELECT COUNT(*) FROM \"%1\"").arg(QLatin1String(table)));
+        parts.append(
+            QStringLiteral("%1 %2").arg(QLatin1String(table)).arg(q.next() ? q.value(0).toInt() : -1));
+    }
+    return parts.join(QStringLiteral(", "));
+}
+
+QString counts(const QString& file)
+{
+    QString result;
+    withDatabase(file, [&](QSqlDatabase& db) { result = countsOf(db); });
+    return result;
+}
+
+// The books open on their own connection, as the main window has them from DBC.
+struct Books {
+    explicit Books(TestEnv& env, bool readOnly = false)
+        : file(env.path(QStringLiteral("seura.mdb")))
+    {
+        createFixture(file);
+        DatabaseFile::open(file, Connection, readOnly);
+    }
+    ~Books() { DatabaseFile::close(Connection); }
+    QSqlDatabase db() const { return QSqlDatabase::database(Connection, false); }
+    QString file;
+};
+
+QStringList safetyCopies(const TestEnv& env)
+{
+    return QDir(env.path(QStringLiteral("data/varmistukset"))).entryList(QDir::Files, QDir::Name);
+}
+
+} // namespace
+
+class tst_DatabaseMaintenance : public QObject {
+    Q_OBJECT
+
+private slots:
+    void parse_data();
+    void parse();
+    void commands_data();
+    void commands();
+    void deletedAccountsLeaveEntries();
+    void descriptionsWithApostropheStay();
+    void notFoundOrNothingToDo_data();
+    void notFoundOrNothingToDo();
+    void failingCommandChangesNothing();
+    void readOnlyBooksAreNotChanged();
+    void leaveCheckCanStop();
+    void noRoomForSafetyCopy();
+};
+
+void tst_DatabaseMaintenance::parse_data()
+{
+    using DatabaseMaintenance::Command;
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<int>("command");
+    QTest::addColumn<QString>("number");
+    QTest::newRow("upper case") << "POISTA KAIKKI" << int(Command::PoistaKaikki) << "";
+    QTest::newRow("lower case") << "poista kaikki" << int(Command::PoistaKaikki) << "";
+    QTest::newRow("mixed case") << "Tarkista Selitteet" << int(Command::TarkistaSelitteet) << "";
+    QTest::newRow("trailing blank is another text") << "POISTA TILIT " << int(Command::None) << "";
+    QTest::newRow("part of a command") << "POISTA" << int(Command::None) << "";
+    QTest::newRow("accounts") << "POISTA VIENNIT 1910" << int(Command::PoistaViennit) << " 1910";
+    QTest::newRow("accounts in lower case")
+        << "poista viennit 3000" << int(Command::PoistaViennit) << " 3000";
+    QTest::newRow("accounts, no blank") << "POISTA VIENNIT19" << int(Command::PoistaViennit) << "19";
+    QTest::newRow("accounts, 14 characters") << "POISTA VIENNIT" << int(Command::None) << "";
+    QTest::newRow("accounts, 15 characters") << "POISTA VIENNIT " << int(Command::None) << "";
+    QTest::newRow("accounts, 15 characters with a digit") << "POISTA VIENNIT1" << int(Command::None) << "";
+    QTest::newRow("accounts, 16 characters") << "POISTA VIENNIT 7" << int(Command::PoistaViennit) << " 7";
+}
+
+void tst_DatabaseMaintenance::parse()
+{
+    QFETCH(QString, answer);
+    QFETCH(int, command);
+    QFETCH(QString, number);
+    const DatabaseMaintenance::Parsed parsed = DatabaseMaintenance::parse(answer);
+    QCOMPARE(int(parsed.command), command);
+    QCOMPARE(parsed.number, number);
+}
+
+void tst_DatabaseMaintenance::commands_data()
+{
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("after");
+    QTest::newRow("POISTA KAIKKI") << "POISTA KAIKKI"
+                                   << "Kaikki poistettu."
+                                   << "tl 0, to 0, vi 0, toE 0, viE 0, ma 0, mr 0";
+    QTest::newRow("poista kaikki") << "poista kaikki"
+                                   << "Kaikki poistettu."
+                                   << "tl 0, to 0, vi 0, toE 0, viE 0, ma 0, mr 0";
+    QTest::newRow("POISTA NYKYISET TOSITTEET") << "POISTA NYKYISET TOSITTEET"
+                                               << "Nykyiset tositteet poistettu."
+                                               << "tl 3, to 0, vi 0, toE 2, viE 3, ma 3, mr 5";
+    QTest::newRow("POISTA EDELLISET TOSITTEET") << "POISTA EDELLISET TOSITTEET"
+                                                << "Edelliset tositteet poistettu."
+                                                << "tl 3, to 3, vi 6, toE 0, viE 0, ma 3, mr 5";
+    QTest::newRow("POISTA TULOSLASKELMAMALLIT") << "POISTA TULOSLASKELMAMALLIT"
+                                                << "Tuloslaskelmamallit poistettu."
+                                                << "tl 3, to 3, vi 6, toE 2, viE 3, ma 1, mr 2";
+    QTest::newRow("POISTA TASEMALLIT") << "POISTA TASEMALLIT"
+                                       << "Tasemallit poistettu."
+                                       << "tl 3, to 3, vi 6, toE 2, viE 3, ma 2, mr 3";
+    QTest::newRow("POISTA TILIT") << "POISTA TILIT"
+                                  << "Tilit poistettu."
+                                  << "tl 0, to 3, vi 6, toE 2, viE 3, ma 3, mr 5";
+    QTest::newRow("TARKISTA SELITTEET") << "TARKISTA SELITTEET"
+                                        << "Selitetekstit tarkistettu." << Initial;
+    // The account number keeps its separating blank in the message.
+    QTest::newRow("POISTA VIENNIT 1910") << "POISTA VIENNIT 1910"
+                                         << "Viennit tililtä  1910 poistettu."
+                                         << "tl 3, to 3, vi 3, toE 2, viE 1, ma 3, mr 5";
+    QTest::newRow("Poista viennit 3000") << "Poista viennit 3000"
+                                         << "Viennit tililtä  3000 poistettu."
+                                         << "tl 3, to 3, vi 5, toE 2, viE 2, ma 3, mr 5";
+}
+
+// Every command runs on the fixture, keeps a safety copy of the books as they were and names it
+// on the second line of its message.
+void tst_DatabaseMaintenance::commands()
+{
+    QFETCH(QString, answer);
+    QFETCH(QString, message);
+    QFETCH(QString, after);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    QCOMPARE(countsOf(books.db()), Initial);
+    int leaveChecks = 0;
+    dialogs.answerInput(answer);
+    DatabaseMaintenance::run(books.db(), [&] {
+        ++leaveChecks;
+        return true;
+    });
+    QCOMPARE(leaveChecks, 1);
+    QCOMPARE(countsOf(books.db()), after);
+
+    const QStringList copies = safetyCopies(env);
+    QCOMPARE(copies.size(), 1);
+    const QString copy = env.path(QStringLiteral("data/varmistukset/")) + copies.first();
+    QVERIFY2(copies.first().startsWith(QStringLiteral("seura-ennen-")), qPrintable(copies.first()));
+    QVERIFY(DatabaseFile::examine(copy));
+    QCOMPARE(counts(copy), Initial);
+
+    const QStringList texts = dialogs.texts(ScriptedDialogs::Kind::Information);
+    QCOMPARE(texts.size(), 1);
+    const QStringList lines = texts.first().split(u'\n');
+    QCOMPARE(lines.at(0), message);
+    QCOMPARE(lines.at(1), QStringLiteral("Varmuuskopio ennen muutosta: ") + copy);
+    QCOMPARE(dialogs.shown().first().text, QStringLiteral("Anna Vorkam komento"));
+}
+
+void tst_DatabaseMaintenance::deletedAccountsLeaveEntries()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    dialogs.answerInput(QStringLiteral("POISTA TILIT"));
+    DatabaseMaintenance::run(books.db());
+    // What the voucher check reports: every entry is left without its account.
+    QSqlQuery q(books.db());
+    QVERIFY(q.exec(QStringLiteral(
+        "SELECT COUNT(*) FROM vi WHERE NOT EXISTS (SELECT * FROM tl WHERE vi.vitlID = tl.tlID)")));
+    QVERIFY(q.next());
+    QCOMPARE(q.value(0).toInt(), 6);
+}
+
+void tst_DatabaseMaintenance::descriptionsWithApostropheStay()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    dialogs.answerInput(QStringLiteral("tarkista selitteet"));
+    DatabaseMaintenance::run(books.db());
+    QSqlQuery q(books.db());
+    QVERIFY(q.exec(QStringLiteral("SELECT vitoID, viSelite FROM vi ORDER BY viID")));
+    QStringList seen;
+    while (q.next())
+        seen.append(q.value(0).toString() + u':' + q.value(1).toString());
+    QCOMPARE(seen,
+        QStringList({ "1:Jäsenmaksu", "1:Jäsenmaksu", "2:vanha c", "2:vanha d", "3:Kahvit", "3:Kahvit" }));
+    const QStringList lines = dialogs.texts(ScriptedDialogs::Kind::Information).value(0).split(u'\n');
+    QCOMPARE(lines.size(), 3);
+    QCOMPARE(lines.at(2),
+        QStringLiteral("Tositteen 2 selitteessä on heittomerkki ('), joten sen vientien selitteet jätettiin "
+                       "ennalleen."));
+}
+
+void tst_DatabaseMaintenance::notFoundOrNothingToDo_data()
+{
+    QTest::addColumn<QVariant>("answer"); // invalid: the input box cancelled
+    QTest::addColumn<QStringList>("shown");
+    const QString notFound
+        = QStringLiteral("information: Komentoa ei löydy, tarkista komento.\nAntamasi komento: ");
+    QTest::newRow("cancelled") << QVariant() << QStringList();
+    QTest::newRow("empty") << QVariant(QString()) << QStringList();
+    QTest::newRow("unknown") << QVariant(QStringLiteral("TYHJENNÄ KAIKKI"))
+                             << QStringList { notFound + QStringLiteral("TYHJENNÄ KAIKKI") };
+    QTest::newRow("POISTA VIENNIT alone") << QVariant(QStringLiteral("POISTA VIENNIT"))
+                                          << QStringList { notFound + QStringLiteral("POISTA VIENNIT") };
+    QTest::newRow("POISTA VIENNIT and one character") << QVariant(
+        QStringLiteral("POISTA VIENNIT1")) << QStringList { notFound + QStringLiteral("POISTA VIENNIT1") };
+    QTest::newRow("blanks only") << QVariant(QStringLiteral("  "))
+                                 << QStringList { notFound + QStringLiteral("  ") };
+    QTest::newRow("no such account") << QVariant(QStringLiteral("POISTA VIENNIT 99999"))
+                                     << QStringList { QStringLiteral(
+                                            "information: Viennit tililtä  99999 poistettu.") };
+    QTest::newRow("not a number") << QVariant(QStringLiteral("POISTA VIENNIT 19x0"))
+                                  << QStringList { QStringLiteral(
+                                         "information: Viennit tililtä  19x0 poistettu.") };
+}
+
+// Nothing changes and no copy is made when no command runs or when it has nothing to delete.
+void tst_DatabaseMaintenance::notFoundOrNothingToDo()
+{
+    QFETCH(QVariant, answer);
+    QFETCH(QStringList, shown);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    answer.isValid() ? dialogs.answerInput(answer.toString()) : dialogs.cancelInput();
+    bool leaveChecked = false;
+    DatabaseMaintenance::run(books.db(), [&] { return leaveChecked = true; });
+    QCOMPARE(dialogs.transcript().mid(1), shown);
+    QVERIFY(!leaveChecked);
+    QCOMPARE(countsOf(books.db()), Initial);
+    QCOMPARE(safetyCopies(env), QStringList());
+}
+
+void tst_DatabaseMaintenance::failingCommandChangesNothing()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    // The template rows cannot be deleted: the vouchers deleted before them come back.
+    QSqlQuery q(books.db());
+    QVERIFY(q.exec(
+        QStringLiteral("CREATE TRIGGER esta BEFORE DELETE ON mr BEGIN SELECT RAISE(ABORT, 'lukittu'); END")));
+    dialogs.answerInput(QStringLiteral("POISTA KAIKKI"));
+    DatabaseMaintenance::run(books.db());
+    QCOMPARE(countsOf(books.db()), Initial);
+    const QStringList errors = dialogs.texts(ScriptedDialogs::Kind::Error);
+    QCOMPARE(errors.size(), 1);
+    QVERIFY2(errors.first().startsWith(QStringLiteral("Komento ei onnistunut. Tietokantaa ei muutettu.\n")),
+        qPrintable(errors.first()));
+    QVERIFY(errors.first().contains(QStringLiteral("lukittu")));
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Information), QStringList());
+}
+
+void tst_DatabaseMaintenance::readOnlyBooksAreNotChanged()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env, true);
+    dialogs.answerInput(QStringLiteral("POISTA KAIKKI"));
+    DatabaseMaintenance::run(books.db());
+    QCOMPARE(dialogs.transcript().mid(1),
+        QStringList { QStringLiteral(
+            "information: Tietokanta on avattu vain luettavaksi, joten komentoa ei voi suorittaa.") });
+    QCOMPARE(counts(books.file), Initial);
+    QCOMPARE(safetyCopies(env), QStringList());
+}
+
+void tst_DatabaseMaintenance::leaveCheckCanStop()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    dialogs.answerInput(QStringLiteral("POISTA TILIT"));
+    DatabaseMaintenance::run(books.db(), [] { return false; });
+    QCOMPARE(dialogs.transcript().size(), 1);
+    QCOMPARE(countsOf(books.db()), Initial);
+    QCOMPARE(safetyCopies(env), QStringList());
+}
+
+void tst_DatabaseMaintenance::noRoomForSafetyCopy()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    // A file stands where the safety copies' folder should be.
+    TestEnv::writeFile(env.path(QStringLiteral("data/varmistukset")), "x");
+    dialogs.answerInput(QStringLiteral("POISTA KAIKKI"));
+    DatabaseMaintenance::run(books.db());
+    QCOMPARE(countsOf(books.db()), Initial);
+    const QStringList errors = dialogs.texts(ScriptedDialogs::Kind::Error);
+    QCOMPARE(errors.size(), 1);
+    QVERIFY2(errors.first().startsWith(QStringLiteral("Tietokannasta ei voitu ottaa varmuuskopiota, joten "
+                                                      "komentoa ei suoritettu. Tietokantaa ei muutettu.")),
+        qPrintable(errors.first()));
+}
+
+QTEST_GUILESS_MAIN(tst_DatabaseMaintenance)
+#include "tst_DatabaseMaintenance.moc"

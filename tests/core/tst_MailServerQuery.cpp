@@ -1,0 +1,163 @@
+#include "MailServerQuery.h"
+#include "ScriptedDialogs.h"
+#include "ScriptedResolver.h"
+
+#include <QTest>
+
+using Exchanges = QList<QPair<int, QByteArray>>;
+Q_DECLARE_METATYPE(Resolver::Status)
+
+namespace {
+
+// An answer for yhdistys.fi taken as bytes, as it came from a name server: two exchangers,
+// the second more preferred, both written with pointers to the question's name.
+const QByteArray Captured = QByteArray::fromHex("abcd8180000100020000000008796864697374797302666900000f0001"
+                                                "c00c000f000100000e1000080014036261"
+                                                "7ac00c"
+                                                "c00c000f000100000e100007000a026d78c00c");
+
+QString summary(const std::optional<QList<MailServerQuery::Exchange>>& parsed)
+{
+    if (!parsed)
+        return QStringLiteral("not an answer");
+    QStringList parts;
+    for (const MailServerQuery::Exchange& e : *parsed)
+        parts.append(QString::number(e.preference) + u' ' + e.host);
+    return parts.join(QStringLiteral(", "));
+}
+
+} // namespace
+
+class tst_MailServerQuery : public QObject {
+    Q_OBJECT
+
+private slots:
+    void domainOfAddress_data();
+    void domainOfAddress();
+    void parseAnswer_data();
+    void parseAnswer();
+    void capturedAnswer();
+    void offer_data();
+    void offer();
+};
+
+void tst_MailServerQuery::domainOfAddress_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<QByteArray>("domain");
+    QTest::newRow("plain") << "rahastonhoitaja@yhdistys.fi" << QByteArray("yhdistys.fi");
+    QTest::newRow("blanks around") << "  anna@kuoro.fi  " << QByteArray("kuoro.fi");
+    QTest::newRow("trailing dot") << "anna@kuoro.fi." << QByteArray("kuoro.fi");
+    QTest::newRow("international name") << "anna@äänekoski.fi" << QByteArray("xn--nekoski-4waa.fi");
+    QTest::newRow("last @ counts") << "\"a@b\"@seura.fi" << QByteArray("seura.fi");
+    QTest::newRow("no @") << "anna.kuoro.fi" << QByteArray();
+    QTest::newRow("nothing after @") << "anna@" << QByteArray();
+    QTest::newRow("no dot in domain") << "anna@localhost" << QByteArray();
+    QTest::newRow("blank inside") << "anna@kuo ro.fi" << QByteArray();
+    QTest::newRow("empty") << "" << QByteArray();
+}
+
+void tst_MailServerQuery::domainOfAddress()
+{
+    QFETCH(QString, address);
+    QFETCH(QByteArray, domain);
+    QCOMPARE(MailServerQuery::domainOf(address), domain);
+}
+
+void tst_MailServerQuery::parseAnswer_data()
+{
+    QTest::addColumn<QByteArray>("message");
+    QTest::addColumn<QString>("parsed");
+    const QByteArray d("yhdistys.fi");
+    QTest::newRow("one exchanger") << ScriptedResolver::mxAnswer(d, Exchanges { { 10, "mx.yhdistys.fi" } })
+                                   << "10 mx.yhdistys.fi";
+    QTest::newRow("preferred first") << ScriptedResolver::mxAnswer(
+        d, Exchanges { { 30, "c.yhdistys.fi" }, { 5, "a.palvelu.net" }, { 10, "b.yhdistys.fi" } })
+                                     << "5 a.palvelu.net, 10 b.yhdistys.fi, 30 c.yhdistys.fi";
+    QTest::newRow("no answer records") << ScriptedResolver::mxAnswer(d, Exchanges {}) << "";
+    QTest::newRow("null MX: no mail") << ScriptedResolver::mxAnswer(d, Exchanges { { 0, "." } }) << "";
+    QTest::newRow("international exchanger")
+        << ScriptedResolver::mxAnswer(d, Exchanges { { 10, "xn--nekoski-4waa.fi" } })
+        << "10 xn--nekoski-4waa.fi";
+    QTest::newRow("empty") << QByteArray() << "not an answer";
+    QTest::newRow("header only") << QByteArray(12, '\0') << "";
+    QTest::newRow("cut short")
+        << ScriptedResolver::mxAnswer(d, Exchanges { { 10, "mx.yhdistys.fi" } }).chopped(3)
+        << "not an answer";
+    QTest::newRow("garbage") << QByteArray("Tämä ei ole nimipalvelimen vastaus") << "not an answer";
+}
+
+void tst_MailServerQuery::parseAnswer()
+{
+    QFETCH(QByteArray, message);
+    QFETCH(QString, parsed);
+    QCOMPARE(summary(MailServerQuery::parseAnswer(message)), parsed);
+}
+
+void tst_MailServerQuery::capturedAnswer()
+{
+    QCOMPARE(summary(MailServerQuery::parseAnswer(Captured)),
+        QStringLiteral("10 mx.yhdistys.fi, 20 baz.yhdistys.fi"));
+}
+
+void tst_MailServerQuery::offer_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<Resolver::Status>("status");
+    QTest::addColumn<QByteArray>("message");
+    QTest::addColumn<bool>("answerYes");
+    QTest::addColumn<QStringList>("transcript");
+    QTest::addColumn<QString>("server");
+
+    const QString found = QStringLiteral(
+        "question: Kysely löysi palvelimen: mx.yhdistys.fi\nHaluatko korvata nykyisen palvelinasetuksen?");
+    const QString notFound = QStringLiteral("information: Kysely ei löytänyt sähköpostipalvelinta.");
+    QTest::newRow("found, Yes") << "anna@yhdistys.fi" << Resolver::Status::Answer << Captured << true
+                                << QStringList { found } << "mx.yhdistys.fi";
+    QTest::newRow("found, No") << "anna@yhdistys.fi" << Resolver::Status::Answer << Captured << false
+                               << QStringList { found } << "";
+    QTest::newRow("domain without MX") << "anna@yhdistys.fi" << Resolver::Status::NoData << QByteArray()
+                                       << false << QStringList { notFound } << "";
+    QTest::newRow("no such domain") << "anna@eiole.fi" << Resolver::Status::NoSuchDomain << QByteArray()
+                                    << false << QStringList { notFound } << "";
+    QTest::newRow("null MX") << "anna@yhdistys.fi" << Resolver::Status::Answer
+                             << ScriptedResolver::mxAnswer("yhdistys.fi", Exchanges { { 0, "." } }) << false
+                             << QStringList { notFound } << "";
+    QTest::newRow("no network")
+        << "anna@yhdistys.fi" << Resolver::Status::NoAnswer << QByteArray() << false
+        << QStringList { notFound + QStringLiteral("\nNimipalvelin ei vastannut: tarkista verkkoyhteys.") }
+        << "";
+    QTest::newRow("answer that is no DNS message")
+        << "anna@yhdistys.fi" << Resolver::Status::Answer << QByteArray("roskaa") << false
+        << QStringList { notFound + QStringLiteral("\nNimipalvelin ei vastannut: tarkista verkkoyhteys.") }
+        << "";
+    QTest::newRow("address without @")
+        << "anna.yhdistys.fi" << Resolver::Status::Answer << Captured << false
+        << QStringList { QStringLiteral(
+               "information: Anna ensin sähköpostiosoite muodossa nimi@yhdistys.fi, niin "
+               "palvelinta haetaan osoitteen verkkotunnuksesta.") }
+        << "";
+}
+
+void tst_MailServerQuery::offer()
+{
+    QFETCH(QString, address);
+    QFETCH(Resolver::Status, status);
+    QFETCH(QByteArray, message);
+    QFETCH(bool, answerYes);
+    QFETCH(QStringList, transcript);
+    QFETCH(QString, server);
+    ScriptedDialogs dialogs;
+    ScriptedResolver resolver;
+    resolver.reply = { status, message };
+    if (transcript.first().startsWith(QLatin1String("question")))
+        answerYes ? dialogs.answerYes() : dialogs.answerNo();
+    const std::optional<QString> offered = MailServerQuery::offer(MailServerQuery::find(address));
+    QCOMPARE(dialogs.transcript(), transcript);
+    QCOMPARE(offered.value_or(QString()), server);
+    // Only an address with a domain is asked about, and by its domain alone.
+    QCOMPARE(resolver.asked.size(), MailServerQuery::domainOf(address).isEmpty() ? 0 : 1);
+}
+
+QTEST_GUILESS_MAIN(tst_MailServerQuery)
+#include "tst_MailServerQuery.moc"

@@ -1,0 +1,430 @@
+#include "DatabaseFile.h"
+#include "Paths.h"
+#include "ProgramSettings.h"
+#include "ScriptedDialogs.h"
+#include "SettingsForm.h"
+#include "SettingsStore.h"
+#include "TestEnv.h"
+
+#include <QFile>
+#include <QSqlQuery>
+#include <QTest>
+
+namespace {
+
+const QString Connection = QStringLiteral("tst_settings_books");
+const QString NotFound
+    = QStringLiteral("information: Tietokantaa ei löydy, korjaa asetuksista tietokannan nimi");
+const QString Closing = QStringLiteral("information: Vorkam suljetaan, koska tietokanta on vaihdettu.");
+
+const QStringList StoreOrder = { "TilikausiAlku", "EdTilikausiAlku", "TilikausiLoppu", "EdTilikausiLoppu",
+    "LaskettavaTili", "VoittoTaseella", "Email", "SMTP", "VaakaTulostus", "VanhatMallit", "VanhatTositteet",
+    "AutomaattisestiUusiTosite", "Fontti", "FonttiKoko", "MargYla", "MargAla", "MargVas", "MargOik",
+    "Seurannimi" };
+
+// Books in use as after a start: open on their own connection, their settings loaded.
+struct Books {
+    explicit Books(TestEnv& env, const QString& name = QStringLiteral("seura.mdb"), bool readOnly = false)
+        : file(env.path(name))
+    {
+        TestEnv::createDatabase(file);
+        env.writeIni("[VORKAM]\nDatabase=" + file.toUtf8() + "\n");
+        ProgramSettings::loadInstallation();
+        DatabaseFile::open(file, Connection, readOnly);
+        ProgramSettings::loadBookkeeping(db(), file, QDate(2024, 6, 1));
+    }
+    ~Books() { DatabaseFile::close(Connection); }
+    QSqlDatabase db() const { return QSqlDatabase::database(Connection, false); }
+    QString file;
+};
+
+// The keys of the Settings table in the order they were first written, with their values.
+QStringList stored(const QString& file)
+{
+    QStringList rows;
+    withDatabase(file, [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        q.exec(QStringLiteral("SELECT setKey, setString FROM Settings ORDER BY setID"));
+        while (q.next())
+            rows.append(q.value(0).toString() + u'=' + q.value(1).toString());
+    });
+    return rows;
+}
+
+QStringList keys(const QStringList& rows)
+{
+    QStringList result;
+    for (const QString& row : rows)
+        result.append(row.section(u'=', 0, 0));
+    return result;
+}
+
+QString* field(SettingsForm& form, const QString& name)
+{
+    const std::pair<const char*, QString SettingsForm::*> fields[] = {
+        { "TilikausiAlku", &SettingsForm::TilikausiAlku },
+        { "EdTilikausiAlku", &SettingsForm::EdTilikausiAlku },
+        { "TilikausiLoppu", &SettingsForm::TilikausiLoppu },
+        { "EdTilikausiLoppu", &SettingsForm::EdTilikausiLoppu },
+        { "FonttiKoko", &SettingsForm::FonttiKoko },
+        { "MargYla", &SettingsForm::MargYla },
+        { "MargAla", &SettingsForm::MargAla },
+        { "MargVas", &SettingsForm::MargVas },
+        { "MargOik", &SettingsForm::MargOik },
+    };
+    for (const auto& [key, member] : fields)
+        if (name == QLatin1String(key))
+            return &(form.*member);
+    return nullptr;
+}
+
+int leafPage(const QString& file, const QString& name)
+{
+    int page = 0;
+    withDatabase(file, [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        q.prepare(QStringLiteral(
+            "SELECT pageno FROM dbstat WHERE name = ? AND pagetype = 'leaf' ORDER BY pageno LIMIT 1"));
+        q.addBindValue(name);
+        if (q.exec() && q.next())
+            page = q.value(0).toInt();
+    });
+    return page;
+}
+
+} // namespace
+
+class tst_SettingsForm : public QObject {
+    Q_OBJECT
+
+private slots:
+    void storedInOrderAndInForceAtOnce();
+    void refusedValues_data();
+    void refusedValues();
+    void shortYearAndNoAccount();
+    void installationSettings();
+    void newDatabaseThatCannotBeUsed_data();
+    void newDatabaseThatCannotBeUsed();
+    void damagedNewDatabaseIsRepaired();
+    void newDatabaseEndsTheProgram_data();
+    void newDatabaseEndsTheProgram();
+    void readOnlyBooksKeepTheirSettings();
+};
+
+void tst_SettingsForm::storedInOrderAndInForceAtOnce()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    SettingsForm form = SettingsForm::current();
+    QCOMPARE(form.TilikausiAlku, QStringLiteral("1.1.2024"));
+    QCOMPARE(form.Seurannimi, QStringLiteral("seura"));
+    const QList<SettingsForm::Account> accounts = SettingsForm::accounts(books.db());
+    QCOMPARE(accounts.size(), 3);
+    QCOMPARE(accounts.first().text, QStringLiteral("1910 Pankkitili"));
+    form.TilikausiAlku = QStringLiteral("1.7.2024");
+    form.TilikausiLoppu = QStringLiteral("30.6.2025");
+    form.EdTilikausiAlku = QStringLiteral("1.7.2023");
+    form.EdTilikausiLoppu = QStringLiteral("30.6.2024");
+    form.LaskettavaTili = accounts.first().id;
+    form.VoittoTaseella = accounts.at(1).id;
+    form.Email = QStringLiteral("anna@kuoro.fi");
+    form.VaakaTulostus = true;
+    form.VanhatTositteet = true;
+    form.Fontti = QStringLiteral("Liberation Sans");
+    form.FonttiKoko = QStringLiteral("12");
+    form.MargYla = QStringLiteral("10");
+    form.MargVas = QStringLiteral(" 20 ");
+    form.Seurannimi = QStringLiteral("Kuoro O'Laulu ry");
+
+    const SettingsForm::Saved saved = form.save(books.db());
+    QCOMPARE(dialogs.transcript(), QStringList());
+    QCOMPARE(saved.refused, QStringList());
+    QVERIFY(!saved.stopped && !saved.databaseChanged);
+    const QStringList rows = stored(books.file);
+    QCOMPARE(keys(rows), StoreOrder);
+    QCOMPARE(rows.mid(0, 4),
+        QStringList({ "TilikausiAlku=1.7.2024", "EdTilikausiAlku=1.7.2023", "TilikausiLoppu=30.6.2025",
+            "EdTilikausiLoppu=30.6.2024" }));
+    QVERIFY(rows.contains(QStringLiteral("VaakaTulostus=1")));
+    QVERIFY(rows.contains(QStringLiteral("VanhatMallit=0")));
+    QVERIFY(rows.contains(QStringLiteral("MargVas=20")));
+    QVERIFY(rows.contains(QStringLiteral("LaskettavaTili=%1").arg(accounts.first().id)));
+    QCOMPARE(rows.last(), QStringLiteral("Seurannimi=Kuoro O'Laulu ry"));
+
+    // In force at once, without a new start.
+    const BookkeepingSettings& now = ProgramSettings::bookkeeping();
+    QCOMPARE(now.TilikausiAlku, QDate(2024, 7, 1));
+    QCOMPARE(now.EdTilikausiLoppu, QDate(2024, 6, 30));
+    QCOMPARE(now.LaskettavaTili, accounts.first().id);
+    QCOMPARE(now.Seurannimi, QStringLiteral("Kuoro O'Laulu ry"));
+    QCOMPARE(now.FonttiKoko, qint16(12));
+    QCOMPARE(ProgramSettings::reportMargins().top, 480);
+    QCOMPARE(ProgramSettings::reportMargins().left, 960);
+    QCOMPARE(SettingsForm::current().MargVas, QStringLiteral("20"));
+
+    // Saved again, nothing is added: the same rows are rewritten.
+    QVERIFY(SettingsForm::current().save(books.db()).refused.isEmpty());
+    QCOMPARE(stored(books.file).size(), StoreOrder.size());
+}
+
+void tst_SettingsForm::refusedValues_data()
+{
+    QTest::addColumn<QStringList>("typed"); // "Key=text"
+    QTest::addColumn<QStringList>("messages");
+    QTest::addColumn<QStringList>("refused");
+    const auto info
+        = [](const char* text) { return QStringLiteral("information: ") + QString::fromUtf8(text); };
+    QTest::newRow("start of the year")
+        << QStringList { "TilikausiAlku=31.2.2024" }
+        << QStringList { info("Syötä tilikauden aluksi päivämäärä.") } << QStringList { "tTilikausiAlku" };
+    QTest::newRow("every date, in the order of storing")
+        << QStringList { "TilikausiLoppu=", "EdTilikausiLoppu=1.13.2023", "EdTilikausiAlku=eilen",
+               "TilikausiAlku=1.1." }
+        << QStringList { info("Syötä tilikauden aluksi päivämäärä."),
+               info("Syötä edellisen tilikauden aluksi päivämäärä."),
+               info("Syötä tilikauden lopuksi päivämäärä."),
+               info("Syötä edellisen tilikauden lopuksi päivämäärä.") }
+        << QStringList { "tTilikausiAlku", "tEdTilikausiAlku", "tTilikausiLoppu", "tEdTilikausiLoppu" };
+    QTest::newRow("margin of letters")
+        << QStringList { "MargAla=abc" } << QStringList { info("Syötä marginaaliksi ainoastaan numeroita.") }
+        << QStringList { "tMargAla" };
+    QTest::newRow("three margins wrong, told once")
+        << QStringList { "MargYla=-5", "MargVas=12,5", "MargOik=" }
+        << QStringList { info("Syötä marginaaliksi ainoastaan numeroita.") }
+        << QStringList { "tMargYla", "tMargVas", "tMargOik" };
+    QTest::newRow("margin too large")
+        << QStringList { "MargOik=99999" }
+        << QStringList { info("Syötä marginaaliksi ainoastaan numeroita.") } << QStringList { "tMargOik" };
+    QTest::newRow("date and margin") << QStringList { "MargYla=x", "EdTilikausiAlku=32.1.2023" }
+                                     << QStringList { info("Syötä edellisen tilikauden aluksi päivämäärä."),
+                                            info("Syötä marginaaliksi ainoastaan numeroita.") }
+                                     << QStringList { "tEdTilikausiAlku", "tMargYla" };
+    QTest::newRow("font size") << QStringList { "FonttiKoko=iso" }
+                               << QStringList { info("Syötä kirjasimen kooksi numero.") }
+                               << QStringList { "cmbFonttiKoko" };
+}
+
+// A refused value is told, keeps what was stored for its key, and the other keys are stored
+// all the same.
+void tst_SettingsForm::refusedValues()
+{
+    QFETCH(QStringList, typed);
+    QFETCH(QStringList, messages);
+    QFETCH(QStringList, refused);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    withDatabase(books.file, [](QSqlDatabase& db) {
+        DbSettingsStore store(db);
+        for (const char* key : { "TilikausiAlku", "EdTilikausiAlku", "TilikausiLoppu", "EdTilikausiLoppu" })
+            store.write(QString::fromLatin1(key), QStringLiteral("vanha"));
+        for (const char* key : { "MargYla", "MargAla", "MargVas", "MargOik", "FonttiKoko" })
+            store.write(QString::fromLatin1(key), QStringLiteral("7"));
+    });
+    ProgramSettings::loadBookkeeping(books.db(), books.file, QDate(2024, 6, 1));
+    const BookkeepingSettings before = ProgramSettings::bookkeeping();
+    SettingsForm form = SettingsForm::current();
+    form.Email = QStringLiteral("uusi@kuoro.fi");
+    for (const QString& t : typed)
+        *field(form, t.section(u'=', 0, 0)) = t.section(u'=', 1);
+
+    const SettingsForm::Saved saved = form.save(books.db());
+    QCOMPARE(dialogs.transcript(), messages);
+    QCOMPARE(saved.refused, refused);
+    QVERIFY(!saved.stopped);
+    const QStringList rows = stored(books.file);
+    for (const QString& t : typed) {
+        const QString key = t.section(u'=', 0, 0);
+        const QString old
+            = key.contains(QLatin1String("Tilikausi")) ? QStringLiteral("vanha") : QStringLiteral("7");
+        QVERIFY2(rows.contains(key + u'=' + old), qPrintable(rows.join(u' ')));
+    }
+    QVERIFY(rows.contains(QStringLiteral("Email=uusi@kuoro.fi")));
+    // The program goes on with what was stored before for the refused keys.
+    const BookkeepingSettings& now = ProgramSettings::bookkeeping();
+    QCOMPARE(now.Email, QStringLiteral("uusi@kuoro.fi"));
+    QCOMPARE(now.MargYla, before.MargYla);
+    QCOMPARE(now.TilikausiAlku, before.TilikausiAlku);
+}
+
+void tst_SettingsForm::shortYearAndNoAccount()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    SettingsForm form = SettingsForm::current();
+    form.TilikausiAlku = QStringLiteral("1.7.24");
+    form.LaskettavaTili = 0;
+    form.Seurannimi = QStringLiteral("   ");
+    QVERIFY(form.save(books.db()).refused.isEmpty());
+    const QStringList rows = stored(books.file);
+    QVERIFY(rows.contains(QStringLiteral("TilikausiAlku=1.7.2024")));
+    QVERIFY(rows.contains(QStringLiteral("LaskettavaTili=0")));
+    QVERIFY(rows.contains(QStringLiteral("Seurannimi=")));
+    // Without a name the association is shown by its file's name, as at start.
+    QCOMPARE(ProgramSettings::bookkeeping().Seurannimi, QStringLiteral("seura"));
+}
+
+void tst_SettingsForm::installationSettings()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    SettingsForm form = SettingsForm::current();
+    form.DatabaseBackup = env.path(QStringLiteral("tikku"));
+    form.MultiDb = true;
+    QVERIFY(form.save(books.db()).refused.isEmpty());
+    QVERIFY(env.readIni().contains(
+        QStringLiteral("DatabaseBackup=") + env.path(QStringLiteral("tikku")) + u'\n'));
+    QVERIFY(env.readIni().contains(QStringLiteral("MultiDb=1")));
+    QCOMPARE(ProgramSettings::installation().DatabaseBackup, env.path(QStringLiteral("tikku")));
+    QVERIFY(ProgramSettings::installation().MultiDb);
+    // An emptied backup folder is Vorkam's own again.
+    form.DatabaseBackup.clear();
+    form.save(books.db());
+    QCOMPARE(ProgramSettings::installation().DatabaseBackup, Paths::defaultBackupDir());
+    QCOMPARE(dialogs.transcript(), QStringList());
+}
+
+void tst_SettingsForm::newDatabaseThatCannotBeUsed_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("missing") << "missing" << NotFound;
+    QTest::newRow("folder missing") << "folder" << NotFound;
+    QTest::newRow("old Jet file")
+        << "jet"
+        << "error: Tietokanta %1 on vanhassa Jet-muodossa, jota Vorkam ei voi avata "
+           "sellaisenaan.\nTietokanta on muunnettava Vorkamin muotoon ennen käyttöä. "
+           "Tiedostoa ei ole muutettu.";
+    QTest::newRow("not Vorkam's books")
+        << "foreign"
+        << "error: Tiedosto %1 ei ole Vorkamin tietokanta: siitä puuttuu taulu tl.";
+}
+
+// Books that cannot be used are told about as at start and nothing at all is stored: the
+// setting keeps naming the books in use.
+void tst_SettingsForm::newDatabaseThatCannotBeUsed()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, message);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    QString other = env.path(QStringLiteral("toinen.mdb"));
+    if (kind == u"folder")
+        other = env.path(QStringLiteral("eiole/toinen.mdb"));
+    if (kind == u"jet")
+        TestEnv::writeFile(other, QByteArray("\0\1\0\0Standard Jet DB\0", 20) + QByteArray(2000, '\0'));
+    if (kind == u"foreign")
+        withDatabase(
+            other, [](QSqlDatabase& db) { QSqlQuery(db).exec(QStringLiteral("CREATE TABLE muu (x)")); });
+    const QString ini = env.readIni();
+    SettingsForm form = SettingsForm::current();
+    form.Database = other;
+    form.Seurannimi = QStringLiteral("Uusi nimi");
+    bool leaveChecked = false;
+    const SettingsForm::Saved saved = form.save(books.db(), [&] { return leaveChecked = true; });
+    QCOMPARE(dialogs.transcript(), QStringList { message.contains(u'%') ? message.arg(other) : message });
+    QCOMPARE(saved.refused, QStringList { QStringLiteral("tDatabase") });
+    QVERIFY(saved.stopped && !saved.databaseChanged && !leaveChecked);
+    QCOMPARE(env.readIni(), ini);
+    QCOMPARE(ProgramSettings::installation().Database, books.file);
+    QCOMPARE(stored(books.file), QStringList());
+    QVERIFY(ProgramSettings::bookkeeping().Seurannimi != QStringLiteral("Uusi nimi"));
+}
+
+void tst_SettingsForm::damagedNewDatabaseIsRepaired()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    const QString other = env.path(QStringLiteral("toinen.mdb"));
+    QVERIFY(TestEnv::createDatabase(other));
+    QByteArray bytes = TestEnv::readFile(other);
+    const int page = leafPage(other, QStringLiteral("ix_to_toNumero"));
+    QVERIFY(page > 1);
+    for (int i = (page - 1) * 4096; i < page * 4096; ++i)
+        bytes[i] = char(0xA5 ^ (i & 0xFF));
+    QVERIFY(TestEnv::writeFile(other, bytes));
+    SettingsForm form = SettingsForm::current();
+    form.Database = other;
+    const SettingsForm::Saved saved = form.save(books.db());
+    const QStringList shown = dialogs.transcript();
+    QCOMPARE(shown.first(),
+        QStringLiteral("plain: Tietokanta on vioittunut edellisen käyttökerran lopetuksen "
+                       "yhteydessä, yritän korjata tietokannan. Odota hetki."));
+    QVERIFY2(shown.at(1).startsWith(QStringLiteral("information: Tietokanta korjattiin.")),
+        qPrintable(shown.at(1)));
+    QCOMPARE(shown.last(), Closing);
+    // The same work files as at start: the damaged original is kept beside the repaired file.
+    QCOMPARE(TestEnv::readFile(other + QStringLiteral("OLD")), bytes);
+    QVERIFY(!QFile::exists(other + u'2'));
+    QVERIFY(saved.databaseChanged);
+    QCOMPARE(ProgramSettings::installation().Database, other);
+}
+
+void tst_SettingsForm::newDatabaseEndsTheProgram_data()
+{
+    QTest::addColumn<bool>("leave");
+    QTest::newRow("working windows left") << true;
+    QTest::newRow("a working window stays") << false;
+}
+
+// Other books are taken into use at the next start; the settings shown in the window are those
+// of the books in use and are kept in them, and the new books keep their own.
+void tst_SettingsForm::newDatabaseEndsTheProgram()
+{
+    QFETCH(bool, leave);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    const QString other = env.path(QStringLiteral("toinen.mdb"));
+    QVERIFY(TestEnv::createDatabase(other));
+    withDatabase(other, [](QSqlDatabase& db) {
+        DbSettingsStore(db).write(QStringLiteral("Seurannimi"), QStringLiteral("Toinen ry"));
+    });
+    const QString ini = env.readIni();
+    SettingsForm form = SettingsForm::current();
+    form.Database = QStringLiteral("  ") + other + u' ';
+    form.Seurannimi = QStringLiteral("Ensimmäinen ry");
+    int leaveChecks = 0;
+    const SettingsForm::Saved saved = form.save(books.db(), [&] {
+        ++leaveChecks;
+        return leave;
+    });
+    QCOMPARE(leaveChecks, 1);
+    if (!leave) {
+        QCOMPARE(dialogs.transcript(), QStringList());
+        QVERIFY(saved.stopped && !saved.databaseChanged);
+        QCOMPARE(env.readIni(), ini);
+        QCOMPARE(stored(books.file), QStringList());
+        return;
+    }
+    QCOMPARE(dialogs.transcript(), QStringList { Closing });
+    QVERIFY(saved.databaseChanged);
+    QVERIFY(env.readIni().contains(QStringLiteral("Database=") + other + u'\n'));
+    QVERIFY(stored(books.file).contains(QStringLiteral("Seurannimi=Ensimmäinen ry")));
+    QCOMPARE(stored(other), QStringList { QStringLiteral("Seurannimi=Toinen ry") });
+}
+
+void tst_SettingsForm::readOnlyBooksKeepTheirSettings()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env, QStringLiteral("seura.mdb"), true);
+    const QByteArray before = TestEnv::readFile(books.file);
+    SettingsForm form = SettingsForm::current();
+    form.Seurannimi = QStringLiteral("Muutettu");
+    form.MultiDb = true;
+    const SettingsForm::Saved saved = form.save(books.db());
+    QVERIFY(!saved.stopped);
+    QCOMPARE(dialogs.transcript(), QStringList());
+    QCOMPARE(TestEnv::readFile(books.file), before);
+    QVERIFY(ProgramSettings::installation().MultiDb);
+    QVERIFY(ProgramSettings::bookkeeping().Seurannimi != QStringLiteral("Muutettu"));
+}
+
+QTEST_GUILESS_MAIN(tst_SettingsForm)
+#include "tst_SettingsForm.moc"

@@ -1,0 +1,338 @@
+#include "DatabaseFile.h"
+#include "ProgramSettings.h"
+#include "ScriptedDialogs.h"
+#include "ScriptedResolver.h"
+#include "SettingsStore.h"
+#include "TestEnv.h"
+#include "frmAsetukset.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSqlQuery>
+#include <QTabWidget>
+#include <QTest>
+
+namespace {
+
+const QString Connection = QStringLiteral("tst_frmAsetukset_books");
+const QString Ask = QStringLiteral("question: Asetuksia on muutettu, tallennetaanko?");
+
+// Books in use with a few stored settings, as after a start.
+struct Books {
+    explicit Books(TestEnv& env, bool open = true)
+        : file(env.path(QStringLiteral("seura.mdb")))
+    {
+        TestEnv::createDatabase(file);
+        withDatabase(file, [](QSqlDatabase& db) {
+            DbSettingsStore store(db);
+            store.write(QStringLiteral("TilikausiAlku"), QStringLiteral("1.7.2024"));
+            store.write(QStringLiteral("LaskettavaTili"), QStringLiteral("1"));
+            store.write(QStringLiteral("VaakaTulostus"), QStringLiteral("-1"));
+            store.write(QStringLiteral("MargOik"), QStringLiteral("12"));
+            store.write(QStringLiteral("Seurannimi"), QStringLiteral("Kuoro ry"));
+        });
+        env.writeIni("[VORKAM]\nDatabase=" + file.toUtf8() + "\n");
+        ProgramSettings::loadInstallation();
+        if (open) {
+            DatabaseFile::open(file, Connection);
+            ProgramSettings::loadBookkeeping(db(), file, QDate(2024, 6, 1));
+        }
+    }
+    ~Books() { DatabaseFile::close(Connection); }
+    QSqlDatabase db() const { return QSqlDatabase::database(Connection, false); }
+    QString file;
+};
+
+template <typename T> T* child(const QWidget& w, const char* name)
+{
+    T* found = w.findChild<T*>(QString::fromLatin1(name));
+    if (!found)
+        qFatal("no control %s", name);
+    return found;
+}
+
+QString text(const QWidget& w, const char* name) { return child<QLineEdit>(w, name)->text(); }
+
+// Types over what the field holds, as the user does.
+void type(const QWidget& w, const char* name, const QString& value)
+{
+    QLineEdit* field = child<QLineEdit>(w, name);
+    field->selectAll();
+    if (value.isEmpty())
+        QTest::keyClick(field, Qt::Key_Delete);
+    else
+        QTest::keyClicks(field, value);
+}
+
+QString storedValue(const QString& file, const QString& key)
+{
+    QString value = QStringLiteral("(none)");
+    withDatabase(file, [&](QSqlDatabase& db) { value = DbSettingsStore(db).read(key, value); });
+    return value;
+}
+
+} // namespace
+
+class tst_frmAsetukset : public QObject {
+    Q_OBJECT
+
+private slots:
+    void controlsShowTheSettings();
+    void savedValuesTakeEffectAtOnce();
+    void refusedFieldKeepsWindowOpen();
+    void closing_data();
+    void closing();
+    void databaseChooser_data();
+    void databaseChooser();
+    void mailServerQuery();
+    void withoutBooksOnlyTheDatabaseCanChange();
+    void enterMovesToNextField();
+};
+
+void tst_frmAsetukset::controlsShowTheSettings()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    frmAsetukset w(books.db());
+    QCOMPARE(w.windowTitle(), QStringLiteral("Asetukset"));
+    QCOMPARE(text(w, "tTilikausiAlku"), QStringLiteral("1.7.2024"));
+    QCOMPARE(text(w, "tTilikausiLoppu"), QStringLiteral("31.12.2024"));
+    QCOMPARE(text(w, "tEdTilikausiAlku"), QStringLiteral("1.1.2023"));
+    QCOMPARE(text(w, "tEdTilikausiLoppu"), QStringLiteral("1.1.2023"));
+    QCOMPARE(text(w, "tSeurannimi"), QStringLiteral("Kuoro ry"));
+    QCOMPARE(text(w, "tMargOik"), QStringLiteral("12"));
+    QCOMPARE(text(w, "tMargYla"), QStringLiteral("0"));
+    QCOMPARE(text(w, "tDatabase"), books.file);
+    QCOMPARE(text(w, "tDatabaseBackup"), env.path(QStringLiteral("data/varmistukset/")));
+    QVERIFY(!child<QCheckBox>(w, "chkMultiDb")->isChecked());
+    QVERIFY(child<QCheckBox>(w, "chkVaakatulostus")->isChecked());
+    for (const char* name : { "chkVanhatMallit", "chkVanhatTositteet", "chkAutomaattisestiUusiTosite" })
+        QVERIFY2(!child<QCheckBox>(w, name)->isChecked(), name);
+    QComboBox* bank = child<QComboBox>(w, "cmbLaskettavaTili");
+    QCOMPARE(bank->count(), 4);
+    QCOMPARE(bank->itemText(1), QStringLiteral("1910 Pankkitili"));
+    QCOMPARE(bank->itemText(3), QStringLiteral("5000 Jäsenmaksut"));
+    QCOMPARE(bank->currentText(), QStringLiteral("1910 Pankkitili"));
+    QCOMPARE(child<QComboBox>(w, "cmbVoittoTaseella")->currentText(), QString());
+    QCOMPARE(child<QComboBox>(w, "cmbFonts")->currentText(), QStringLiteral("Times New Roman"));
+    QCOMPARE(child<QComboBox>(w, "cmbFonttiKoko")->currentText(), QStringLiteral("10"));
+    for (const char* name : { "cTallenna", "cSulje", "cTietokantavalita", "cHaePalvelin" })
+        QVERIFY2(child<QPushButton>(w, name)->isEnabled(), name);
+    QVERIFY(!w.changed());
+    QCOMPARE(dialogs.transcript(), QStringList());
+}
+
+void tst_frmAsetukset::savedValuesTakeEffectAtOnce()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    frmAsetukset w(books.db());
+    type(w, "tSeurannimi", QStringLiteral("Mieskuoro O'Laulu ry"));
+    type(w, "tTilikausiAlku", QStringLiteral("1.1.25"));
+    child<QComboBox>(w, "cmbVoittoTaseella")->setCurrentIndex(2);
+    child<QCheckBox>(w, "chkVaakatulostus")->setChecked(false);
+    type(w, "tMargYla", QStringLiteral("20"));
+    QVERIFY(w.changed());
+    child<QPushButton>(w, "cTallenna")->click();
+    QCOMPARE(dialogs.transcript(), QStringList());
+    QVERIFY(!w.changed());
+    // The date is shown as it was understood, and everything is in force at once.
+    QCOMPARE(text(w, "tTilikausiAlku"), QStringLiteral("1.1.2025"));
+    QCOMPARE(child<QLabel>(w, "lblTallennettu")->text(), QStringLiteral("Asetukset tallennettu."));
+    const BookkeepingSettings& now = ProgramSettings::bookkeeping();
+    QCOMPARE(now.Seurannimi, QStringLiteral("Mieskuoro O'Laulu ry"));
+    QCOMPARE(now.TilikausiAlku, QDate(2025, 1, 1));
+    QCOMPARE(now.VoittoTaseella, 2);
+    QVERIFY(!now.VaakaTulostus);
+    QCOMPARE(ProgramSettings::reportMargins().top, 960);
+    QCOMPARE(storedValue(books.file, QStringLiteral("VaakaTulostus")), QStringLiteral("0"));
+    QCOMPARE(storedValue(books.file, QStringLiteral("VoittoTaseella")), QStringLiteral("2"));
+    // Nothing is asked when the window is closed after the save.
+    child<QPushButton>(w, "cSulje")->click();
+    QCOMPARE(dialogs.transcript(), QStringList());
+}
+
+void tst_frmAsetukset::refusedFieldKeepsWindowOpen()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    frmAsetukset w(books.db());
+    w.show();
+    type(w, "tEdTilikausiAlku", QStringLiteral("30.2.2023"));
+    type(w, "tMargAla", QStringLiteral("abc"));
+    type(w, "tEmail", QStringLiteral("anna@kuoro.fi"));
+    child<QTabWidget>(w, "tabAsetukset")->setCurrentIndex(3);
+    QVERIFY(!w.tallenna());
+    QCOMPARE(dialogs.transcript(),
+        QStringList({ "information: Syötä edellisen tilikauden aluksi päivämäärä.",
+            "information: Syötä marginaaliksi ainoastaan numeroita." }));
+    // The first refused field is shown with what was typed; the rest is stored.
+    QCOMPARE(
+        child<QTabWidget>(w, "tabAsetukset")->currentWidget()->objectName(), QStringLiteral("tabTilikausi"));
+    QCOMPARE(text(w, "tEdTilikausiAlku"), QStringLiteral("30.2.2023"));
+    QCOMPARE(text(w, "tMargAla"), QStringLiteral("abc"));
+    QCOMPARE(ProgramSettings::bookkeeping().Email, QStringLiteral("anna@kuoro.fi"));
+    QCOMPARE(storedValue(books.file, QStringLiteral("EdTilikausiAlku")), QStringLiteral("(none)"));
+    QCOMPARE(storedValue(books.file, QStringLiteral("MargAla")), QStringLiteral("(none)"));
+    // What was refused still counts as a change: closing asks, and Yes keeps the window open.
+    QVERIFY(w.changed());
+    dialogs.clear();
+    dialogs.answerYes();
+    child<QPushButton>(w, "cSulje")->click();
+    QVERIFY(w.isVisible());
+    QCOMPARE(dialogs.transcript().first(), Ask);
+    // No closes it without storing.
+    dialogs.clear();
+    dialogs.answerNo();
+    child<QPushButton>(w, "cSulje")->click();
+    QVERIFY(!w.isVisible());
+    QCOMPARE(w.result(), int(QDialog::Rejected));
+    QCOMPARE(storedValue(books.file, QStringLiteral("MargAla")), QStringLiteral("(none)"));
+}
+
+void tst_frmAsetukset::closing_data()
+{
+    QTest::addColumn<bool>("change");
+    QTest::addColumn<bool>("answerYes");
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("nothing changed") << false << false << "(none)";
+    QTest::newRow("changed, No") << true << false << "(none)";
+    QTest::newRow("changed, Yes") << true << true << "smtp.kuoro.fi";
+}
+
+void tst_frmAsetukset::closing()
+{
+    QFETCH(bool, change);
+    QFETCH(bool, answerYes);
+    QFETCH(QString, stored);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    frmAsetukset w(books.db());
+    w.show();
+    if (change)
+        type(w, "tSMTP", QStringLiteral("smtp.kuoro.fi"));
+    if (change)
+        answerYes ? dialogs.answerYes() : dialogs.answerNo();
+    // Esc closes as the button does.
+    QTest::keyClick(&w, Qt::Key_Escape);
+    QCOMPARE(dialogs.transcript(), change ? QStringList { Ask } : QStringList());
+    QVERIFY(!w.isVisible());
+    QCOMPARE(storedValue(books.file, QStringLiteral("SMTP")), stored);
+}
+
+void tst_frmAsetukset::databaseChooser_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("start"); // "home" for the home folder
+    QTest::newRow("a database file") << "/srv/kirjanpito/seura.mdb"
+                                     << "/srv/kirjanpito/seura.mdb";
+    QTest::newRow("a folder") << "FOLDER"
+                              << "FOLDER";
+    QTest::newRow("nothing") << ""
+                             << "home";
+}
+
+void tst_frmAsetukset::databaseChooser()
+{
+    QFETCH(QString, typed);
+    QFETCH(QString, start);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    frmAsetukset w(books.db());
+    typed.replace(QStringLiteral("FOLDER"), env.path(QStringLiteral("data")));
+    start.replace(QStringLiteral("FOLDER"), env.path(QStringLiteral("data")));
+    start.replace(QStringLiteral("home"), QDir::homePath());
+    type(w, "tDatabase", typed);
+    dialogs.answerOpenFile(env.path(QStringLiteral("data/toinen.mdb")));
+    child<QPushButton>(w, "cTietokantavalita")->click();
+    QCOMPARE(dialogs.transcript(), QStringList { QStringLiteral("open: Valitse tietokanta | ") + start });
+    QCOMPARE(text(w, "tDatabase"), env.path(QStringLiteral("data/toinen.mdb")));
+    // A cancelled dialog leaves the name as it is.
+    dialogs.answerOpenFile(QString());
+    child<QPushButton>(w, "cTietokantavalita")->click();
+    QCOMPARE(text(w, "tDatabase"), env.path(QStringLiteral("data/toinen.mdb")));
+}
+
+void tst_frmAsetukset::mailServerQuery()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    ScriptedResolver resolver;
+    resolver.reply = { Resolver::Status::Answer,
+        ScriptedResolver::mxAnswer("kuoro.fi", { { 20, "varmuus.kuoro.fi" }, { 10, "posti.kuoro.fi" } }) };
+    Books books(env);
+    frmAsetukset w(books.db());
+    type(w, "tEmail", QStringLiteral("anna@kuoro.fi"));
+    dialogs.answerYes();
+    child<QPushButton>(w, "cHaePalvelin")->click();
+    QCOMPARE(dialogs.transcript(),
+        QStringList {
+            QStringLiteral("question: Kysely löysi palvelimen: posti.kuoro.fi\nHaluatko korvata nykyisen "
+                           "palvelinasetuksen?") });
+    QCOMPARE(text(w, "tSMTP"), QStringLiteral("posti.kuoro.fi"));
+    QCOMPARE(resolver.asked, QList<QByteArray> { "kuoro.fi" });
+    // The server found is stored with the other settings.
+    QVERIFY(w.changed());
+    QVERIFY(w.tallenna());
+    QCOMPARE(storedValue(books.file, QStringLiteral("SMTP")), QStringLiteral("posti.kuoro.fi"));
+}
+
+void tst_frmAsetukset::withoutBooksOnlyTheDatabaseCanChange()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env, false);
+    const QString other = env.path(QStringLiteral("toinen.mdb"));
+    QVERIFY(TestEnv::createDatabase(other));
+    frmAsetukset w { QSqlDatabase() };
+    QVERIFY(child<QLabel>(w, "lblKirjanpito")->isVisibleTo(&w));
+    QCOMPARE(
+        child<QTabWidget>(w, "tabAsetukset")->currentWidget()->objectName(), QStringLiteral("tabTietokanta"));
+    QVERIFY(!child<QLineEdit>(w, "tTilikausiAlku")->isEnabled());
+    QVERIFY(!child<QLineEdit>(w, "tEmail")->isEnabled());
+    QVERIFY(child<QLineEdit>(w, "tDatabase")->isEnabled());
+    QCOMPARE(child<QComboBox>(w, "cmbLaskettavaTili")->count(), 0);
+    int leaveChecks = 0;
+    w.setBeforeDatabaseChange([&] {
+        ++leaveChecks;
+        return true;
+    });
+    w.show();
+    type(w, "tDatabase", other);
+    child<QPushButton>(w, "cTallenna")->click();
+    QCOMPARE(dialogs.transcript(),
+        QStringList { QStringLiteral("information: Vorkam suljetaan, koska tietokanta on vaihdettu.") });
+    QCOMPARE(leaveChecks, 1);
+    QVERIFY(w.databaseChanged());
+    QVERIFY(!w.isVisible());
+    QVERIFY(env.readIni().contains(QStringLiteral("Database=") + other));
+}
+
+void tst_frmAsetukset::enterMovesToNextField()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    frmAsetukset w(books.db());
+    w.show();
+    QVERIFY(QTest::qWaitForWindowActive(&w));
+    QLineEdit* start = child<QLineEdit>(w, "tTilikausiAlku");
+    start->setFocus();
+    QTest::keyClick(start, Qt::Key_Return);
+    QCOMPARE(QApplication::focusWidget(), child<QLineEdit>(w, "tTilikausiLoppu"));
+    // Enter in a field never saves.
+    QCOMPARE(dialogs.transcript(), QStringList());
+    QVERIFY(w.isVisible());
+}
+
+QTEST_MAIN(tst_frmAsetukset)
+#include "tst_frmAsetukset.moc"

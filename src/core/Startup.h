@@ -16,6 +16,7 @@ public:
         bool repaired = false; // the file was damaged; the repair ran (successfully or not)
         bool repairedOpen = false; // the repaired file is open for this run, not yet upgraded
         bool readOnly = false; // opened for reading only: nothing is written to the books
+        bool converted = false; // an old-format file was converted in this start
         bool upgraded = false; // UpdateDatabase ran without error
         QString caption; // the main window's caption
     };
@@ -33,6 +34,9 @@ public:
 
 private:
     bool openAndCheck(Result& result);
+    // The user was asked about converting an old-format file; true when `path` now holds the
+    // converted books.
+    bool convertJetFile(const QString& path, Result& result);
     // True when the repaired file took the damaged one's place and is open.
     bool repair(const QString& path, Result& result);
 };

@@ -301,6 +301,28 @@ private slots:
             QVERIFY2(report.contains(line), qPrintable(line));
     }
 
+    void unknownTableIsReportedNotCopied()
+    {
+        TestEnv env;
+        const QString file = copyFixture(env, Current);
+        // The empty work table tk renamed in the table list: a table Vorkam does not know.
+        QByteArray bytes = TestEnv::readFile(file);
+        const QByteArray name("\0\0\0\0t\0k\0\xa6", 9);
+        QCOMPARE(bytes.count(name), 1);
+        bytes.replace(bytes.indexOf(name) + 4, 4, QByteArray("z\0z\0", 4));
+        QVERIFY(TestEnv::writeFile(file, bytes));
+        const JetConversion::Result r = JetConversion().convert(file);
+        QVERIFY2(r.ok, qPrintable(r.message));
+        QCOMPARE(r.skippedTables, QStringList { QStringLiteral("zz") });
+        QVERIFY(r.report().contains(
+            QStringLiteral("Ohitetut taulut (Vorkam ei tunne niitä, joten niitä ei kopioitu): zz")));
+        const QMap<QString, QStringList> layout = layoutOf(file);
+        QVERIFY(!layout.contains(QStringLiteral("zz")));
+        // The upgrade makes Vorkam's own tk as for any book without one.
+        QVERIFY(layout.contains(QStringLiteral("tk")));
+        QCOMPARE(r.upgradeSteps, (QList<int> { 5, 6, 7, 12 }));
+    }
+
     void secondConversionKeepsTheFirstOriginal()
     {
         TestEnv env;

@@ -8,9 +8,11 @@
 #include "Schema.h"
 #include "Transaction.h"
 
+#include <QCursor>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QSaveFile>
 #include <QSet>
 #include <QSqlError>
@@ -514,7 +516,13 @@ JetConversion::Outcome JetConversion::offer(const QString& path)
                            "Alkuperäinen tiedosto säilytetään nimellä %2.")
                 .arg(path, QFileInfo(keptName(path)).fileName())))
         return Outcome::Declined;
+    // A large book takes a few seconds: the pointer tells that Vorkam is working.
+    const bool gui = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+    if (gui)
+        QGuiApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
     const Result r = JetConversion().convert(path);
+    if (gui)
+        QGuiApplication::restoreOverrideCursor();
     if (!r.ok) {
         dialogs.error(QStringLiteral(
             "Tietokannan muuntaminen ei onnistunut.\n%1\nAlkuperäistä tiedostoa ei ole muutettu.")

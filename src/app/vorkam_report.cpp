@@ -3,10 +3,12 @@
 //
 //   vorkam_report BOOKS.mdb REPORT [--from d.M.yyyy --to d.M.yyyy] [--account N]
 //                 [--kind normal|opening|closing] (--pdf F | --csv F | --xlsx F)
+//   vorkam_report OLD.mdb muunna      converts old Jet books into Vorkam's format
 #include "DatabaseError.h"
 #include "DatabaseFile.h"
 #include "Dates.h"
 #include "Dialogs.h"
+#include "JetConversion.h"
 #include "PdfWriter.h"
 #include "ProgramSettings.h"
 #include "ReportCatalog.h"
@@ -24,6 +26,8 @@
 namespace {
 
 enum Exit { Ok = 0, Failed = 1, Usage = 2, BadBooks = 3 };
+
+const QString ConvertCommand = QStringLiteral("muunna");
 
 void say(FILE* stream, const QString& text)
 {
@@ -55,6 +59,7 @@ QString usage()
         "Käyttö: vorkam_report KIRJANPITO.mdb RAPORTTI [--from p.k.vvvv --to p.k.vvvv] [--account N]\n"
         "                      [--kind normal|opening|closing] (--pdf TIEDOSTO | --csv TIEDOSTO | --xlsx "
         "TIEDOSTO)\n"
+        "       vorkam_report VANHA.mdb muunna  (muuntaa vanhan Jet-tietokannan Vorkamin muotoon)\n"
         "Raportit:\n");
     for (const ReportCatalog::Entry& e : ReportCatalog::entries())
         text += QStringLiteral("  %1  %2\n").arg(e.name, -10).arg(e.description);
@@ -113,6 +118,11 @@ QString parse(const QStringList& args, Arguments& a)
         return QStringLiteral("Anna kirjanpidon tiedosto ja raportin nimi.");
     a.books = positional.at(0);
     a.report = positional.at(1);
+    if (a.report == ConvertCommand)
+        return a.format.isEmpty() && !a.options.from.isValid() && !a.options.account
+                && a.options.kind.isEmpty()
+            ? QString()
+            : QStringLiteral("Muunnos ei käytä valitsimia.");
     if (a.format.isEmpty())
         return QStringLiteral("Anna tulostiedosto: --pdf, --csv tai --xlsx.");
     if (a.options.from.isValid() != a.options.to.isValid())
@@ -151,7 +161,7 @@ QString booksProblem(const QString& path)
     case DbError::JetFormat:
         return QStringLiteral(
             "Tiedosto %1 on vanhan ohjelman Jet-tietokanta. vorkam_report lukee vain Vorkamin "
-            "kirjanpitoja.")
+            "kirjanpitoja: muunna se ensin komennolla vorkam_report %1 muunna")
             .arg(path);
     default:
         break;
@@ -159,8 +169,33 @@ QString booksProblem(const QString& path)
     return QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito tai se on vioittunut.").arg(path);
 }
 
+// Converts old Jet books in place and prints what was copied, table by table.
+int convert(const QString& path)
+{
+    const QString books = QFileInfo(path).absoluteFilePath();
+    const OpenResult seen = DatabaseFile::examine(books);
+    if (seen.error != DbError::JetFormat) {
+        say(stderr,
+            seen.error == DbError::None
+                ? QStringLiteral("Tiedosto %1 on jo Vorkamin muodossa: muunnettavaa ei ole.").arg(books)
+                : QStringLiteral("Tiedosto %1 ei ole vanhan muodon (Jet) tietokanta.").arg(books));
+        return BadBooks;
+    }
+    const JetConversion::Result r = JetConversion().convert(books);
+    if (!r.ok) {
+        say(stderr, r.message + QStringLiteral("\nAlkuperäistä tiedostoa ei ole muutettu."));
+        return BadBooks;
+    }
+    say(stdout, r.report());
+    if (!r.reportFile.isEmpty())
+        say(stdout, QStringLiteral("Raportti: %1").arg(QDir::toNativeSeparators(r.reportFile)));
+    return Ok;
+}
+
 int run(const Arguments& a)
 {
+    if (a.report == ConvertCommand)
+        return convert(a.books);
     const ReportCatalog::Entry* entry = ReportCatalog::find(a.report);
     if (!entry) {
         say(stderr, QStringLiteral("Raporttia %1 ei ole.").arg(a.report));

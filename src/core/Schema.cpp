@@ -70,6 +70,9 @@ const CreateTable VipPohjatTable { "vipPohjat",
     "CREATE TABLE vipPohjat (vipID INTEGER PRIMARY KEY AUTOINCREMENT, viptlID INTEGER, viptpID INTEGER, "
     "vipTyyppi TEXT, vipArvo INTEGER)" };
 
+const CreateTable* const UpgradeTables[]
+    = { &TkTable, &SettingsTable, &TlSaldotTable, &TlTarkastelutTable, &TpPohjatTable, &VipPohjatTable };
+
 const char* const Indexes[] = {
     "CREATE INDEX ix_vi_vitoID ON vi (vitoID, viTyyppi)",
     "CREATE INDEX ix_vi_vitlID ON vi (vitlID)",
@@ -237,6 +240,52 @@ QStringList missingCoreTables(const QSqlDatabase& db)
         if (tableMissing(db, QString::fromLatin1(name)))
             missing.append(QString::fromLatin1(name));
     return missing;
+}
+
+QStringList tableNames()
+{
+    QStringList names;
+    for (const char* sql : CoreTables)
+        names.append(QString::fromLatin1(sql).section(u' ', 2, 2).remove(u'"'));
+    for (const CreateTable* t : UpgradeTables)
+        names.append(QString::fromLatin1(t->table));
+    return names;
+}
+
+bool createUpgradeTable(const QSqlDatabase& db, const QString& table, QString* error)
+{
+    for (const CreateTable* t : UpgradeTables) {
+        if (table.compare(QLatin1String(t->table), Qt::CaseInsensitive) != 0)
+            continue;
+        QSqlQuery q(db);
+        if (q.exec(QString::fromLatin1(t->sql)))
+            return true;
+        if (error)
+            *error = q.lastError().text();
+        return false;
+    }
+    if (error)
+        *error = QStringLiteral("Taulua %1 ei ole Vorkamin rakenteessa.").arg(table);
+    return false;
+}
+
+bool reserveIds(const QSqlDatabase& db, const QString& table, qint64 lastUsed, QString* error)
+{
+    // SQLite keeps the last number of an AUTOINCREMENT key in sqlite_sequence.
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("UPDATE sqlite_sequence SET seq = max(seq, ?) WHERE name = ?"));
+    q.addBindValue(lastUsed);
+    q.addBindValue(table);
+    bool ok = q.exec();
+    if (ok && q.numRowsAffected() == 0) {
+        q.prepare(QStringLiteral("INSERT INTO sqlite_sequence (name, seq) VALUES (?, ?)"));
+        q.addBindValue(table);
+        q.addBindValue(lastUsed);
+        ok = q.exec();
+    }
+    if (!ok && error)
+        *error = q.lastError().text();
+    return ok;
 }
 
 QString querySql(const QString& name)

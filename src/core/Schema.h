@@ -21,6 +21,15 @@ bool queryPresent(const QSqlDatabase& db, const QString& query);
 // The core tables that must exist before a file is taken for an association database.
 QStringList missingCoreTables(const QSqlDatabase& db);
 
+// Every table of the current layout: the core tables, then those the upgrade creates.
+QStringList tableNames();
+// Creates one of the tables the upgrade creates (tk, Settings, tlSaldot, tlTarkastelut,
+// tpPohjat, vipPohjat) in its current layout; false for any other name or a failed statement.
+bool createUpgradeTable(const QSqlDatabase& db, const QString& table, QString* error = nullptr);
+// Makes the automatic numbering of `table` continue after `lastUsed` at least, so that
+// numbers given before (and perhaps deleted since) are not given again.
+bool reserveIds(const QSqlDatabase& db, const QString& table, qint64 lastUsed, QString* error = nullptr);
+
 struct UpgradeResult {
     bool ok = true;
     // Steps (1–17) that changed something, in the order they ran.

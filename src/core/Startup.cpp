@@ -4,6 +4,7 @@
 #include "DatabaseFile.h"
 #include "Dialogs.h"
 #include "FileOps.h"
+#include "JetConversion.h"
 #include "Paths.h"
 #include "ProgramSettings.h"
 #include "Schema.h"
@@ -130,6 +131,10 @@ bool Startup::openFile(QString& path, const QString& connection, bool offerDefau
     OpenResult opened;
     if (path.isEmpty()) {
         opened = OpenResult { DbError::FileNotFound, QString() };
+    } else if (DatabaseFile::isJetFile(path)) {
+        // An old-format file is only read, by its conversion: whether it may be written to
+        // does not matter here.
+        opened = DatabaseFile::examine(path);
     } else {
         if (DatabaseFile::isReadOnly(path)) {
             dialogs.information(QStringLiteral("Tietokanta on kirjoitussuojatussa tilassa.\nEnnen avaamista "
@@ -160,12 +165,10 @@ bool Startup::openFile(QString& path, const QString& connection, bool offerDefau
         case DbError::None:
             return true;
         case DbError::JetFormat:
-            dialogs.error(
-                QStringLiteral("Tietokanta %1 on vanhassa Jet-muodossa, jota Vorkam ei voi avata "
-                               "sellaisenaan.\nTietokanta on muunnettava Vorkamin muotoon ennen käyttöä. "
-                               "Tiedostoa ei ole muutettu.")
-                    .arg(path));
-            return false;
+            if (!convertJetFile(path, result))
+                return false;
+            opened = DatabaseFile::open(path, connection);
+            break;
         case DbError::Damaged:
         case DbError::Failed:
             // A file that may not be changed is not repaired in place either.
@@ -195,6 +198,27 @@ bool Startup::openFile(QString& path, const QString& connection, bool offerDefau
             break;
         }
     }
+}
+
+bool Startup::convertJetFile(const QString& path, Result& result)
+{
+    switch (JetConversion::offer(path)) {
+    case JetConversion::Outcome::Converted:
+        // The converted book is a new file in a folder Vorkam may write to.
+        result.readOnly = false;
+        result.converted = true;
+        return true;
+    case JetConversion::Outcome::Declined:
+        Dialogs::instance().error(
+            QStringLiteral("Tietokanta %1 on vanhassa Jet-muodossa, jota Vorkam ei voi avata "
+                           "sellaisenaan.\nTietokanta on muunnettava Vorkamin muotoon ennen käyttöä. "
+                           "Tiedostoa ei ole muutettu.")
+                .arg(path));
+        return false;
+    case JetConversion::Outcome::Failed:
+        break;
+    }
+    return false;
 }
 
 bool Startup::repair(const QString& path, const QString& connection, Result& result)

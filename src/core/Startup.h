@@ -16,6 +16,7 @@ public:
         bool repaired = false; // the file was damaged; the repair ran (successfully or not)
         bool repairedOpen = false; // the repaired file is open for this run, not yet upgraded
         bool readOnly = false; // opened for reading only: nothing is written to the books
+        bool converted = false; // an old-format file was converted in this start
         bool upgraded = false; // UpdateDatabase ran without error
         QString caption; // the main window's caption
     };
@@ -41,6 +42,9 @@ public:
 
 private:
     static bool openFile(QString& path, const QString& connection, bool offerDefault, Result& result);
+    // The user was asked about converting an old-format file; true when `path` now holds the
+    // converted books.
+    static bool convertJetFile(const QString& path, Result& result);
     // True when the repaired file took the damaged one's place and is open.
     static bool repair(const QString& path, const QString& connection, Result& result);
 };

@@ -105,7 +105,8 @@ private slots:
     void hopelessFileIsLeftAsItWas_data();
     void hopelessFileIsLeftAsItWas();
     void leftoverOldFileStopsRepair();
-    void jetFileIsNotOpened();
+    void jetFileIsConvertedOnlyWhenAsked_data();
+    void jetFileIsConvertedOnlyWhenAsked();
     void foreignDatabaseIsNotUpgraded();
     void associationChoice_data();
     void associationChoice();
@@ -445,26 +446,72 @@ void tst_Startup::leftoverOldFileStopsRepair()
     QVERIFY(QFile::exists(file + u'2'));
 }
 
-void tst_Startup::jetFileIsNotOpened()
+void tst_Startup::jetFileIsConvertedOnlyWhenAsked_data()
 {
-    const QString fixture = QStringLiteral(VORKAM_SHARED_DIR "/fixtures/jet/vanha-seura-jet4.mdb");
-    if (!QFile::exists(fixture))
+    QTest::addColumn<QString>("fixture");
+    QTest::addColumn<bool>("answerYes");
+    QTest::addColumn<bool>("readOnlyFile");
+    QTest::newRow("No: refused as before") << "vanha-seura-jet4.mdb" << false << false;
+    QTest::newRow("Yes: converted and opened") << "seura-jet4.mdb" << true << false;
+    QTest::newRow("Yes, oldest layout: converted and upgraded") << "vanha-seura-jet4.mdb" << true << false;
+    // The old file is only read: its read-only flag asks nothing.
+    QTest::newRow("Yes, read-only old file") << "seura-jet4.mdb" << true << true;
+}
+
+void tst_Startup::jetFileIsConvertedOnlyWhenAsked()
+{
+    QFETCH(QString, fixture);
+    QFETCH(bool, answerYes);
+    QFETCH(bool, readOnlyFile);
+    const QString source = QStringLiteral(VORKAM_SHARED_DIR "/fixtures/jet/") + fixture;
+    if (!QFile::exists(source))
         QSKIP("The old-format sample files are not beside the project.");
     TestEnv env;
     ScriptedDialogs dialogs;
     const QString file = env.path(QStringLiteral("vanha.mdb"));
-    QVERIFY(QFile::copy(fixture, file));
-    QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    QVERIFY(QFile::copy(source, file));
+    QFile::setPermissions(
+        file, readOnlyFile ? QFileDevice::ReadOwner : QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     const QByteArray before = TestEnv::readFile(file);
     setDatabase(env, file);
+    answerYes ? dialogs.answerYes() : dialogs.answerNo();
     const Startup::Result r = runStartup();
-    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error).size(), 1);
-    QVERIFY(dialogs.texts(ScriptedDialogs::Kind::Error).first().contains(QStringLiteral("muunnettava")));
-    QCOMPARE(dialogs.transcript().size(), 1);
-    QVERIFY(!r.databaseOpen);
-    QCOMPARE(TestEnv::readFile(file), before);
-    QCOMPARE(QDir(env.path(QString())).entryList(QStringList { QStringLiteral("vanha*") }),
-        QStringList { QStringLiteral("vanha.mdb") });
+    QCOMPARE(dialogs.failures(), QStringList());
+    const QStringList transcript = dialogs.transcript();
+    QCOMPARE(transcript.size(), 2);
+    QCOMPARE(transcript.at(0),
+        QStringLiteral("question: Tietokanta %1 on vanhassa muodossa. Muunnetaanko se Vorkamin muotoon? "
+                       "Alkuperäinen tiedosto säilytetään nimellä vanha-jet.mdb.")
+            .arg(file));
+    if (!answerYes) {
+        QVERIFY(transcript.at(1).startsWith(
+            QStringLiteral("error: Tietokanta %1 on vanhassa Jet-muodossa").arg(file)));
+        QVERIFY(transcript.at(1).contains(QStringLiteral("muunnettava")));
+        QVERIFY(!r.databaseOpen);
+        QCOMPARE(TestEnv::readFile(file), before);
+        QCOMPARE(QDir(env.path(QString())).entryList(QStringList { QStringLiteral("vanha*") }),
+            QStringList { QStringLiteral("vanha.mdb") });
+        return;
+    }
+    QVERIFY(transcript.at(1).startsWith(
+        QStringLiteral("information: Vanhan tietokannan muunnos Vorkamin muotoon")));
+    QVERIFY(transcript.at(1).contains(QStringLiteral("  vi: 26 / 26")));
+    QVERIFY(transcript.at(1).endsWith(QStringLiteral("Raportti on tallessa tiedostossa %1.")
+                                          .arg(env.path(QStringLiteral("vanha-muunnos.txt")))));
+    QVERIFY(r.databaseOpen);
+    QVERIFY(r.converted);
+    QVERIFY(r.upgraded);
+    QVERIFY(!r.readOnly);
+    QCOMPARE(r.caption, QStringLiteral("Vorkam - vanha - vanha.mdb"));
+    QCOMPARE(TestEnv::readFile(env.path(QStringLiteral("vanha-jet.mdb"))), before);
+    QCOMPARE(DBC::instance().AvaaDB().tables().contains(QStringLiteral("vipPohjat")), true);
+    QCOMPARE(ProgramSettings::installation().Database, file);
+    if (fixture == u"seura-jet4.mdb")
+        QCOMPARE(ProgramSettings::bookkeeping().TilikausiAlku, QDate(2011, 1, 1));
+    // The next start opens the converted books without a word.
+    dialogs.clear();
+    QVERIFY(runStartup().databaseOpen);
+    QCOMPARE(dialogs.transcript(), QStringList());
 }
 
 void tst_Startup::foreignDatabaseIsNotUpgraded()

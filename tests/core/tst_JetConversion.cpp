@@ -1,0 +1,463 @@
+#include "DatabaseFile.h"
+#include "FileOps.h"
+#include "JetConversion.h"
+#include "JetFixtures.h"
+#include "Schema.h"
+#include "TestEnv.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QTest>
+
+namespace {
+
+const QString Old = QStringLiteral("vanha-seura-jet4.mdb");
+const QString Current = QStringLiteral("seura-jet4.mdb");
+
+// A writable copy of a sample book in the test's folder.
+QString copyFixture(
+    const TestEnv& env, const QString& fixture, const QString& name = QStringLiteral("seura.mdb"))
+{
+    const QString file = env.path(name);
+    QFile::remove(file);
+    if (!QFile::copy(JetFixtures::path(fixture), file))
+        return {};
+    QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    return file;
+}
+
+QString scalar(const QString& file, const QString& sql)
+{
+    QString value = QStringLiteral("<ei riviä>");
+    withDatabase(file, [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        if (!q.exec(sql))
+            value = QStringLiteral("<virhe> ") + sql;
+        else if (q.next())
+            value = q.value(0).isNull() ? QStringLiteral("NULL") : q.value(0).toString();
+    });
+    return value;
+}
+
+// Table → its fields, lower case, of a book.
+QMap<QString, QStringList> layoutOf(const QString& file)
+{
+    QMap<QString, QStringList> layout;
+    withDatabase(file, [&](QSqlDatabase& db) {
+        for (const QString& table : db.tables()) {
+            if (table.startsWith(QLatin1String("sqlite_")))
+                continue;
+            QStringList fields;
+            const QSqlRecord r = db.record(table);
+            for (int i = 0; i < r.count(); ++i)
+                fields << r.fieldName(i).toLower();
+            fields.sort();
+            layout.insert(table.toLower(), fields);
+        }
+    });
+    return layout;
+}
+
+QStringList folderListing(const TestEnv& env)
+{
+    return QDir(env.path(QString())).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+// The converted book of a sample, converted once for all the rows that only read it.
+QByteArray convertedOnce(const QString& fixture)
+{
+    static QHash<QString, QByteArray> converted;
+    if (!converted.contains(fixture)) {
+        TestEnv env;
+        const QString file = copyFixture(env, fixture);
+        const JetConversion::Result r = JetConversion().convert(file);
+        if (!r.ok)
+            qWarning("%s", qPrintable(r.message));
+        converted.insert(fixture, r.ok ? TestEnv::readFile(file) : QByteArray());
+    }
+    return converted.value(fixture);
+}
+
+Money money(const char* text) { return *Money::parse(QString::fromUtf8(text)); }
+
+} // namespace
+
+// Old Jet books converted into Vorkam's format: every row, id, amount, date, flag and text,
+// the old file kept byte for byte, and bad files refused with nothing changed.
+class tst_JetConversion : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        if (!JetFixtures::present())
+            QSKIP("The old-format sample files are not beside the project.");
+    }
+
+    void convertsEveryValue_data()
+    {
+        QTest::addColumn<QString>("fixture");
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<QString>("expected");
+        for (const QString& f : { Old, Current }) {
+            const auto row = [&f](const char* what, const char* sql, const QString& expected) {
+                QTest::addRow("%s: %s", qPrintable(f), what) << f << QString::fromUtf8(sql) << expected;
+            };
+            row("accounts",
+                "SELECT group_concat(tlID || ':' || tlNumero, ',') FROM (SELECT * FROM tl ORDER BY tlID)",
+                "1:1910,2:1900,3:2250,4:2260,5:3000,6:4000,7:4920,8:9990");
+            row("account name", "SELECT tlNimi FROM tl WHERE tlNumero = 2250",
+                "Edellisten tilikausien ylijäämä");
+            row("vouchers", "SELECT COUNT(*) || ' ' || MIN(toNumero) || '-' || MAX(toNumero) FROM \"to\"",
+                "13 0-12");
+            row("entries", "SELECT COUNT(*) FROM vi", "26");
+            row("opening voucher",
+                "SELECT toID || ' ' || toPvm || ' ' || toAvaustosite FROM \"to\" WHERE toNumero = 0",
+                "1 2011-01-01 1");
+            row("opening debit",
+                "SELECT tlNumero || ' ' || viArvo || ' ' || viAvausvienti FROM vi JOIN tl ON vitlID = tlID "
+                "WHERE vitoID = 1 AND viTyyppi = 'D'",
+                "1910 15000000 1");
+            row("opening credit",
+                "SELECT tlNumero || ' ' || viArvo FROM vi JOIN tl ON vitlID = tlID WHERE vitoID = 1 AND "
+                "viTyyppi = 'K'",
+                "2250 15000000");
+            row("membership fee", "SELECT viArvo FROM vi WHERE viID = 3", "255000");
+            row("apostrophe", "SELECT toSelite FROM \"to\" WHERE toNumero = 3", "Toimiston vuokra, O'Brien");
+            row("entry text", "SELECT viSelite FROM vi WHERE viID = 8", "Toimiston vuokra, O'Brien");
+            row("last date", "SELECT MAX(toPvm) FROM \"to\"", "2011-12-15");
+            row("ordinary vouchers are not opening ones", "SELECT SUM(toAvaustosite) FROM \"to\"", "1");
+            row("templates", "SELECT group_concat(maID || ':' || maNimi || ':' || maTyyppi, ',') FROM ma",
+                "1:Tuloslaskelma:1,2:Tase:2");
+            row("template rows", "SELECT COUNT(*) FROM mr", "7");
+            row("template row accounts", "SELECT mrTilit || mrSaldoPuoli FROM mr WHERE mrID = 5", "1,2,D");
+            row("turnover row", "SELECT mrID FROM mr WHERE mrIsLiikevaihto = 1", "1");
+            row("group of a row", "SELECT mrBelongsToGroup FROM mr WHERE mrID = 7", "6");
+            row("account of a template row, kept", "SELECT mrtlID FROM mr WHERE mrID = 1", "0");
+            row("next account id", "SELECT seq FROM sqlite_sequence WHERE name = 'tl'", "8");
+        }
+        const auto current = [](const char* what, const char* sql, const QString& expected) {
+            QTest::addRow("current: %s", what) << Current << QString::fromUtf8(sql) << expected;
+        };
+        current("printed accounts", "SELECT SUM(tlPrint) FROM tl", "8");
+        current("closing voucher", "SELECT toNumero FROM \"to\" WHERE toPaatostosite = 1", "12");
+        current("closing entries", "SELECT group_concat(viID) FROM vi WHERE viPaatosvienti = 1", "25,26");
+        current("no automatic entries", "SELECT SUM(viAutomaatti) FROM vi", "0");
+        current("previous-year voucher", "SELECT toEID || ' ' || toENumero || ' ' || toEPvm FROM toE",
+            "7 1 2010-06-30");
+        current("previous-year entries", "SELECT group_concat(viEID || ':' || viEArvo || viETyyppi) FROM viE",
+            "3:999000D,4:999000K");
+        current("fiscal year",
+            "SELECT setString FROM Settings WHERE setSection = 'VORKAM' AND setKey = 'TilikausiAlku'",
+            "1.1.2011");
+        current("previous fiscal year", "SELECT setString FROM Settings WHERE setKey = 'EdTilikausiLoppu'",
+            "31.12.2010");
+        current("profit account", "SELECT setString FROM Settings WHERE setKey = 'VoittoTaseella'", "4");
+        current("font", "SELECT setString FROM Settings WHERE setKey = 'Fontti'", "Arial");
+        current("income statement of the balance sheet", "SELECT maTulosMaID FROM ma WHERE maID = 2", "1");
+        current("voucher template", "SELECT tpID || ':' || Nimi || ':' || Pikavalinta FROM tpPohjat",
+            "1:Jäsenmaksu:1");
+        current("voucher template rows",
+            "SELECT group_concat(vipTyyppi || vipArvo || '@' || viptlID, ',') FROM vipPohjat WHERE viptpID = "
+            "1",
+            "D255000@1,K255000@5");
+        current("empty work tables",
+            "SELECT (SELECT COUNT(*) FROM tk) + (SELECT COUNT(*) FROM tlSaldot) + (SELECT COUNT(*) FROM "
+            "tlTarkastelut)",
+            "0");
+        const auto old = [](const char* what, const char* sql, const QString& expected) {
+            QTest::addRow("oldest: %s", what) << Old << QString::fromUtf8(sql) << expected;
+        };
+        old("accounts not printed", "SELECT COUNT(*) FROM tl WHERE tlPrint IS NULL OR tlPrint = 0", "8");
+        old("no closing vouchers", "SELECT SUM(toPaatostosite) FROM \"to\"", "0");
+        old("no previous year", "SELECT COUNT(*) FROM toE", "0");
+        old("no settings yet", "SELECT COUNT(*) FROM Settings", "0");
+    }
+
+    void convertsEveryValue()
+    {
+        QFETCH(QString, fixture);
+        QFETCH(QString, sql);
+        QFETCH(QString, expected);
+        const QByteArray converted = convertedOnce(fixture);
+        QVERIFY(!converted.isEmpty());
+        TestEnv env;
+        const QString file = env.path(QStringLiteral("seura.mdb"));
+        QVERIFY(TestEnv::writeFile(file, converted));
+        QCOMPARE(scalar(file, sql), expected);
+    }
+
+    void endsAtTheCurrentLayout_data()
+    {
+        QTest::addColumn<QString>("fixture");
+        QTest::addColumn<QList<int>>("steps");
+        QTest::newRow("oldest layout: every step")
+            << Old << QList<int> { 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17 };
+        // The sample's work tables lack their template-row field; the stored queries are
+        // Vorkam's own and made anew.
+        QTest::newRow("current layout") << Current << QList<int> { 6, 7, 12 };
+    }
+
+    void endsAtTheCurrentLayout()
+    {
+        QFETCH(QString, fixture);
+        QFETCH(QList<int>, steps);
+        TestEnv env;
+        const QString file = copyFixture(env, fixture);
+        const JetConversion::Result r = JetConversion().convert(file);
+        QVERIFY2(r.ok, qPrintable(r.message));
+        QCOMPARE(r.upgradeSteps, steps);
+
+        const QString fresh = env.path(QStringLiteral("uusi.mdb"));
+        QVERIFY(TestEnv::createDatabase(fresh));
+        QMap<QString, QStringList> expected = layoutOf(fresh);
+        // The template rows' account and side are carried over although Vorkam has no use for
+        // them yet.
+        expected[QStringLiteral("mr")] << QStringLiteral("mrtlid") << QStringLiteral("mrvityyppi");
+        expected[QStringLiteral("mr")].sort();
+        QCOMPARE(layoutOf(file), expected);
+        QCOMPARE(
+            r.extraFields, (QStringList { QStringLiteral("mr.mrtlID"), QStringLiteral("mr.mrviTyyppi") }));
+        withDatabase(file, [](QSqlDatabase& db) {
+            QVERIFY(Schema::queryPresent(db, QStringLiteral("viennitA")));
+            QVERIFY(Schema::missingCoreTables(db).isEmpty());
+        });
+        // A converted book opens as any book does, and an opening finds nothing to upgrade.
+        const OpenResult opened = DatabaseFile::open(file, QStringLiteral("check"));
+        QVERIFY2(opened, qPrintable(opened.message));
+        QVERIFY(
+            Schema::UpdateDatabase(QSqlDatabase::database(QStringLiteral("check"))).appliedSteps.isEmpty());
+        DatabaseFile::close(QStringLiteral("check"));
+    }
+
+    void sumsBySideAreKept_data()
+    {
+        QTest::addColumn<QString>("fixture");
+        QTest::addColumn<QString>("entriesBySide");
+        QTest::addColumn<QString>("previousBySide");
+        QTest::addColumn<int>("tables");
+        QTest::newRow("oldest layout") << Old << "3 104,00"
+                                       << "0" << 9;
+        QTest::newRow("current layout") << Current << "3 104,00"
+                                        << "99,90" << 15;
+    }
+
+    void sumsBySideAreKept()
+    {
+        QFETCH(QString, fixture);
+        QFETCH(QString, entriesBySide);
+        QFETCH(QString, previousBySide);
+        QFETCH(int, tables);
+        const Money entries = money(entriesBySide.toUtf8().constData());
+        const Money previous = money(previousBySide.toUtf8().constData());
+        TestEnv env;
+        const QString file = copyFixture(env, fixture);
+        const JetConversion::Result r = JetConversion().convert(file);
+        QVERIFY2(r.ok, qPrintable(r.message));
+        QCOMPARE(r.entriesBefore, (JetConversion::Sums { entries, entries, Money() }));
+        QCOMPARE(r.entriesAfter, r.entriesBefore);
+        QCOMPARE(r.previousBefore, (JetConversion::Sums { previous, previous, Money() }));
+        QCOMPARE(r.previousAfter, r.previousBefore);
+        QCOMPARE(scalar(file, QStringLiteral("SELECT SUM(viArvo) FROM vi WHERE viTyyppi = 'K'")),
+            QString::number(entries.raw()));
+        QCOMPARE(r.tables.size(), tables);
+        QCOMPARE(r.timesDropped, 0);
+        QVERIFY(!r.report().contains(QStringLiteral("Kellonaika")));
+        for (const JetConversion::TableCount& t : r.tables)
+            QCOMPARE(t.written, t.read);
+    }
+
+    void oldFileIsKeptBesideTheBooks()
+    {
+        TestEnv env;
+        const QString file = copyFixture(env, Current);
+        const auto readable = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup
+            | QFileDevice::ReadOther;
+        QVERIFY(QFile::setPermissions(file, readable));
+        const QByteArray before = TestEnv::readFile(file);
+        const JetConversion::Result r = JetConversion().convert(file);
+        QVERIFY2(r.ok, qPrintable(r.message));
+        QCOMPARE(r.original, env.path(QStringLiteral("seura-jet.mdb")));
+        QCOMPARE(TestEnv::readFile(r.original), before);
+        // Who may read the books does not change.
+        const auto user = QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
+        QCOMPARE(QFileInfo(file).permissions() & ~user, readable);
+        QVERIFY(TestEnv::readFile(file).startsWith("SQLite format 3"));
+        QVERIFY(!DatabaseFile::isJetFile(file));
+        QCOMPARE(r.reportFile, env.path(QStringLiteral("seura-muunnos.txt")));
+        QCOMPARE(folderListing(env),
+            (QStringList { QStringLiteral("seura-jet.mdb"), QStringLiteral("seura-muunnos.txt"),
+                QStringLiteral("seura.mdb") }));
+        const QString report = QString::fromUtf8(TestEnv::readFile(r.reportFile));
+        QCOMPARE(report, r.report() + u'\n');
+        const QString sum = money("3 104,00").toString();
+        for (const QString& line : { QStringLiteral("  vi: 26 / 26"), QStringLiteral("  viE: 2 / 2"),
+                 QStringLiteral("  tpPohjat: 1 / 1"),
+                 QStringLiteral("debet (D): ennen %1, jälkeen %1").arg(sum),
+                 QStringLiteral("Ohitettuja tauluja ei ollut."),
+                 QStringLiteral("Alkuperäinen (Jet 4) säilytetty nimellä: %1").arg(r.original) })
+            QVERIFY2(report.contains(line), qPrintable(line));
+    }
+
+    void unknownTableIsReportedNotCopied()
+    {
+        TestEnv env;
+        const QString file = copyFixture(env, Current);
+        // The empty work table tk renamed in the table list: a table Vorkam does not know.
+        QByteArray bytes = TestEnv::readFile(file);
+        const QByteArray name("\0\0\0\0t\0k\0\xa6", 9);
+        QCOMPARE(bytes.count(name), 1);
+        bytes.replace(bytes.indexOf(name) + 4, 4, QByteArray("z\0z\0", 4));
+        QVERIFY(TestEnv::writeFile(file, bytes));
+        const JetConversion::Result r = JetConversion().convert(file);
+        QVERIFY2(r.ok, qPrintable(r.message));
+        QCOMPARE(r.skippedTables, QStringList { QStringLiteral("zz") });
+        QVERIFY(r.report().contains(
+            QStringLiteral("Ohitetut taulut (Vorkam ei tunne niitä, joten niitä ei kopioitu): zz")));
+        const QMap<QString, QStringList> layout = layoutOf(file);
+        QVERIFY(!layout.contains(QStringLiteral("zz")));
+        // The upgrade makes Vorkam's own tk as for any book without one.
+        QVERIFY(layout.contains(QStringLiteral("tk")));
+        QCOMPARE(r.upgradeSteps, (QList<int> { 5, 6, 7, 12 }));
+    }
+
+    void secondConversionKeepsTheFirstOriginal()
+    {
+        TestEnv env;
+        const QString file = copyFixture(env, Old);
+        QVERIFY(JetConversion().convert(file).ok);
+        // The user puts another old file under the same name and converts it too.
+        QVERIFY(QFile::remove(file));
+        QVERIFY(!copyFixture(env, Current).isEmpty());
+        const JetConversion::Result second = JetConversion().convert(file);
+        QVERIFY2(second.ok, qPrintable(second.message));
+        QCOMPARE(second.original, env.path(QStringLiteral("seura-jet-2.mdb")));
+        QCOMPARE(TestEnv::readFile(env.path(QStringLiteral("seura-jet.mdb"))),
+            TestEnv::readFile(JetFixtures::path(Old)));
+        QCOMPARE(TestEnv::readFile(second.original), TestEnv::readFile(JetFixtures::path(Current)));
+        QCOMPARE(second.reportFile, env.path(QStringLiteral("seura-muunnos-2.txt")));
+        QCOMPARE(scalar(file, QStringLiteral("SELECT COUNT(*) FROM viE")), QStringLiteral("2"));
+    }
+
+    void badFileIsRefused_data()
+    {
+        QTest::addColumn<QString>("damage");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("cut inside a page") << "cut"
+                                           << "vajaa";
+        QTest::newRow("cut on a page boundary") << "cut-page"
+                                                << "vajaa";
+        QTest::newRow("the entries' page garbled") << "garbled"
+                                                   << "vioittunut";
+        QTest::newRow("another program's database") << "foreign"
+                                                    << "ei ole yhdistyksen kirjanpito";
+        QTest::newRow("password") << "password"
+                                  << "salasanalla";
+        QTest::newRow("no room on the disk") << "full"
+                                             << "tarpeeksi tilaa";
+        QTest::newRow("read-only folder") << "read-only folder"
+                                          << "ei voi kirjoittaa";
+        QTest::newRow("already converted") << "sqlite"
+                                           << "ei ole vanhan muodon";
+    }
+
+    void badFileIsRefused()
+    {
+        QFETCH(QString, damage);
+        QFETCH(QString, message);
+        TestEnv env;
+        const QString file = copyFixture(env, Current);
+        QByteArray bytes = TestEnv::readFile(file);
+        JetConversion conversion;
+        if (damage == u"cut") {
+            bytes.truncate(150000);
+        } else if (damage == u"cut-page") {
+            bytes.truncate(50 * 4096);
+        } else if (damage == u"garbled") {
+            const auto vi = JetFixtures::dataPageWithRows(bytes, 26);
+            QVERIFY(vi);
+            bytes = JetFixtures::garbled(bytes, vi->first);
+        } else if (damage == u"foreign") {
+            // The accounts' table renamed in the table list: what is left is not an association's books.
+            const QByteArray name("\0\0\0\0t\0l\0\xa6", 9);
+            QCOMPARE(bytes.count(name), 1);
+            bytes.replace(bytes.indexOf(name) + 4, 4, QByteArray("x\0y\0", 4));
+        } else if (damage == u"password") {
+            bytes = JetFixtures::withPassword(bytes, "seura");
+        } else if (damage == u"full") {
+            conversion.freeSpace = [](const QString&) { return qint64(200000); };
+        } else if (damage == u"sqlite") {
+            QVERIFY(TestEnv::createDatabase(env.path(QStringLiteral("uusi.mdb"))));
+            bytes = TestEnv::readFile(env.path(QStringLiteral("uusi.mdb")));
+            QFile::remove(env.path(QStringLiteral("uusi.mdb")));
+        }
+        QVERIFY(TestEnv::writeFile(file, bytes));
+        const QString folder = env.path(QString());
+        if (damage == u"read-only folder")
+            QVERIFY(QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::ExeOwner));
+        const QStringList listing = folderListing(env);
+
+        const JetConversion::Result r = conversion.convert(file);
+        QFile::setPermissions(
+            folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        QVERIFY(!r.ok);
+        QVERIFY2(r.message.contains(message), qPrintable(r.message));
+        QCOMPARE(TestEnv::readFile(file), bytes);
+        QCOMPARE(folderListing(env), listing);
+    }
+
+    void failedRenameLeavesTheOldFile_data()
+    {
+        QTest::addColumn<int>("failingRename");
+        QTest::newRow("the old file cannot step aside") << 1;
+        QTest::newRow("the new book cannot take its place") << 2;
+    }
+
+    void failedRenameLeavesTheOldFile()
+    {
+        QFETCH(int, failingRename);
+        TestEnv env;
+        const QString file = copyFixture(env, Current);
+        const QByteArray before = TestEnv::readFile(file);
+        int renames = 0;
+        const auto real = FileOps::instance().rename;
+        FileOps::instance().rename = [&](const QString& from, const QString& to) {
+            return ++renames == failingRename ? false : real(from, to);
+        };
+        const JetConversion::Result r = JetConversion().convert(file);
+        QVERIFY(!r.ok);
+        QCOMPARE(TestEnv::readFile(file), before);
+        QCOMPARE(folderListing(env), QStringList { QStringLiteral("seura.mdb") });
+    }
+
+    void vorkamReportConverts()
+    {
+        TestEnv env;
+        const QString file = copyFixture(env, Old);
+        QProcess p;
+        p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), { file, QStringLiteral("muunna") });
+        QVERIFY(p.waitForFinished(120000));
+        const QString out = QString::fromUtf8(p.readAllStandardOutput());
+        QVERIFY2(p.exitCode() == 0, qPrintable(QString::fromUtf8(p.readAllStandardError())));
+        for (const char* line : { "  tl: 8 / 8", "  to: 13 / 13", "  vi: 26 / 26", "  mr: 7 / 7" })
+            QVERIFY2(out.contains(QString::fromUtf8(line)), qPrintable(out));
+        QVERIFY(QFile::exists(env.path(QStringLiteral("seura-jet.mdb"))));
+
+        // The converted book is no longer an old one; a truncated old file is refused.
+        p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), { file, QStringLiteral("muunna") });
+        QVERIFY(p.waitForFinished(120000));
+        QCOMPARE(p.exitCode(), 3);
+        const QString cut = env.path(QStringLiteral("katkennut.mdb"));
+        QVERIFY(TestEnv::writeFile(cut, TestEnv::readFile(JetFixtures::path(Old)).left(10000)));
+        p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), { cut, QStringLiteral("muunna") });
+        QVERIFY(p.waitForFinished(120000));
+        QCOMPARE(p.exitCode(), 3);
+        QVERIFY(QString::fromUtf8(p.readAllStandardError()).contains(QStringLiteral("vajaa")));
+        QCOMPARE(TestEnv::readFile(cut).size(), 10000);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_JetConversion)
+#include "tst_JetConversion.moc"

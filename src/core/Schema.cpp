@@ -70,6 +70,14 @@ const CreateTable VipPohjatTable { "vipPohjat",
     "CREATE TABLE vipPohjat (vipID INTEGER PRIMARY KEY AUTOINCREMENT, viptlID INTEGER, viptpID INTEGER, "
     "vipTyyppi TEXT, vipArvo INTEGER)" };
 
+// Fields of the template rows that the model databases carry beyond the oldest layout: an
+// account and an entry side attached to a row. Added, without a step number, to a book that
+// lacks them.
+const AddField TemplateRowFields[] = {
+    { "mr", "mrtlID", QStringLiteral("INTEGER DEFAULT 0") },
+    { "mr", "mrviTyyppi", QStringLiteral("TEXT") },
+};
+
 const char* const Indexes[] = {
     "CREATE INDEX ix_vi_vitoID ON vi (vitoID, viTyyppi)",
     "CREATE INDEX ix_vi_vitlID ON vi (vitlID)",
@@ -276,8 +284,12 @@ UpgradeResult UpdateDatabase(const QSqlDatabase& db)
         && u.createTable(15, TlTarkastelutTable) //
         && u.createTable(16, TpPohjatTable) //
         && u.createTable(17, VipPohjatTable);
-    if (done)
+    if (done) {
+        for (const AddField& f : TemplateRowFields)
+            if (!u.addField(0, f))
+                return u.m_result;
         u.createIndexes();
+    }
     return u.m_result;
 }
 

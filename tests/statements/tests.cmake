@@ -1,0 +1,2 @@
+# Tests of the statements subsystem: templates, income statement, balance sheet, profit entries.
+vorkam_add_test(tst_cMalli SOURCES statements/tst_cMalli.cpp)

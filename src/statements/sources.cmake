@@ -1,5 +1,15 @@
 # Sources of the statements subsystem, relative to src/.
 set(VORKAM_STATEMENTS_CORE
+  statements/BalanceSheet.cpp
+  statements/BalanceSheet.h
+  statements/EntrySums.cpp
+  statements/EntrySums.h
+  statements/IncomeStatement.cpp
+  statements/IncomeStatement.h
+  statements/StatementAccounts.cpp
+  statements/StatementAccounts.h
+  statements/StatementOptions.cpp
+  statements/StatementOptions.h
   statements/TemplateText.cpp
   statements/TemplateText.h
   statements/TemplateTree.cpp

@@ -6,10 +6,14 @@ set(VORKAM_STATEMENTS_CORE
   statements/EntrySums.h
   statements/IncomeStatement.cpp
   statements/IncomeStatement.h
+  statements/ProfitEntries.cpp
+  statements/ProfitEntries.h
   statements/StatementAccounts.cpp
   statements/StatementAccounts.h
   statements/StatementOptions.cpp
   statements/StatementOptions.h
+  statements/Statements.cpp
+  statements/Statements.h
   statements/TemplateText.cpp
   statements/TemplateText.h
   statements/TemplateTree.cpp

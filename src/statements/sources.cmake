@@ -10,6 +10,8 @@ set(VORKAM_STATEMENTS_CORE
   statements/ProfitEntries.h
   statements/StatementAccounts.cpp
   statements/StatementAccounts.h
+  statements/StatementExport.cpp
+  statements/StatementExport.h
   statements/StatementOptions.cpp
   statements/StatementOptions.h
   statements/Statements.cpp

@@ -89,6 +89,11 @@ const char* const Indexes[] = {
     "CREATE INDEX ix_toE_toEPvm ON toE (toEPvm)",
     "CREATE INDEX ix_tl_tlNumero ON tl (tlNumero)",
     "CREATE INDEX ix_mr_group ON mr (mrmaID, mrBelongsToGroup, mrGroupOrder)",
+    // Only the automatic rows, which the profit entries delete and make again on every run.
+    "CREATE INDEX ix_to_toAutomaatti ON \"to\" (toAutomaatti) WHERE toAutomaatti <> 0",
+    "CREATE INDEX ix_vi_viAutomaatti ON vi (viAutomaatti) WHERE viAutomaatti <> 0",
+    "CREATE INDEX ix_toE_toEAutomaatti ON toE (toEAutomaatti) WHERE toEAutomaatti <> 0",
+    "CREATE INDEX ix_viE_viEAutomaatti ON viE (viEAutomaatti) WHERE viEAutomaatti <> 0",
     "CREATE INDEX ix_Settings_key ON Settings (setSection, setKey)",
 };
 

@@ -6,6 +6,7 @@
 
 #include <QStringList>
 #include <QVariant>
+#include <algorithm>
 
 namespace {
 
@@ -14,9 +15,8 @@ const VoucherLayout& layoutOf(FiscalYear year)
     return year == FiscalYear::Current ? VoucherLayout::current() : VoucherLayout::previous();
 }
 
-// Past this many accounts the list is left out of the query and every account is summed: the
-// grouping gives the same rows, and the number of bound values stays far from the limit.
-constexpr int MaxListed = 2000;
+// Up to this many runs of consecutive account keys are tested as ranges, more as a list.
+constexpr int MaxRuns = 12;
 
 } // namespace
 
@@ -32,6 +32,38 @@ QString entryCondition(FiscalYear year, const EntryFilter& filter, QVariantList&
     if (filter.kind == EntryFilter::Kind::DatedNotOpening)
         condition += QStringLiteral(" AND t.%1 = 0").arg(l.toAvaustosite);
     return condition + u')';
+}
+
+QString accountCondition(const QString& column, std::vector<qint32> ids, QVariantList& values)
+{
+    if (ids.empty())
+        return QStringLiteral("0 = 1");
+    std::sort(ids.begin(), ids.end());
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+    // Runs of consecutive keys: the accounts of a template row usually come in a few of them,
+    // and a range is tested far faster than a list.
+    std::vector<std::pair<qint32, qint32>> runs;
+    for (qint32 id : ids) {
+        if (!runs.empty() && runs.back().second + 1 == id)
+            runs.back().second = id;
+        else
+            runs.push_back({ id, id });
+    }
+    QStringList terms;
+    if (int(runs.size()) <= MaxRuns) {
+        for (const auto& [first, last] : runs) {
+            terms << QStringLiteral("+%1 BETWEEN ? AND ?").arg(column);
+            values << first << last;
+        }
+        return u'(' + terms.join(QStringLiteral(" OR ")) + u')';
+    }
+    // The unary plus keeps the planner from walking the account index: one pass over the
+    // year's entries is far cheaper than visiting them account by account.
+    for (qint32 id : ids) {
+        terms << QStringLiteral("?");
+        values << id;
+    }
+    return QStringLiteral("+%1 IN (%2)").arg(column, terms.join(u','));
 }
 
 EntrySums EntrySums::read(const QSqlDatabase& db, FiscalYear year, const std::vector<qint32>& accounts,
@@ -50,20 +82,12 @@ EntrySums EntrySums::read(const QSqlDatabase& db, FiscalYear year, const std::ve
         sums << QStringLiteral("SUM(CASE WHEN %1 THEN v.%2 ELSE 0 END)").arg(condition, l.viArvo);
         any << entryCondition(year, f, anyValues);
     }
-    QString listed;
     QVariantList listValues;
-    if (int(accounts.size()) <= MaxListed) {
-        QStringList marks;
-        for (qint32 id : accounts) {
-            marks << QStringLiteral("?");
-            listValues << id;
-        }
-        // The unary plus keeps the planner from walking the account index: one pass over the
-        // year's entries is far cheaper than visiting them account by account.
-        listed = QStringLiteral(" AND +v.%1 IN (%2)").arg(l.vitlID, marks.join(u','));
-    }
-    const QString sql = QStringLiteral("SELECT v.%1, v.%2, %3 FROM %4 v INNER JOIN %5 t ON t.%6 = v.%7 "
-                                       "WHERE t.%8 >= 0%9 AND (%10) GROUP BY +v.%1, v.%2")
+    const QString listed = accountCondition(QStringLiteral("v.") + l.vitlID, accounts, listValues);
+    // The entries are read in their own order and each one's voucher is found by its key: one
+    // pass over the year, cheaper than walking the date index and reading entries by voucher.
+    const QString sql = QStringLiteral("SELECT v.%1, v.%2, %3 FROM %4 v CROSS JOIN %5 t WHERE t.%6 = v.%7 "
+                                       "AND t.%8 >= 0 AND %9 AND (%10) GROUP BY +v.%1, v.%2")
                             .arg(l.vitlID, l.viTyyppi, sums.join(QStringLiteral(", ")), l.vi, l.to, l.toID,
                                 l.vitoID, l.toNumero, listed, any.join(QStringLiteral(" OR ")));
     QSqlQuery q = Sql::run(db, sql, sumValues + listValues + anyValues);

@@ -52,6 +52,10 @@ private:
     QHash<qint32, std::vector<TypeSums>> m_byAccount;
 };
 
+// The SQL condition that `column` is one of `ids`, with its values appended to `values`; never
+// true for no ids. Keeps the planner off the account index.
+QString accountCondition(const QString& column, std::vector<qint32> ids, QVariantList& values);
+
 // The SQL condition on a voucher (alias t, columns of `year`) that a filter stands for, with
 // its values appended to `values`.
 QString entryCondition(FiscalYear year, const EntryFilter& filter, QVariantList& values);

@@ -77,22 +77,18 @@ std::vector<Money> results(const QSqlDatabase& db, FiscalYear year, const QMap<q
     const std::vector<EntryFilter>& filters)
 {
     std::vector<Money> sums(filters.size());
-    QMap<Weights, QList<qint32>> classes;
+    QMap<Weights, std::vector<qint32>> classes;
+    std::vector<qint32> all;
     for (auto it = weights.cbegin(); it != weights.cend(); ++it)
-        if (!it.value().isZero())
-            classes[it.value()].append(it.key());
+        if (!it.value().isZero()) {
+            classes[it.value()].push_back(it.key());
+            all.push_back(it.key());
+        }
     if (classes.isEmpty())
         return sums;
     const VoucherLayout& l
         = year == FiscalYear::Current ? VoucherLayout::current() : VoucherLayout::previous();
-    const auto marks = [](const QList<qint32>& ids, QVariantList& values) {
-        QStringList m;
-        for (qint32 id : ids) {
-            m << QStringLiteral("?");
-            values << id;
-        }
-        return m.join(u',');
-    };
+    const QString account = QStringLiteral("v.") + l.vitlID;
     const auto factor = [&l](const Weights& w, QVariantList& values) {
         values << w.debit << w.credit << w.other;
         return QStringLiteral(
@@ -107,8 +103,8 @@ std::vector<Money> results(const QSqlDatabase& db, FiscalYear year, const QMap<q
     } else {
         amount = QStringLiteral("CASE");
         for (auto it = classes.cbegin(); it != classes.cend(); ++it) {
-            const QString list = marks(it.value(), amountValues);
-            amount += QStringLiteral(" WHEN +v.%1 IN (%2) THEN ").arg(l.vitlID, list)
+            amount
+                += QStringLiteral(" WHEN %1 THEN ").arg(accountCondition(account, it.value(), amountValues))
                 + factor(it.key(), amountValues);
         }
         amount += QStringLiteral(" ELSE 0 END");
@@ -123,15 +119,12 @@ std::vector<Money> results(const QSqlDatabase& db, FiscalYear year, const QMap<q
         columnValues += amountValues;
         any << entryCondition(year, f, anyValues);
     }
-    QList<qint32> all;
-    for (const QList<qint32>& ids : classes)
-        all += ids;
     QVariantList listValues;
-    const QString list = marks(all, listValues);
+    const QString listed = accountCondition(account, all, listValues);
+    // As the statements read their sums: the entries in their own order, each voucher by its key.
     QSqlQuery q = Sql::run(db,
-        QStringLiteral("SELECT %1 FROM %2 v INNER JOIN %3 t ON t.%4 = v.%5 WHERE t.%6 >= 0 AND +v.%7 IN (%8) "
-                       "AND (%9)")
-            .arg(columns.join(QStringLiteral(", ")), l.vi, l.to, l.toID, l.vitoID, l.toNumero, l.vitlID, list,
+        QStringLiteral("SELECT %1 FROM %2 v CROSS JOIN %3 t WHERE t.%4 = v.%5 AND t.%6 >= 0 AND %7 AND (%8)")
+            .arg(columns.join(QStringLiteral(", ")), l.vi, l.to, l.toID, l.vitoID, l.toNumero, listed,
                 any.join(QStringLiteral(" OR "))),
         columnValues + listValues + anyValues);
     if (q.next())

@@ -182,13 +182,15 @@ Outcome post(const QSqlDatabase& db, qint32 incomeTemplateId, const QDate& start
     const TemplateTree tree = TemplateTree::load(db, incomeTemplateId);
 
     QString refusal;
-    qint32 incomeAccount = 0;
+    // The profit row is the first one marked (by key, as the balance sheet finds it); the
+    // first account of its list is the profit account.
+    const TemplateRow* profitRow = nullptr;
     for (const TemplateRow& r : tree.rows())
-        if (r.voitto && incomeAccount == 0) {
-            const std::vector<qint32> accounts = TemplateText::accounts(r.tilit);
-            if (!accounts.empty())
-                incomeAccount = accounts.front();
-        }
+        if (r.voitto && (!profitRow || r.id < profitRow->id))
+            profitRow = &r;
+    const std::vector<qint32> profitAccounts
+        = profitRow ? TemplateText::accounts(profitRow->tilit) : std::vector<qint32>();
+    const qint32 incomeAccount = profitAccounts.empty() ? 0 : profitAccounts.front();
     const qint32 balanceAccount = settings.VoittoTaseella;
     if (incomeAccount == 0)
         refusal = QStringLiteral("Voittotiliä ei ole määritelty tuloslaskelmaan.");

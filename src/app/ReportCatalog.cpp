@@ -1,8 +1,15 @@
 #include "ReportCatalog.h"
 
 #include "DatabaseError.h"
+#include "Dates.h"
+#include "PeriodCheck.h"
+#include "ProgramSettings.h"
+#include "ReportError.h"
+#include "StatementExport.h"
+#include "Statements.h"
 #include "TiliRaportit.h"
 #include "Tilikartta.h"
+#include "cMalli.h"
 #include "cTilienSaldot.h"
 
 namespace {
@@ -14,6 +21,43 @@ qint32 ensimmainenMalli(const QSqlDatabase& db, int tyyppi)
         if (m.tyyppi == tyyppi)
             return m.id;
     return 0;
+}
+
+// A statement of the template named (or the first of its kind) for the period given (or the
+// fiscal year), computed as the statement window computes it before printing.
+std::unique_ptr<ReportDocument> statement(
+    const QSqlDatabase& db, const ReportCatalog::Options& options, int kind)
+{
+    const bool income = kind == cMalli::Tuloslaskelma;
+    qint32 id = 0;
+    for (const Tilikartta::Malli& m : Tilikartta::tilinpaatosMallit(db))
+        if (m.tyyppi == kind && id == 0
+            && (options.templateName.isEmpty()
+                || m.nimi.compare(options.templateName, Qt::CaseInsensitive) == 0))
+            id = m.id;
+    if (id == 0 && options.templateName.isEmpty())
+        throw ReportError(income ? QStringLiteral("Kirjanpidossa ei ole tuloslaskelmamallia.")
+                                 : QStringLiteral("Kirjanpidossa ei ole tasemallia."));
+    if (id == 0)
+        throw ReportError((income ? QStringLiteral("Tuloslaskelmamallia \"%1\" ei ole kirjanpidossa.")
+                                  : QStringLiteral("Tasemallia \"%1\" ei ole kirjanpidossa."))
+                              .arg(options.templateName));
+    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    const QDate from = options.from.isValid() ? options.from : s.TilikausiAlku;
+    const QDate to = options.to.isValid() ? options.to : s.TilikausiLoppu;
+    for (const PeriodCheck::Result& r :
+        { PeriodCheck::alku(Dates::format(from)), PeriodCheck::loppu(Dates::format(to)) })
+        if (!r.ok())
+            throw ReportError(r.message);
+    StatementOptions o = StatementOptions::forPeriod(id, from, to);
+    o.perAccount = options.perAccount;
+    o.groupsOnly = options.groupsOnly;
+    if (!Statements::compute(db, o))
+        throw ReportError(
+            income ? QStringLiteral("Tuloslaskelmaa ei laskettu.") : QStringLiteral("Tasetta ei laskettu."));
+    return income ? StatementExport::incomeStatement(
+               db, StatementExport::incomeHeading(from, to, s.TilikausiAlku, s.TilikausiLoppu))
+                  : StatementExport::balanceSheet(db, StatementExport::balanceHeading(to));
 }
 
 } // namespace
@@ -36,6 +80,14 @@ const std::vector<Entry>& entries()
                 saldot.Laske();
                 return TiliRaportit::tilienSaldot();
             } },
+        { QStringLiteral("tuloslaskelma"), QStringLiteral("tuloslaskelma mallista (vain --csv ja --xlsx)"),
+            true, true, false, false, {}, true,
+            [](const QSqlDatabase& db, const Options& o) {
+                return statement(db, o, cMalli::Tuloslaskelma);
+            } },
+        { QStringLiteral("tase"), QStringLiteral("tase mallista (vain --csv ja --xlsx)"), true, true, false,
+            false, {}, true,
+            [](const QSqlDatabase& db, const Options& o) { return statement(db, o, cMalli::Tase); } },
     };
     return list;
 }

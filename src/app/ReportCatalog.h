@@ -1,11 +1,13 @@
 #pragma once
 
+#include "ReportDocument.h"
 #include "ReportJob.h"
 
 #include <QDate>
 #include <QSqlDatabase>
 #include <QString>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -19,6 +21,9 @@ struct Options {
     QDate to;
     std::optional<qint32> account;
     QString kind; // "normal", "opening", "closing"; empty when not given
+    QString templateName; // a statement template's name; empty: the first of its kind
+    bool perAccount = false; // a statement's lines account by account
+    bool groupsOnly = false; // a statement's main-level lines only
 };
 
 struct Entry {
@@ -30,6 +35,11 @@ struct Entry {
     bool takesKind = false;
     // Throws DatabaseError or ReportError.
     std::function<ReportJob(const QSqlDatabase& db, const Options& options)> prepare;
+    bool takesTemplate = false;
+    // A report without a printed layout yet: computes its rows and gives them as a document for
+    // CSV and XLSX, in place of prepare. Throws DatabaseError or ReportError.
+    std::function<std::unique_ptr<ReportDocument>(const QSqlDatabase& db, const Options& options)>
+        document {};
 };
 
 const std::vector<Entry>& entries();

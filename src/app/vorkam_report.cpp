@@ -2,7 +2,8 @@
 // window, computing its work table first exactly as the report's window does.
 //
 //   vorkam_report BOOKS.mdb REPORT [--from d.M.yyyy --to d.M.yyyy] [--account N]
-//                 [--kind normal|opening|closing] (--pdf F | --csv F | --xlsx F)
+//                 [--kind normal|opening|closing] [--template NAME] [--accounts] [--groups-only]
+//                 (--pdf F | --csv F | --xlsx F)
 //   vorkam_report OLD.mdb muunna      converts old Jet books into Vorkam's format
 #include "DatabaseError.h"
 #include "DatabaseFile.h"
@@ -57,8 +58,9 @@ QString usage()
 {
     QString text = QStringLiteral(
         "Käyttö: vorkam_report KIRJANPITO.mdb RAPORTTI [--from p.k.vvvv --to p.k.vvvv] [--account N]\n"
-        "                      [--kind normal|opening|closing] (--pdf TIEDOSTO | --csv TIEDOSTO | --xlsx "
-        "TIEDOSTO)\n"
+        "                      [--kind normal|opening|closing] [--template MALLI] [--accounts] "
+        "[--groups-only]\n"
+        "                      (--pdf TIEDOSTO | --csv TIEDOSTO | --xlsx TIEDOSTO)\n"
         "       vorkam_report VANHA.mdb muunna  (muuntaa vanhan Jet-tietokannan Vorkamin muotoon)\n"
         "Raportit:\n");
     for (const ReportCatalog::Entry& e : ReportCatalog::entries())
@@ -86,6 +88,10 @@ QString parse(const QStringList& args, Arguments& a)
         }
         if (arg == u"--help")
             return QStringLiteral("help");
+        if (arg == u"--accounts" || arg == u"--groups-only") {
+            (arg == u"--accounts" ? a.options.perAccount : a.options.groupsOnly) = true;
+            continue;
+        }
         if (i + 1 >= args.size())
             return QStringLiteral("Valitsimelta %1 puuttuu arvo.").arg(arg);
         const QString value = args.at(++i);
@@ -105,6 +111,8 @@ QString parse(const QStringList& args, Arguments& a)
             if (value != u"normal" && value != u"opening" && value != u"closing")
                 return QStringLiteral("Vientien laji on normal, opening tai closing, ei %1.").arg(value);
             a.options.kind = value;
+        } else if (arg == u"--template") {
+            a.options.templateName = value;
         } else if (arg == u"--pdf" || arg == u"--csv" || arg == u"--xlsx") {
             if (!a.format.isEmpty())
                 return QStringLiteral("Anna vain yksi tulostiedosto (--pdf, --csv tai --xlsx).");
@@ -143,6 +151,8 @@ QString unusedOption(const ReportCatalog::Entry& e, const ReportCatalog::Options
         return refuse("--account");
     if (!o.kind.isEmpty() && !e.takesKind)
         return refuse("--kind");
+    if (!e.takesTemplate && (!o.templateName.isEmpty() || o.perAccount || o.groupsOnly))
+        return refuse("--template/--accounts/--groups-only");
     return {};
 }
 
@@ -206,6 +216,14 @@ int run(const Arguments& a)
         say(stderr, unused);
         return Usage;
     }
+    if (entry->document && a.format == u"pdf") {
+        say(stderr,
+            QStringLiteral(
+                "Raportille %1 ei vielä ole tulostusasettelua, joten PDF-tiedostoa ei voi kirjoittaa. "
+                "Kirjoita sen rivit valitsimella --csv tai --xlsx.")
+                .arg(entry->name));
+        return Usage;
+    }
     const QString books = QFileInfo(a.books).absoluteFilePath();
     if (const QString problem = booksProblem(books); !problem.isEmpty()) {
         say(stderr, problem);
@@ -243,10 +261,15 @@ int run(const Arguments& a)
         } else {
             ProgramSettings::loadBookkeeping(db, books);
             try {
-                ReportJob job = entry->prepare(db, a.options);
-                job.periodStart = a.options.from;
-                job.periodEnd = a.options.to;
-                const std::unique_ptr<ReportDocument> document = ReportEngine::run(db, job);
+                std::unique_ptr<ReportDocument> document;
+                if (entry->document) {
+                    document = entry->document(db, a.options);
+                } else {
+                    ReportJob job = entry->prepare(db, a.options);
+                    job.periodStart = a.options.from;
+                    job.periodEnd = a.options.to;
+                    document = ReportEngine::run(db, job);
+                }
                 if (a.format == u"pdf")
                     PdfWriter::write(*document, a.output);
                 else if (a.format == u"csv")

@@ -73,6 +73,14 @@ const CreateTable VipPohjatTable { "vipPohjat",
 const CreateTable* const UpgradeTables[]
     = { &TkTable, &SettingsTable, &TlSaldotTable, &TlTarkastelutTable, &TpPohjatTable, &VipPohjatTable };
 
+// Fields of the template rows that the model databases carry beyond the oldest layout: an
+// account and an entry side attached to a row. Added, without a step number, to a book that
+// lacks them.
+const AddField TemplateRowFields[] = {
+    { "mr", "mrtlID", QStringLiteral("INTEGER DEFAULT 0") },
+    { "mr", "mrviTyyppi", QStringLiteral("TEXT") },
+};
+
 const char* const Indexes[] = {
     "CREATE INDEX ix_vi_vitoID ON vi (vitoID, viTyyppi)",
     "CREATE INDEX ix_vi_vitlID ON vi (vitlID)",
@@ -84,6 +92,11 @@ const char* const Indexes[] = {
     "CREATE INDEX ix_toE_toEPvm ON toE (toEPvm)",
     "CREATE INDEX ix_tl_tlNumero ON tl (tlNumero)",
     "CREATE INDEX ix_mr_group ON mr (mrmaID, mrBelongsToGroup, mrGroupOrder)",
+    // Only the automatic rows, which the profit entries delete and make again on every run.
+    "CREATE INDEX ix_to_toAutomaatti ON \"to\" (toAutomaatti) WHERE toAutomaatti <> 0",
+    "CREATE INDEX ix_vi_viAutomaatti ON vi (viAutomaatti) WHERE viAutomaatti <> 0",
+    "CREATE INDEX ix_toE_toEAutomaatti ON toE (toEAutomaatti) WHERE toEAutomaatti <> 0",
+    "CREATE INDEX ix_viE_viEAutomaatti ON viE (viEAutomaatti) WHERE viEAutomaatti <> 0",
     "CREATE INDEX ix_Settings_key ON Settings (setSection, setKey)",
 };
 
@@ -325,8 +338,12 @@ UpgradeResult UpdateDatabase(const QSqlDatabase& db)
         && u.createTable(15, TlTarkastelutTable) //
         && u.createTable(16, TpPohjatTable) //
         && u.createTable(17, VipPohjatTable);
-    if (done)
+    if (done) {
+        for (const AddField& f : TemplateRowFields)
+            if (!u.addField(0, f))
+                return u.m_result;
         u.createIndexes();
+    }
     return u.m_result;
 }
 

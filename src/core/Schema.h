@@ -42,6 +42,7 @@ struct UpgradeResult {
 // Runs the seventeen upgrade steps in their fixed order, each skipped when its table or field
 // exists; the three stored queries are always recreated. A failing step ends the routine:
 // earlier steps stay done and the next run resumes with the first missing item. Finally the
+// template rows' account and side fields (mrtlID, mrviTyyppi) are added when missing, and the
 // indexes that keep queries fast are created when missing.
 UpgradeResult UpdateDatabase(const QSqlDatabase& db);
 

@@ -145,13 +145,14 @@ qint32 TositeRecord::numberAndDate(const QDate& defaultDate, bool onlyUserVouche
     const VoucherLayout& l = m_layout;
     const QString filter = onlyUserVouchers ? QStringLiteral(" WHERE %1 >= 0").arg(l.toNumero) : QString();
     // Each answered from its own index without reading the table: the largest number, and the
-    // latest date walked down the date index to the first voucher that counts.
+    // latest date walked down the date index to the first voucher that counts. The unary plus
+    // keeps the planner of an analysed book from choosing the number index and sorting by date.
     const QVariant maxNumero
         = Sql::scalar(database(), QStringLiteral("SELECT MAX(%1) FROM %2").arg(l.toNumero, l.to) + filter);
     const QVariant maxPvm = Sql::scalar(database(),
         QStringLiteral("SELECT %1 FROM %2 WHERE %1 IS NOT NULL%3 ORDER BY %1 DESC LIMIT 1")
             .arg(l.toPvm, l.to,
-                onlyUserVouchers ? QStringLiteral(" AND %1 >= 0").arg(l.toNumero) : QString()));
+                onlyUserVouchers ? QStringLiteral(" AND +%1 >= 0").arg(l.toNumero) : QString()));
     const qint32 numero = maxNumero.isNull() ? 1 : maxNumero.toInt() + 1;
     const QDate latest = Dates::fromSql(maxPvm.toString());
     setPaiva(latest.isValid() ? latest : defaultDate);

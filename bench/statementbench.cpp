@@ -1,0 +1,315 @@
+// Times the statements on the stress association: the income statement and the balance sheet
+// with all four columns, and the automatic profit entries, each beside plain grouped SQL sums
+// over the same accounts and date ranges (see README.md). The stress association has no
+// templates, so a realistic pair over its 500 accounts is made first and removed at the end,
+// with the two profit accounts it needs and the automatic vouchers.
+#include "BalanceSheet.h"
+#include "IncomeStatement.h"
+#include "ProfitEntries.h"
+#include "ProgramSettings.h"
+#include "Transaction.h"
+
+#include <QElapsedTimer>
+#include <QSqlQuery>
+#include <QStringList>
+#include <QVariant>
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+#include <vector>
+
+namespace {
+
+double medianMs(int runs, const std::function<void()>& work)
+{
+    std::vector<double> ms;
+    for (int i = 0; i < runs; ++i) {
+        QElapsedTimer t;
+        t.start();
+        work();
+        ms.push_back(double(t.nsecsElapsed()) / 1e6);
+    }
+    std::sort(ms.begin(), ms.end());
+    return ms[ms.size() / 2];
+}
+
+void line(const char* name, double vorkam, double baseline, const char* target)
+{
+    std::printf("%-44s %9.2f ms %9.2f ms %8.2fx   %s\n", name, vorkam, baseline,
+        vorkam / std::max(baseline, 1e-3), target);
+}
+
+bool exec(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {})
+{
+    QSqlQuery q(db);
+    q.prepare(sql);
+    for (const QVariant& v : values)
+        q.addBindValue(v);
+    if (!q.exec()) {
+        std::fprintf(stderr, "%s\n", qPrintable(sql));
+        return false;
+    }
+    while (q.next()) { }
+    return true;
+}
+
+QVariant scalar(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {})
+{
+    QSqlQuery q(db);
+    q.prepare(sql);
+    for (const QVariant& v : values)
+        q.addBindValue(v);
+    return q.exec() && q.next() ? q.value(0) : QVariant();
+}
+
+// The templates' keys start here, far above anything the stress file holds.
+constexpr int Base = 900000;
+
+struct Pair {
+    qint32 income = Base + 1;
+    qint32 balance = Base + 2;
+    qint32 incomeProfitAccount = 0;
+    qint32 balanceProfitAccount = 0;
+    QString profitRow = QStringLiteral("Tilikauden ylijäämä (alijäämä)");
+};
+
+// An association's statements over the stress chart (1910 and 1020–6000): the income statement
+// by activity with a row per hundred accounts, and a small-undertaking balance sheet.
+Pair makeTemplates(const QSqlDatabase& db)
+{
+    Pair p;
+    Transaction t(db);
+    exec(db,
+        QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (9990, 'Tilikauden tulos "
+                       "(tuloslaskelma)', ' ')"));
+    p.incomeProfitAccount = scalar(db, QStringLiteral("SELECT MAX(tlID) FROM tl")).toInt();
+    exec(db,
+        QStringLiteral(
+            "INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (2290, 'Tilikauden tulos (tase)', ' ')"));
+    p.balanceProfitAccount = scalar(db, QStringLiteral("SELECT MAX(tlID) FROM tl")).toInt();
+    exec(db,
+        QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi, maSuojattu, maTulosMaID) VALUES (?, "
+                       "'Tuloslaskelma', 1, 0, 0)"),
+        { p.income });
+    exec(db,
+        QStringLiteral(
+            "INSERT INTO ma (maID, maNimi, maTyyppi, maSuojattu, maTulosMaID) VALUES (?, 'Tase', 2, 0, ?)"),
+        { p.balance, p.income });
+    int id = Base;
+    int order = 0;
+    const auto row
+        = [&](qint32 ma, const QString& teksti, int parent, const QString& tilit, const QString& side,
+              const QString& kaava = QString(), bool turnover = false, bool profit = false) {
+              exec(db,
+                  QStringLiteral(
+                      "INSERT INTO mr (mrID, mrmaID, mrTeksti, mrTilit, mrKaava, mrSaldoPuoli, mrIsEquation, "
+                      "mrIsLiikevaihto, mrIsVoitto, mrBelongsToGroup, mrGroupOrder) VALUES (?, ?, ?, ?, ?, "
+                      "?, ?, ?, "
+                      "?, ?, ?)"),
+                  { ++id, ma, teksti, tilit, kaava, side, kaava.isEmpty() ? 0 : 1, turnover ? 1 : 0,
+                      profit ? 1 : 0, parent, ++order });
+              return id;
+          };
+    // The accounts numbered from `from` to `to` (tlNumero), as one row per hundred.
+    const auto hundreds
+        = [&](qint32 ma, int parent, int from, int to, const QString& side, const QString& caption) {
+              for (int h = from; h <= to; h += 100) {
+                  QString tilit;
+                  QSqlQuery q(db);
+                  q.prepare(QStringLiteral(
+                      "SELECT tlID FROM tl WHERE tlNumero >= ? AND tlNumero < ? AND tlID NOT IN (?, ?) "
+                      "ORDER BY tlNumero"));
+                  q.addBindValue(h);
+                  q.addBindValue(h + 100);
+                  q.addBindValue(p.incomeProfitAccount);
+                  q.addBindValue(p.balanceProfitAccount);
+                  q.exec();
+                  while (q.next())
+                      tilit += q.value(0).toString() + u',';
+                  row(ma, QStringLiteral("%1 %2").arg(caption).arg(h), parent, tilit, side);
+              }
+          };
+    const QString k = QStringLiteral("K");
+    const QString d = QStringLiteral("D");
+    const int varsinainen = row(p.income, QStringLiteral("Varsinainen toiminta"), 0, QString(), k);
+    const int tuotot
+        = row(p.income, QStringLiteral("Varsinaisen toiminnan tuotot"), varsinainen, QString(), k, {}, true);
+    hundreds(p.income, tuotot, 3000, 3900, k, QStringLiteral("Tuotot"));
+    const int kulut = row(p.income, QStringLiteral("Varsinaisen toiminnan kulut"), varsinainen, QString(), k);
+    hundreds(p.income, kulut, 4000, 4900, k, QStringLiteral("Kulut"));
+    const int varainhankinta = row(p.income, QStringLiteral("Varainhankinta"), 0, QString(), k);
+    hundreds(p.income, varainhankinta, 5000, 5900, k, QStringLiteral("Varainhankinta"));
+    const int sijoitus = row(p.income, QStringLiteral("Sijoitus- ja rahoitustoiminta"), 0, QString(), k);
+    hundreds(p.income, sijoitus, 6000, 6000, k, QStringLiteral("Rahoitus"));
+    row(p.income, QStringLiteral("Tilikauden tulos"), 0, QString(), k,
+        QStringLiteral("+%1,+%2,+%3,").arg(varsinainen).arg(varainhankinta).arg(sijoitus));
+    row(p.income, p.profitRow, 0, QString::number(p.incomeProfitAccount) + u',', k, {}, false, true);
+
+    const int vastaavaa = row(p.balance, QStringLiteral("Vastaavaa"), 0, QString(), d);
+    const int pysyvat = row(p.balance, QStringLiteral("Pysyvät vastaavat"), vastaavaa, QString(), d);
+    hundreds(p.balance, pysyvat, 1000, 1400, d, QStringLiteral("Pysyvät"));
+    const int vaihtuvat = row(p.balance, QStringLiteral("Vaihtuvat vastaavat"), vastaavaa, QString(), d);
+    hundreds(p.balance, vaihtuvat, 1500, 1900, d, QStringLiteral("Vaihtuvat"));
+    const int vastattavaa = row(p.balance, QStringLiteral("Vastattavaa"), 0, QString(), k);
+    const int oma = row(p.balance, QStringLiteral("Oma pääoma"), vastattavaa, QString(), k);
+    hundreds(p.balance, oma, 2000, 2200, k, QStringLiteral("Oma pääoma"));
+    row(p.balance, p.profitRow, oma, QString::number(p.balanceProfitAccount) + u',', k);
+    const int vieras = row(p.balance, QStringLiteral("Vieras pääoma"), vastattavaa, QString(), k);
+    hundreds(p.balance, vieras, 2300, 2900, k, QStringLiteral("Vieras pääoma"));
+    t.commit();
+    return p;
+}
+
+void removeTemplates(const QSqlDatabase& db, const Pair& p)
+{
+    Transaction t(db);
+    ProfitEntries::deleteAll(db);
+    exec(db, QStringLiteral("DELETE FROM mr WHERE mrmaID IN (?, ?)"), { p.income, p.balance });
+    exec(db, QStringLiteral("DELETE FROM ma WHERE maID IN (?, ?)"), { p.income, p.balance });
+    exec(db, QStringLiteral("DELETE FROM tl WHERE tlID IN (?, ?)"),
+        { p.incomeProfitAccount, p.balanceProfitAccount });
+    exec(db, QStringLiteral("DELETE FROM tula"));
+    exec(db, QStringLiteral("DELETE FROM tase"));
+    t.commit();
+}
+
+// The accounts of a template, for the baselines' IN lists.
+QString accountsOf(const QSqlDatabase& db, qint32 ma)
+{
+    QStringList ids;
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT mrTilit FROM mr WHERE mrmaID = ?"));
+    q.addBindValue(ma);
+    q.exec();
+    while (q.next())
+        for (const QString& id : q.value(0).toString().split(u',', Qt::SkipEmptyParts))
+            ids << id;
+    return ids.join(u',');
+}
+
+// One plain grouped sum per account over one date range of a year: the work a statement's
+// column needs, without the template.
+void groupedSum(const QSqlDatabase& db, bool previous, const QString& accounts, const QString& condition,
+    const QVariantList& values)
+{
+    const QString sql = previous
+        ? QStringLiteral(
+            "SELECT viEtlID, SUM(CASE WHEN viETyyppi = 'D' THEN viEArvo ELSE -viEArvo END) FROM viE "
+            "INNER JOIN toE ON toEID = viEtoID WHERE %1 AND +viEtlID IN (%2) GROUP BY +viEtlID")
+        : QStringLiteral("SELECT vitlID, SUM(CASE WHEN viTyyppi = 'D' THEN viArvo ELSE -viArvo END) FROM vi "
+                         "INNER JOIN \"to\" ON toID = vitoID WHERE %1 AND +vitlID IN (%2) GROUP BY +vitlID");
+    exec(db, sql.arg(condition, accounts), values);
+}
+
+QString iso(const QDate& d) { return d.toString(Qt::ISODate); }
+
+// The profit entries, the income statement and the balance sheet for one period, each against
+// its baseline. Gives the number of failed checks.
+int period(const QSqlDatabase& db, const Pair& p, const QDate& start, const QDate& end, const char* label)
+{
+    int failures = 0;
+    const auto check = [&failures](bool ok, const char* what) {
+        if (!ok) {
+            std::fprintf(stderr, "FAILED: %s\n", what);
+            ++failures;
+        }
+    };
+    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    const int runs = 5;
+    std::printf("%s\n", label);
+    const QString incomeAccounts = accountsOf(db, p.income);
+    const QString balanceAccounts = accountsOf(db, p.balance);
+    const QString dated = QStringLiteral("toPvm >= ? AND toPvm <= ?");
+    const QString datedE = QStringLiteral("toEPvm >= ? AND toEPvm <= ?");
+
+    // The automatic profit entries first: the statements below read them.
+    ProfitEntries::Outcome outcome;
+    const double entries = medianMs(runs, [&] { outcome = ProfitEntries::post(db, p.income, start, end); });
+    check(outcome.posted && outcome.vouchers == (start == s.TilikausiAlku ? 2 : 4),
+        "the profit entries posted a voucher for each part of each year");
+    // Plain sums of the same entries: one pass over each year.
+    const double entriesBase = medianMs(runs, [&] {
+        const QString sums
+            = QStringLiteral("SELECT SUM(CASE WHEN %1 >= ? THEN %2 ELSE 0 END), SUM(CASE WHEN %1 < ? "
+                             "THEN %2 ELSE 0 END) FROM %3 WHERE %4 AND +%5 IN (%6)");
+        exec(db,
+            sums.arg(QStringLiteral("toPvm"),
+                QStringLiteral("CASE WHEN viTyyppi = 'K' THEN viArvo ELSE -viArvo END"),
+                QStringLiteral("vi INNER JOIN \"to\" ON toID = vitoID"), dated, QStringLiteral("vitlID"),
+                incomeAccounts),
+            { iso(start), iso(start), iso(s.TilikausiAlku), iso(end) });
+        exec(db,
+            sums.arg(QStringLiteral("toEPvm"),
+                QStringLiteral("CASE WHEN viETyyppi = 'K' THEN viEArvo ELSE -viEArvo END"),
+                QStringLiteral("viE INNER JOIN toE ON toEID = viEtoID"), datedE, QStringLiteral("viEtlID"),
+                incomeAccounts),
+            { iso(start.addYears(-1)), iso(start.addYears(-1)), iso(s.EdTilikausiAlku),
+                iso(end.addYears(-1)) });
+    });
+    line("automatic profit entries", entries, entriesBase, "< 100 ms");
+
+    const StatementOptions income = StatementOptions::forPeriod(p.income, start, end);
+    const double incomeMs = medianMs(runs, [&] { IncomeStatement::run(db, income); });
+    const double incomeBase = medianMs(runs, [&] {
+        groupedSum(db, false, incomeAccounts, dated, { iso(start), iso(end) });
+        groupedSum(db, false, incomeAccounts, dated, { iso(s.TilikausiAlku), iso(end) });
+        groupedSum(db, true, incomeAccounts, datedE, { iso(start.addYears(-1)), iso(end.addYears(-1)) });
+        groupedSum(db, true, incomeAccounts, datedE, { iso(s.EdTilikausiAlku), iso(end.addYears(-1)) });
+    });
+    const qint64 profit = scalar(db,
+        QStringLiteral(
+            "SELECT tulaToteutunutKuluvaAlusta FROM tula WHERE tulaTeksti = ? AND tulaMerkki = '**'"),
+        { p.profitRow })
+                              .toLongLong();
+    check(profit == outcome.current.raw() && profit != 0, "the profit row shows the year's result");
+    line("income statement, four columns", incomeMs, incomeBase, "< 250 ms, ratio <= 3");
+
+    // The balance sheet at the same end date: its profit entries run from the year's start.
+    ProfitEntries::post(db, p.income, s.TilikausiAlku, end);
+    const StatementOptions balance = StatementOptions::forPeriod(p.balance, start, end);
+    const double balanceMs = medianMs(runs, [&] { BalanceSheet::run(db, balance); });
+    const double balanceBase = medianMs(runs, [&] {
+        groupedSum(db, false, balanceAccounts, QStringLiteral("toAvaustosite <> 0"), {});
+        groupedSum(db, false, balanceAccounts, dated + QStringLiteral(" AND toAvaustosite = 0"),
+            { iso(s.TilikausiAlku), iso(end) });
+        groupedSum(db, true, balanceAccounts, datedE, { iso(s.EdTilikausiAlku), iso(end.addYears(-1)) });
+    });
+    const auto total = [&db](const char* caption, const char* column) {
+        return scalar(db,
+            QStringLiteral(
+                "SELECT %1 FROM tase WHERE taseteksti = ? AND taseMerkki = '**' AND taseTyyppi = 0")
+                .arg(QLatin1String(column)),
+            { QString::fromLatin1(caption) })
+            .toLongLong();
+    };
+    check(total("Vastaavaa", "taseLoppusaldo") == total("Vastattavaa", "taseLoppusaldo")
+            && total("Vastaavaa", "taseLoppusaldo") != 0,
+        "the balance sheet balances");
+    check(total("Vastaavaa", "taseLoppusaldoEdellinen") == total("Vastattavaa", "taseLoppusaldoEdellinen"),
+        "the previous year's column balances");
+    line("balance sheet, four columns", balanceMs, balanceBase, "< 250 ms, ratio <= 3");
+    return failures;
+}
+
+} // namespace
+
+int statementBench(const QSqlDatabase& db)
+{
+    std::printf("\n%-44s %12s %12s %9s   %s\n", "statements", "Vorkam", "baseline", "ratio", "target");
+    BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    const Pair p = makeTemplates(db);
+    const qint32 voittoTaseella = s.VoittoTaseella;
+    s.VoittoTaseella = p.balanceProfitAccount;
+    std::printf("(templates of %d and %d rows over %d accounts)\n",
+        scalar(db, QStringLiteral("SELECT COUNT(*) FROM mr WHERE mrmaID = ?"), { p.income }).toInt(),
+        scalar(db, QStringLiteral("SELECT COUNT(*) FROM mr WHERE mrmaID = ?"), { p.balance }).toInt(),
+        scalar(db, QStringLiteral("SELECT COUNT(*) FROM tl")).toInt());
+    // The whole year, when every entry of both years is summed, and a quarter, when the four
+    // columns take four different ranges.
+    int failures = period(db, p, s.TilikausiAlku, s.TilikausiLoppu, "the whole fiscal year:");
+    failures += period(db, p, s.TilikausiAlku.addMonths(3), s.TilikausiAlku.addMonths(6).addDays(-1),
+        "the second quarter, from the year's start to its end:");
+    removeTemplates(db, p);
+    s.VoittoTaseella = voittoTaseella;
+    return failures == 0 ? 0 : 1;
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "IncomeStatement.h"
+#include "Money.h"
+#include "StatementOptions.h"
+
+#include <QSqlDatabase>
+#include <QString>
+#include <vector>
+
+// One printed line of a balance sheet: a row of the work table tase.
+struct TaseLine {
+    using Kind = TulaLine::Kind;
+    Kind kind = Kind::Detail;
+    qint16 level = 0; // taseTyyppi
+    QString teksti;
+    qint32 mrId = 0;
+    qint32 tlId = 0; // tasetlID: the account of a per-account line, else the row's mrtlID
+    QString viTyyppi; // taseviTyyppi
+    qint16 printGroup = 0; // tasePrintGroup: 1 under "Vastaavaa", 2 elsewhere
+    Money alkusaldo; // entries of the opening vouchers
+    Money muutos; // other entries from the fiscal year's start to the end date
+    Money loppusaldoEdellinen; // the previous year's balance one year before the end date
+
+    Money loppusaldo() const { return alkusaldo + muutos; }
+    bool hasAmounts() const { return kind == Kind::Detail || kind == Kind::Total; }
+    bool groupRow() const { return kind == Kind::Header || kind == Kind::Total; }
+};
+
+struct BalanceSheetLines {
+    std::vector<TaseLine> lines;
+    // The linked income statement, computed when the template has a profit line.
+    std::optional<IncomeStatementLines> income;
+};
+
+// The balance sheet: a template's rows computed at an end date into the work table tase. The
+// year's result is not posted to any account: a formula row of the template is the profit line
+// and takes the result from the linked income statement, computed for the same dates.
+namespace BalanceSheet {
+
+// The message when the template names no income statement.
+QString noIncomeStatementMessage();
+
+// Every line with its amounts. `incomeTemplateId` is the linked income statement. Throws
+// DatabaseError.
+BalanceSheetLines compute(const QSqlDatabase& db, const StatementOptions& options, qint32 incomeTemplateId);
+// With `groupsOnly` only the main-level lines; the separator after each main-level total goes.
+void finish(BalanceSheetLines& sheet, bool groupsOnly);
+void write(const QSqlDatabase& db, const BalanceSheetLines& sheet);
+// A template that names no income statement is refused with the message (false), and nothing
+// is computed. Otherwise tula and tase are emptied and tase is filled (and tula, when the
+// profit line needs the income statement), in one transaction. Throws DatabaseError.
+bool run(const QSqlDatabase& db, const StatementOptions& options);
+// The template's maTulosMaID; 0 when none (or no such template).
+qint32 incomeTemplateOf(const QSqlDatabase& db, qint32 balanceTemplateId);
+
+} // namespace BalanceSheet

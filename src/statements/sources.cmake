@@ -1,0 +1,27 @@
+# Sources of the statements subsystem, relative to src/.
+set(VORKAM_STATEMENTS_CORE
+  statements/BalanceSheet.cpp
+  statements/BalanceSheet.h
+  statements/EntrySums.cpp
+  statements/EntrySums.h
+  statements/IncomeStatement.cpp
+  statements/IncomeStatement.h
+  statements/ProfitEntries.cpp
+  statements/ProfitEntries.h
+  statements/StatementAccounts.cpp
+  statements/StatementAccounts.h
+  statements/StatementExport.cpp
+  statements/StatementExport.h
+  statements/StatementOptions.cpp
+  statements/StatementOptions.h
+  statements/Statements.cpp
+  statements/Statements.h
+  statements/TemplateText.cpp
+  statements/TemplateText.h
+  statements/TemplateTree.cpp
+  statements/TemplateTree.h
+  statements/cMalli.cpp
+  statements/cMalli.h
+  statements/cMalliRivi.cpp
+  statements/cMalliRivi.h
+)

@@ -1,0 +1,197 @@
+#pragma once
+
+#include "DBC.h"
+#include "ProgramSettings.h"
+#include "Schema.h"
+#include "TestEnv.h"
+
+#include <QDate>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QStringList>
+#include <QTest>
+#include <QVariant>
+#include <limits>
+
+// A private, empty association database opened as the program's database, with the fiscal
+// year 2012 and the previous year 2011, and helpers to write accounts, vouchers and template
+// rows and to read the work tables back as text.
+class StatementFixture final {
+public:
+    StatementFixture()
+    {
+        const QString file = env.path(QStringLiteral("data/tilinpaatos.mdb"));
+        withDatabase(file,
+            [this](QSqlDatabase& db) { ok = Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok; });
+        ProgramSettings::installation().Database = file;
+        ok = ok && DBC::instance().AvaaDB().isOpen();
+        BookkeepingSettings& s = ProgramSettings::bookkeeping();
+        s.TilikausiAlku = QDate(2012, 1, 1);
+        s.TilikausiLoppu = QDate(2012, 12, 31);
+        s.EdTilikausiAlku = QDate(2011, 1, 1);
+        s.EdTilikausiLoppu = QDate(2011, 12, 31);
+        s.VoittoTaseella = 0;
+    }
+    ~StatementFixture() { DBC::instance().SuljeDB(); }
+
+    static QSqlDatabase db() { return DBC::instance().AvaaDB(); }
+
+    static bool exec(const QString& sql, const QVariantList& values = {})
+    {
+        QSqlQuery q(db());
+        bool done = q.prepare(sql);
+        for (const QVariant& v : values)
+            q.addBindValue(v);
+        done = done && q.exec();
+        if (!done)
+            qWarning("%s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
+        return done;
+    }
+
+    static QVariant value(const QString& sql, const QVariantList& values = {})
+    {
+        QSqlQuery q(db());
+        q.prepare(sql);
+        for (const QVariant& v : values)
+            q.addBindValue(v);
+        return q.exec() && q.next() ? q.value(0) : QVariant();
+    }
+
+    static int count(const QString& table, const QString& where = QStringLiteral("1 = 1"))
+    {
+        return value(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2").arg(table, where)).toInt();
+    }
+
+    static void account(int id, int numero, const QString& nimi = QString())
+    {
+        exec(QStringLiteral("INSERT INTO tl (tlID, tlNumero, tlNimi, tlKuvaus) VALUES (?, ?, ?, ' ')"),
+            { id, numero, nimi.isEmpty() ? QStringLiteral("Tili %1").arg(numero) : nimi });
+    }
+
+    // A voucher of the current year, or of the previous one; gives its key.
+    static int voucher(const QString& pvm, bool previous = false, bool opening = false, int numero = 1)
+    {
+        if (previous) {
+            const int id = value(QStringLiteral("SELECT COALESCE(MAX(toEID), 0) + 1 FROM toE")).toInt();
+            exec(QStringLiteral("INSERT INTO toE (toEID, toENumero, toEPvm, toESelite, toEAvaustosite) "
+                                "VALUES (?, ?, ?, 'Tosite', ?)"),
+                { id, numero, pvm, opening ? 1 : 0 });
+            return id;
+        }
+        exec(QStringLiteral(
+                 "INSERT INTO \"to\" (toNumero, toPvm, toSelite, toAvaustosite) VALUES (?, ?, 'Tosite', ?)"),
+            { numero, pvm, opening ? 1 : 0 });
+        return value(QStringLiteral("SELECT MAX(toID) FROM \"to\"")).toInt();
+    }
+
+    static void entry(int toId, int tlId, const QString& tyyppi, qint64 cents, bool previous = false)
+    {
+        if (previous) {
+            const int id = value(QStringLiteral("SELECT COALESCE(MAX(viEID), 0) + 1 FROM viE")).toInt();
+            exec(QStringLiteral("INSERT INTO viE (viEID, viEtoID, viEtlID, viETyyppi, viEArvo, viESelite) "
+                                "VALUES (?, ?, ?, ?, ?, 'x')"),
+                { id, toId, tlId, tyyppi, cents * 100 });
+        } else {
+            exec(
+                QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite, viAvausvienti) "
+                               "VALUES (?, ?, ?, ?, 'x', (SELECT toAvaustosite FROM \"to\" WHERE toID = ?))"),
+                { toId, tlId, tyyppi, cents * 100, toId });
+        }
+    }
+
+    // A balanced voucher: `cents` on the debit of one account and the credit of another.
+    static int post(
+        const QString& pvm, int debit, int credit, qint64 cents, bool previous = false, bool opening = false)
+    {
+        const int id = voucher(pvm, previous, opening);
+        entry(id, debit, QStringLiteral("D"), cents, previous);
+        entry(id, credit, QStringLiteral("K"), cents, previous);
+        return id;
+    }
+
+    static void malli(int id, const QString& nimi, int tyyppi, int tulosMaId = 0)
+    {
+        exec(QStringLiteral(
+                 "INSERT INTO ma (maID, maNimi, maTyyppi, maSuojattu, maTulosMaID) VALUES (?, ?, ?, 0, ?)"),
+            { id, nimi, tyyppi, tulosMaId });
+    }
+
+    struct Row {
+        int id = 0;
+        int ma = 1;
+        QString teksti {};
+        int parent = 0;
+        int order = 0;
+        QString tilit {};
+        QString side = QStringLiteral("K");
+        QString kaava {};
+        bool equation = false;
+        bool turnover = false;
+        bool profit = false;
+    };
+    static void row(const Row& r)
+    {
+        exec(QStringLiteral(
+                 "INSERT INTO mr (mrID, mrmaID, mrTeksti, mrTilit, mrKaava, mrSaldoPuoli, mrIsEquation, "
+                 "mrIsLiikevaihto, mrIsVoitto, mrBelongsToGroup, mrGroupOrder) "
+                 "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
+            { r.id, r.ma, r.teksti, r.tilit, r.kaava, r.side, r.equation ? 1 : 0, r.turnover ? 1 : 0,
+                r.profit ? 1 : 0, r.parent, r.order == 0 ? r.id : r.order });
+    }
+
+    // The work table's rows in print order, one line each; null values print as "-", money in
+    // euros with two decimals and percentages with two.
+    static QStringList rows(const QString& table)
+    {
+        const bool tula = table == QLatin1String("tula");
+        const QString columns = tula
+            ? QStringLiteral(
+                "tulaTyyppi, tulaMerkki, tulaIsGroupRow, tulaTeksti, tulaToteutunutKuluva, "
+                "tulaProsLvastaKuluva, tulaToteutunutEdellinen, tulaProsMuutos, "
+                "tulaToteutunutKuluvaAlusta, tulaProsLvastaKuluvaAlusta, tulaToteutunutEdellinenAlusta, "
+                "tulaMuutosAlusta, tulaProsMuutosAlusta")
+            : QStringLiteral("taseTyyppi, taseMerkki, taseIsGroupRow, taseteksti, tasePrintGroup, tasetlID, "
+                             "taseAlkusaldo, taseMuutos, taseLoppusaldo, taseLoppusaldoEdellinen, "
+                             "taseMuutosEdelliseen, taseMuutosProsEdelliseen");
+        QSqlQuery q(db());
+        q.exec(QStringLiteral("SELECT %1 FROM %2 ORDER BY %2ID").arg(columns, table));
+        QStringList lines;
+        while (q.next()) {
+            QStringList cells;
+            for (int i = 0; i < q.record().count(); ++i) {
+                const QVariant v = q.value(i);
+                const QString name = q.record().fieldName(i);
+                if (v.isNull())
+                    cells << QStringLiteral("-");
+                else if (name.contains(QLatin1String("Pros")))
+                    cells << QString::number(v.toDouble(), 'f', 2);
+                else if (i >= 4 && name != QLatin1String("tasePrintGroup")
+                    && name != QLatin1String("tasetlID"))
+                    cells << QString::number(double(v.toLongLong()) / 10000.0, 'f', 2);
+                else
+                    cells << v.toString();
+            }
+            lines << cells.join(u'|');
+        }
+        return lines;
+    }
+
+    static constexpr qint64 Missing = std::numeric_limits<qint64>::min();
+    // One money column of the first line with the given caption and marker, in cents; Missing
+    // when there is no such line.
+    static qint64 amount(const QString& table, const QString& column, const QString& caption,
+        const QString& merkki = QStringLiteral("**"))
+    {
+        const QString text
+            = table == QLatin1String("tula") ? QStringLiteral("tulaTeksti") : QStringLiteral("taseteksti");
+        const QVariant v
+            = value(QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ? AND %2Merkki = ? ORDER BY %2ID")
+                        .arg(column, table, text),
+                { caption, merkki });
+        return v.isValid() ? v.toLongLong() / 100 : Missing;
+    }
+
+    TestEnv env;
+    bool ok = false;
+};

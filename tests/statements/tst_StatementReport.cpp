@@ -1,0 +1,145 @@
+#include "TestEnv.h"
+
+#include <QDate>
+#include <QFile>
+#include <QProcess>
+#include <QSqlQuery>
+#include <QTest>
+
+namespace {
+
+struct Result {
+    int code = -1;
+    QString out;
+    QString err;
+};
+
+Result vorkamReport(const QStringList& args)
+{
+    QProcess p;
+    p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), args);
+    p.waitForFinished(120000);
+    return { p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+        QString::fromLocal8Bit(p.readAllStandardOutput()), QString::fromLocal8Bit(p.readAllStandardError()) };
+}
+
+// The demo association is built for the year of the build.
+QString date(int day, int month)
+{
+    return QStringLiteral("%1.%2.%3").arg(day).arg(month).arg(QDate::currentDate().year());
+}
+
+} // namespace
+
+// vorkam_report computes the statements as the statement window does and writes their rows.
+class tst_StatementReport final : public QObject {
+    Q_OBJECT
+
+    TestEnv* env = nullptr;
+    QString books;
+
+private slots:
+    void init()
+    {
+        env = new TestEnv;
+        books = env->path(QStringLiteral("demo1.mdb"));
+        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
+        QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    }
+    void cleanup() { delete env; }
+
+    void writesRows_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QStringList>("lines"); // lines the CSV holds
+        QTest::addColumn<int>("rows"); // data rows after the title and the heads
+        QTest::newRow("income statement")
+            << QStringList { "tuloslaskelma" }
+            << QStringList { QStringLiteral(
+                                 "Esimerkkiyhdistys ry - Kirjanpidon tuloslaskelma : Ajalle : %1 - %2 "
+                                 "Tilikaudella : %1 - %2")
+                                 .arg(date(1, 1), date(31, 12)),
+                   "0;**;Tilikauden ylijäämä (alijäämä);253,69;4,6;0,00;;253,69;4,6;0,00;253,69;" }
+            << 26;
+        QTest::newRow("named template, by account, spring")
+            << QStringList { "tuloslaskelma", "--template", "yhdistyksen TULOSLASKELMA", "--accounts",
+                   "--from", date(1, 3), "--to", date(31, 5) }
+            << QStringList { "1;;3020 Retkien "
+                             "osallistumismaksut;1260,00;71,6;0,00;;1260,00;49,6;0,00;1260,00;" }
+            << 59;
+        QTest::newRow("balance sheet, groups only")
+            << QStringList { "tase", "--groups-only", "--from", date(1, 1), "--to", date(30, 6) }
+            << QStringList { QStringLiteral("Esimerkkiyhdistys ry - Kirjanpidon tase : %1").arg(date(30, 6)),
+                   "0;**;Vastaavaa;0;7630,00;2574,22;10204,22;0,00;10204,22;",
+                   "0;**;Vastattavaa;0;7630,00;2574,22;10204,22;0,00;10204,22;" }
+            << 4;
+    }
+
+    void writesRows()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(QStringList, lines);
+        QFETCH(int, rows);
+        const QString csv = env->path(QStringLiteral("rivit.csv"));
+        const Result r = vorkamReport(QStringList { books } + args + QStringList { "--csv", csv });
+        QVERIFY2(r.code == 0, qPrintable(r.err));
+        const QStringList written = QString::fromUtf8(TestEnv::readFile(csv))
+                                        .remove(QChar(0xFEFF))
+                                        .split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+        for (const QString& line : lines)
+            QVERIFY2(
+                written.contains(line), qPrintable(line + QStringLiteral("\n--\n") + written.join(u'\n')));
+        QCOMPARE(written.size(), rows + 2);
+
+        const QString xlsx = env->path(QStringLiteral("rivit.xlsx"));
+        QCOMPARE(vorkamReport(QStringList { books } + args + QStringList { "--xlsx", xlsx }).code, 0);
+        QVERIFY(TestEnv::readFile(xlsx).startsWith("PK"));
+    }
+
+    void refusals_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no layout for PDF") << QStringList { "tase", "--pdf", "x.pdf" } << 2
+                                           << "Raportille tase ei vielä ole tulostusasettelua";
+        QTest::newRow("unknown template") << QStringList { "tase", "--template", "Ei ole", "--csv", "x.csv" }
+                                          << 1 << "Tasemallia \"Ei ole\" ei ole kirjanpidossa.";
+        QTest::newRow("income statement's name for a balance sheet")
+            << QStringList { "tase", "--template", "Yhdistyksen tuloslaskelma", "--csv", "x.csv" } << 1
+            << "Tasemallia \"Yhdistyksen tuloslaskelma\" ei ole kirjanpidossa.";
+        QTest::newRow("outside the fiscal year")
+            << QStringList { "tuloslaskelma", "--from", "1.1.2000", "--to", date(31, 12), "--csv", "x.csv" }
+            << 1 << "Alkupäivämäärä ei kuulu tilikauteen: ";
+        QTest::newRow("options of statements only") << QStringList { "tilit", "--accounts", "--csv",
+            "x.csv" } << 2 << "ei käytä valitsinta --template/--accounts/--groups-only";
+    }
+
+    void refusals()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(int, code);
+        QFETCH(QString, message);
+        const Result r = vorkamReport(QStringList { books } + args);
+        QCOMPARE(r.code, code);
+        QVERIFY2(r.err.contains(message), qPrintable(r.err));
+        QVERIFY(!QFile::exists(QStringLiteral("x.csv")) && !QFile::exists(QStringLiteral("x.pdf")));
+    }
+
+    // A balance sheet that names no income statement is refused with the statement window's words.
+    void balanceSheetWithoutIncomeStatement()
+    {
+        withDatabase(books,
+            [](QSqlDatabase& db) { QSqlQuery(db).exec(QStringLiteral("UPDATE ma SET maTulosMaID = 0")); });
+        const Result r = vorkamReport({ books, "tase", "--csv", env->path(QStringLiteral("tase.csv")) });
+        QCOMPARE(r.code, 1);
+        QVERIFY2(
+            r.err.contains(QStringLiteral("Tasemallille ei ole määritelty tuloslaskelmaa, jonka perusteella "
+                                          "tilikauden voitto kirjataan.")),
+            qPrintable(r.err));
+        QVERIFY(!QFile::exists(env->path(QStringLiteral("tase.csv"))));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_StatementReport)
+#include "tst_StatementReport.moc"

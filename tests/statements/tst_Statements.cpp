@@ -1,0 +1,264 @@
+#include "Dates.h"
+#include "Golden.h"
+#include "ModelChecks.h"
+#include "ProfitEntries.h"
+#include "ScriptedDialogs.h"
+#include "StatementFixture.h"
+#include "Statements.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTest>
+
+namespace {
+
+const QString BinDir = QStringLiteral(VORKAM_BIN_DIR);
+
+// A copy of a shipped book opened as the program's database, with its own settings.
+bool openCopy(const TestEnv& env, const QString& relative)
+{
+    const QString copy = env.path(QFileInfo(relative).fileName());
+    if (!QFile::copy(BinDir + u'/' + relative, copy))
+        return false;
+    QFile::setPermissions(copy, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    ProgramSettings::installation().Database = copy;
+    if (!DBC::instance().AvaaDB().isOpen())
+        return false;
+    ProgramSettings::loadBookkeeping(DBC::instance().AvaaDB(), copy);
+    return true;
+}
+
+qint32 templateOf(int kind)
+{
+    return StatementFixture::value(
+        QStringLiteral("SELECT maID FROM ma WHERE maTyyppi = ? ORDER BY maID LIMIT 1"), { kind })
+        .toInt();
+}
+
+// Balanced vouchers over every account of the chart except the two profit accounts, in both
+// years, each year opened by a voucher over the balance-sheet accounts. The same every run.
+void generateYears()
+{
+    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    QList<int> accounts;
+    QList<int> balance;
+    QSqlQuery q(StatementFixture::db());
+    q.prepare(
+        QStringLiteral("SELECT tlID, tlNumero FROM tl WHERE tlID NOT IN (?, "
+                       "(SELECT COALESCE(MIN(CAST(mrTilit AS INTEGER)), 0) FROM mr WHERE mrIsVoitto <> 0)) "
+                       "ORDER BY tlID"));
+    q.addBindValue(s.VoittoTaseella);
+    q.exec();
+    while (q.next()) {
+        accounts << q.value(0).toInt();
+        if (q.value(1).toInt() < 3000)
+            balance << q.value(0).toInt();
+    }
+    quint32 r = 12345;
+    const auto next = [&r](int n) {
+        r = r * 1664525u + 1013904223u;
+        return int((r >> 8) % quint32(n));
+    };
+    for (const bool previous : { false, true }) {
+        const QDate start = previous ? s.EdTilikausiAlku : s.TilikausiAlku;
+        const int opening = StatementFixture::voucher(Dates::toSql(start), previous, true, 0);
+        for (int i = 0; i < 6; ++i) {
+            const qint64 cents = 1000 + next(500000);
+            StatementFixture::entry(
+                opening, balance[next(int(balance.size()))], QStringLiteral("D"), cents, previous);
+            StatementFixture::entry(
+                opening, balance[next(int(balance.size()))], QStringLiteral("K"), cents, previous);
+        }
+        for (int i = 1; i <= 80; ++i) {
+            const int id
+                = StatementFixture::voucher(Dates::toSql(start.addDays(next(360))), previous, false, i);
+            const qint64 cents = 100 + next(300000);
+            const qint64 part = next(int(cents));
+            StatementFixture::entry(
+                id, accounts[next(int(accounts.size()))], QStringLiteral("D"), cents, previous);
+            StatementFixture::entry(
+                id, accounts[next(int(accounts.size()))], QStringLiteral("K"), part, previous);
+            StatementFixture::entry(
+                id, accounts[next(int(accounts.size()))], QStringLiteral("K"), cents - part, previous);
+        }
+    }
+}
+
+// Income less expenses of a year by the accounts themselves: accounts 3000 and above other than
+// the income statement's profit account, automatic entries left out.
+qint64 resultByAccounts(bool previous, qint32 profitAccount)
+{
+    const QString sql = previous
+        ? QStringLiteral(
+            "SELECT COALESCE(SUM(CASE WHEN viETyyppi = 'K' THEN viEArvo ELSE -viEArvo END), 0) FROM viE "
+            "JOIN tl ON tlID = viEtlID WHERE tlNumero >= 3000 AND tlID <> ? AND viEAutomaatti = 0")
+        : QStringLiteral(
+            "SELECT COALESCE(SUM(CASE WHEN viTyyppi = 'K' THEN viArvo ELSE -viArvo END), 0) FROM vi "
+            "JOIN tl ON tlID = vitlID WHERE tlNumero >= 3000 AND tlID <> ? AND viAutomaatti = 0");
+    return StatementFixture::value(sql, { profitAccount }).toLongLong();
+}
+
+// Vastaavaa's and Vastattavaa's totals: closing balances, then the previous year's.
+QList<qint64> balanceTotals()
+{
+    QList<qint64> totals;
+    for (const char* side : { "Vastaavaa", "Vastattavaa" })
+        for (const char* column : { "taseLoppusaldo", "taseLoppusaldoEdellinen" })
+            totals << StatementFixture::value(
+                QStringLiteral(
+                    "SELECT %1 FROM tase WHERE taseteksti = ? AND taseMerkki = '**' AND taseTyyppi = 0")
+                    .arg(QLatin1String(column)),
+                { QString::fromLatin1(side) })
+                          .toLongLong();
+    return totals;
+}
+
+QString tableText(const QString& table) { return StatementFixture::rows(table).join(u'\n') + u'\n'; }
+
+} // namespace
+
+class tst_Statements : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<ScriptedDialogs> dialogs;
+
+private slots:
+    void init() { dialogs = std::make_unique<ScriptedDialogs>(); }
+    void cleanup()
+    {
+        DBC::instance().SuljeDB();
+        QVERIFY2(dialogs->failures().isEmpty(), qPrintable(dialogs->failures().join(u'\n')));
+        dialogs.reset();
+    }
+
+    void resultAndBalanceOfEveryBook_data();
+    void resultAndBalanceOfEveryBook();
+    void demoStatements_data();
+    void demoStatements();
+    void demoTwiceIsOnce();
+    void missingTemplate();
+};
+
+// On every shipped book, with a year of entries in both years: the profit row shows income
+// less expenses, and the balance sheet balances in both years' columns.
+void tst_Statements::resultAndBalanceOfEveryBook_data()
+{
+    QTest::addColumn<QString>("file");
+    for (const ModelChecks::ShippedBook& book : ModelChecks::shippedBooks())
+        QTest::newRow(qPrintable(book.name)) << book.file;
+}
+
+void tst_Statements::resultAndBalanceOfEveryBook()
+{
+    QFETCH(QString, file);
+    TestEnv env;
+    QVERIFY(openCopy(env, file));
+    const QSqlDatabase db = DBC::instance().AvaaDB();
+    generateYears();
+    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    const qint32 income = templateOf(1);
+    const qint32 balance = templateOf(2);
+    QVERIFY(income > 0 && balance > 0);
+
+    QVERIFY(Statements::compute(db, StatementOptions::forPeriod(income, s.TilikausiAlku, s.TilikausiLoppu)));
+    const QString profitRow = StatementFixture::value(
+        QStringLiteral("SELECT mrTeksti FROM mr WHERE mrmaID = ? AND mrIsVoitto <> 0"), { income })
+                                  .toString();
+    const qint32 profitAccount = StatementFixture::value(
+        QStringLiteral("SELECT CAST(mrTilit AS INTEGER) FROM mr WHERE mrmaID = ? AND mrIsVoitto <> 0"),
+        { income })
+                                     .toInt();
+    const qint64 current = resultByAccounts(false, profitAccount);
+    const qint64 previous = resultByAccounts(true, profitAccount);
+    QVERIFY(current != 0 && previous != 0);
+    QCOMPARE(StatementFixture::amount(
+                 QStringLiteral("tula"), QStringLiteral("tulaToteutunutKuluvaAlusta"), profitRow),
+        current / 100);
+    QCOMPARE(StatementFixture::amount(
+                 QStringLiteral("tula"), QStringLiteral("tulaToteutunutEdellinenAlusta"), profitRow),
+        previous / 100);
+    QCOMPARE(ModelChecks::totals(db).resultByTemplate, current);
+
+    QVERIFY(Statements::compute(db, StatementOptions::forPeriod(balance, s.TilikausiAlku, s.TilikausiLoppu)));
+    const QList<qint64> totals = balanceTotals();
+    QVERIFY(totals[0] != 0 && totals[1] != 0);
+    QCOMPARE(totals[2], totals[0]);
+    QCOMPARE(totals[3], totals[1]);
+    QVERIFY2(dialogs->shown().isEmpty(), qPrintable(dialogs->transcript().join(u'\n')));
+}
+
+// The demo's statements as they print, kept as golden files: the whole year, a spring period
+// account by account, and the balance sheet at the year's end and, groups only, at midsummer.
+void tst_Statements::demoStatements_data()
+{
+    QTest::addColumn<QString>("golden");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<int>("startMonth"); // 0: the fiscal year's start
+    QTest::addColumn<int>("endMonth"); // 0: the fiscal year's end
+    QTest::addColumn<bool>("perAccount");
+    QTest::addColumn<bool>("groupsOnly");
+    QTest::newRow("income statement") << "tula_demo" << 1 << 0 << 0 << false << false;
+    QTest::newRow("spring by account") << "tula_demo_kevat_tileittain" << 1 << 3 << 5 << true << false;
+    QTest::newRow("income statement, groups") << "tula_demo_ryhmat" << 1 << 0 << 0 << false << true;
+    QTest::newRow("balance sheet") << "tase_demo" << 2 << 0 << 0 << false << false;
+    QTest::newRow("balance sheet by account") << "tase_demo_tileittain" << 2 << 0 << 0 << true << false;
+    QTest::newRow("balance sheet at midsummer, groups")
+        << "tase_demo_kesakuu_ryhmat" << 2 << 0 << 6 << false << true;
+}
+
+void tst_Statements::demoStatements()
+{
+    QFETCH(QString, golden);
+    QFETCH(int, kind);
+    QFETCH(int, startMonth);
+    QFETCH(int, endMonth);
+    QFETCH(bool, perAccount);
+    QFETCH(bool, groupsOnly);
+    TestEnv env;
+    QVERIFY(openCopy(env, QStringLiteral("demo1.mdb")));
+    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    const int year = s.TilikausiAlku.year();
+    const QDate start = startMonth == 0 ? s.TilikausiAlku : QDate(year, startMonth, 1);
+    const QDate end = endMonth == 0 ? s.TilikausiLoppu : QDate(year, endMonth, 1).addMonths(1).addDays(-1);
+    StatementOptions o = StatementOptions::forPeriod(templateOf(kind), start, end);
+    o.perAccount = perAccount;
+    o.groupsOnly = groupsOnly;
+    QVERIFY(Statements::compute(DBC::instance().AvaaDB(), o));
+    VERIFY_GOLDEN(golden, tableText(kind == 1 ? QStringLiteral("tula") : QStringLiteral("tase")));
+    if (kind == 2 && !groupsOnly) {
+        const QList<qint64> totals = balanceTotals();
+        QCOMPARE(totals[2], totals[0]);
+        QCOMPARE(totals[3], totals[1]);
+    }
+}
+
+void tst_Statements::demoTwiceIsOnce()
+{
+    TestEnv env;
+    QVERIFY(openCopy(env, QStringLiteral("demo1.mdb")));
+    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    const StatementOptions o = StatementOptions::forPeriod(templateOf(1), s.TilikausiAlku, s.TilikausiLoppu);
+    QVERIFY(Statements::compute(DBC::instance().AvaaDB(), o));
+    const QString once = tableText(QStringLiteral("tula"));
+    const int vouchers = StatementFixture::count(QStringLiteral("\"to\""));
+    const int entries = StatementFixture::count(QStringLiteral("vi"));
+    QVERIFY(Statements::compute(DBC::instance().AvaaDB(), o));
+    QCOMPARE(tableText(QStringLiteral("tula")), once);
+    QCOMPARE(StatementFixture::count(QStringLiteral("\"to\"")), vouchers);
+    QCOMPARE(StatementFixture::count(QStringLiteral("vi")), entries);
+    QCOMPARE(StatementFixture::count(QStringLiteral("\"to\""), QStringLiteral("toAutomaatti <> 0")), 1);
+}
+
+void tst_Statements::missingTemplate()
+{
+    TestEnv env;
+    QVERIFY(openCopy(env, QStringLiteral("demo1.mdb")));
+    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    QVERIFY(!Statements::compute(
+        DBC::instance().AvaaDB(), StatementOptions::forPeriod(999, s.TilikausiAlku, s.TilikausiLoppu)));
+    QCOMPARE(dialogs->transcript(), QStringList { "information: Valittua mallia ei löydy." });
+    QCOMPARE(StatementFixture::count(QStringLiteral("\"to\""), QStringLiteral("toAutomaatti <> 0")), 0);
+}
+
+QTEST_GUILESS_MAIN(tst_Statements)
+#include "tst_Statements.moc"

@@ -1,0 +1,325 @@
+#include "StatementFixture.h"
+#include "TemplateText.h"
+#include "Transaction.h"
+#include "cMalli.h"
+
+#include <QSignalSpy>
+#include <QTest>
+#include <memory>
+
+using Ids = QList<qint32>;
+Q_DECLARE_METATYPE(std::vector<qint32>)
+
+class tst_cMalli : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<StatementFixture> f;
+
+private slots:
+    void init()
+    {
+        f = std::make_unique<StatementFixture>();
+        QVERIFY(f->ok);
+    }
+    void cleanup() { f.reset(); }
+
+    void textsAreCut_data();
+    void textsAreCut();
+    void templateRoundTrip();
+    void rowRoundTripAndDirtyFlag();
+    void deleteTemplate_data();
+    void deleteTemplate();
+    void deleteRowSubtree();
+    void groupOrderAndTree();
+    void accountLists_data();
+    void accountLists();
+    void formulas_data();
+    void formulas();
+};
+
+// Names and captions are cut to 50, lists and formulas to 255; a template's empty name is a
+// blank; sides keep their first character.
+void tst_cMalli::textsAreCut_data()
+{
+    QTest::addColumn<QString>("property");
+    QTest::addColumn<QString>("given");
+    QTest::addColumn<QString>("stored");
+    const QString sixty = QString(60, u'x');
+    const QString long300 = QString(300, u'1');
+    QTest::newRow("template name empty") << "Nimi"
+                                         << ""
+                                         << " ";
+    QTest::newRow("template name 60") << "Nimi" << sixty << sixty.left(50);
+    QTest::newRow("row caption 60") << "Teksti" << sixty << sixty.left(50);
+    QTest::newRow("row caption empty stored as blank") << "Teksti"
+                                                       << ""
+                                                       << " ";
+    QTest::newRow("accounts 300") << "Tilit" << long300 << long300.left(255);
+    QTest::newRow("formula 300") << "Kaava" << long300 << long300.left(255);
+    QTest::newRow("side first character") << "SaldoPuoli"
+                                          << "Kredit"
+                                          << "K";
+    QTest::newRow("entry type first character") << "viTyyppi"
+                                                << "Debet"
+                                                << "D";
+}
+
+void tst_cMalli::textsAreCut()
+{
+    QFETCH(QString, property);
+    QFETCH(QString, given);
+    QFETCH(QString, stored);
+    cMalli malli(f->db());
+    malli.setTyyppi(cMalli::Tuloslaskelma);
+    auto rivi = malli.AddModelRow();
+    if (property == u"Nimi")
+        malli.setNimi(given);
+    else if (property == u"Teksti")
+        rivi->setTeksti(given);
+    else if (property == u"Tilit")
+        rivi->setTilit(given);
+    else if (property == u"Kaava")
+        rivi->setKaava(given);
+    else if (property == u"SaldoPuoli")
+        rivi->setSaldoPuoli(given);
+    else
+        rivi->setviTyyppi(given);
+    malli.Save(true);
+    rivi->setMalliId(malli.id());
+    rivi->Save(true);
+    const QString column = property == u"Nimi" ? QStringLiteral("maNimi FROM ma")
+        : property == u"viTyyppi"              ? QStringLiteral("mrviTyyppi FROM mr")
+                                               : QStringLiteral("mr%1 FROM mr").arg(property);
+    QCOMPARE(f->value(QStringLiteral("SELECT ") + column).toString(), stored);
+}
+
+void tst_cMalli::templateRoundTrip()
+{
+    cMalli malli(f->db());
+    QSignalSpy renamed(&malli, &cMalli::NameChanged);
+    malli.setTyyppi(cMalli::Tase);
+    malli.setNimi(QStringLiteral("Tase"));
+    malli.setSuojattu(true);
+    malli.setTulosMaID(7);
+    QVERIFY(malli.Dirty());
+    malli.Save(false);
+    QVERIFY(malli.id() > 0);
+    QVERIFY(!malli.Dirty());
+    // Every assignment tells the tree, changed or not, with the kind, the name and the key.
+    malli.setNimi(QStringLiteral("Tase"));
+    QVERIFY(!malli.Dirty());
+    QCOMPARE(renamed.count(), 2);
+    QCOMPARE(renamed.last(),
+        (QVariantList { QVariant::fromValue(qint16(2)), QStringLiteral("Tase"), malli.id() }));
+
+    cMalli read(f->db());
+    QVERIFY(read.Load(malli.id()));
+    QCOMPARE(read.Nimi(), QStringLiteral("Tase"));
+    QCOMPARE(read.Tyyppi(), cMalli::Tase);
+    QVERIFY(read.Suojattu());
+    QCOMPARE(read.TulosMaID(), 7);
+    QVERIFY(!read.Load(malli.id() + 1));
+    // A save without force and without changes writes nothing.
+    const qint64 before = f->value(QStringLiteral("SELECT total_changes()")).toLongLong();
+    read.Save(false);
+    QCOMPARE(f->value(QStringLiteral("SELECT total_changes()")).toLongLong(), before);
+}
+
+void tst_cMalli::rowRoundTripAndDirtyFlag()
+{
+    f->exec(QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi) VALUES (3, 'T', 1)"));
+    cMalli malli(f->db());
+    QVERIFY(malli.Load(3));
+    {
+        auto rivi = malli.AddModelRow();
+        QCOMPARE(rivi->MalliId(), 3);
+        QSignalSpy renamed(rivi.get(), &cMalliRivi::NameChanged);
+        rivi->setTeksti(QStringLiteral("Tuotot"));
+        rivi->setSaldoPuoli(QStringLiteral("K"));
+        rivi->setTilit(QStringLiteral("12,15,31,"));
+        rivi->setKaava(QStringLiteral("+41,-57,"));
+        rivi->setBelongsToGroup(9);
+        rivi->setGroupOrder(4);
+        rivi->setIsLiikevaihto(true);
+        rivi->setIsEquation(true);
+        rivi->setIsVoitto(true);
+        rivi->setmrtlID(12);
+        rivi->setviTyyppi(QStringLiteral("D"));
+        QCOMPARE(renamed.count(), 1);
+        // Released while changed, the row saves itself.
+    }
+    QCOMPARE(f->count(QStringLiteral("mr")), 1);
+    cMalliRivi read(f->db());
+    QVERIFY(read.Load(f->value(QStringLiteral("SELECT mrID FROM mr")).toInt()));
+    QCOMPARE(read.MalliId(), 3);
+    QCOMPARE(read.Teksti(), QStringLiteral("Tuotot"));
+    QCOMPARE(read.SaldoPuoli(), QStringLiteral("K"));
+    QCOMPARE(read.Tilit(), QStringLiteral("12,15,31,"));
+    QCOMPARE(read.Kaava(), QStringLiteral("+41,-57,"));
+    QCOMPARE(read.BelongsToGroup(), 9);
+    QCOMPARE(read.GroupOrder(), 4);
+    QVERIFY(read.IsLiikevaihto() && read.IsEquation() && read.IsVoitto());
+    QCOMPARE(read.mrtlID(), 12);
+    QCOMPARE(read.viTyyppi(), QStringLiteral("D"));
+    read.setTilit(QStringLiteral("12,15,31,"));
+    QVERIFY(!read.Dirty());
+    read.setIsVoitto(false);
+    QVERIFY(read.Dirty());
+    read.Undo();
+    QVERIFY(!read.Dirty());
+
+    // A row saved inside a transaction that rolls back claims no row afterwards.
+    cMalliRivi lost(f->db());
+    lost.setMalliId(3);
+    {
+        Transaction t(f->db());
+        lost.Save(true);
+        QVERIFY(lost.id() > 0);
+    }
+    QCOMPARE(lost.id(), 0);
+    QCOMPARE(f->count(QStringLiteral("mr")), 1);
+    lost.setIsEmpty(true); // nothing to save on release
+}
+
+void tst_cMalli::deleteTemplate_data()
+{
+    QTest::addColumn<bool>("protect");
+    QTest::addColumn<bool>("deleted");
+    QTest::newRow("open") << false << true;
+    QTest::newRow("protected") << true << false;
+}
+
+void tst_cMalli::deleteTemplate()
+{
+    QFETCH(bool, protect);
+    QFETCH(bool, deleted);
+    f->malli(1, QStringLiteral("Tuloslaskelma"), 1);
+    f->malli(2, QStringLiteral("Toinen"), 1);
+    f->row({ .id = 1, .ma = 1, .teksti = QStringLiteral("A") });
+    f->row({ .id = 2, .ma = 1, .teksti = QStringLiteral("B"), .parent = 1 });
+    f->row({ .id = 3, .ma = 2, .teksti = QStringLiteral("C") });
+    f->exec(QStringLiteral("UPDATE ma SET maSuojattu = ? WHERE maID = 1"), { protect ? 1 : 0 });
+    cMalli malli(f->db());
+    QVERIFY(malli.Load(1));
+    QCOMPARE(malli.Delete(), deleted);
+    QCOMPARE(f->count(QStringLiteral("ma")), deleted ? 1 : 2);
+    QCOMPARE(f->count(QStringLiteral("mr")), deleted ? 1 : 3);
+    QCOMPARE(f->count(QStringLiteral("mr"), QStringLiteral("mrmaID = 2")), 1);
+    cMalli unsaved(f->db());
+    QVERIFY(!unsaved.Delete());
+}
+
+// A group goes with everything below it, however deep; rows of other templates and a damaged
+// link that loops back stay harmless.
+void tst_cMalli::deleteRowSubtree()
+{
+    f->malli(1, QStringLiteral("T"), 1);
+    f->malli(2, QStringLiteral("U"), 1);
+    f->row({ .id = 1, .teksti = QStringLiteral("Pääryhmä") });
+    f->row({ .id = 2, .teksti = QStringLiteral("Ryhmä"), .parent = 1 });
+    f->row({ .id = 3, .teksti = QStringLiteral("Alaryhmä"), .parent = 2 });
+    f->row({ .id = 4, .teksti = QStringLiteral("Rivi"), .parent = 3 });
+    f->row({ .id = 5, .teksti = QStringLiteral("Sisar"), .parent = 1 });
+    f->row({ .id = 6, .teksti = QStringLiteral("Muu pääryhmä") });
+    f->row({ .id = 7, .ma = 2, .teksti = QStringLiteral("Vieras"), .parent = 2 });
+    f->row({ .id = 8, .teksti = QStringLiteral("Silmukka"), .parent = 9 });
+    f->row({ .id = 9, .teksti = QStringLiteral("Silmukka 2"), .parent = 8 });
+    cMalliRivi ryhma(f->db());
+    QVERIFY(ryhma.Load(2));
+    QVERIFY(ryhma.HasSubGroups());
+    ryhma.Delete();
+    QCOMPARE(ryhma.id(), 0);
+    QCOMPARE(f->value(QStringLiteral("SELECT group_concat(mrID) FROM (SELECT mrID FROM mr ORDER BY mrID)"))
+                 .toString(),
+        QStringLiteral("1,5,6,7,8,9"));
+    cMalliRivi loop(f->db());
+    QVERIFY(loop.Load(8));
+    loop.Delete();
+    QCOMPARE(f->count(QStringLiteral("mr"), QStringLiteral("mrID IN (8, 9)")), 0);
+}
+
+void tst_cMalli::groupOrderAndTree()
+{
+    f->malli(1, QStringLiteral("T"), 1);
+    f->row({ .id = 1, .teksti = QStringLiteral("B"), .order = 2 });
+    f->row({ .id = 2, .teksti = QStringLiteral("A"), .order = 1 });
+    f->row({ .id = 3, .teksti = QStringLiteral("A2"), .parent = 2, .order = 5 });
+    f->row({ .id = 4, .teksti = QStringLiteral("A1"), .parent = 2, .order = 3 });
+    cMalli malli(f->db());
+    QVERIFY(malli.Load(1));
+    QStringList captions;
+    for (const auto& main : malli.MainGroups()) {
+        captions << main->Teksti();
+        for (const auto& sub : main->SubRows())
+            captions << QStringLiteral("  ") + sub->Teksti();
+    }
+    QCOMPARE(captions, (QStringList { "A", "  A1", "  A2", "B" }));
+
+    // The first row of a new group is 1; after siblings, one past the largest.
+    auto uusi = malli.AddModelRow();
+    uusi->setBelongsToGroup(1);
+    uusi->SetDefaultGroupOrder();
+    QCOMPARE(uusi->GroupOrder(), 1);
+    uusi->setBelongsToGroup(2);
+    uusi->SetDefaultGroupOrder();
+    QCOMPARE(uusi->GroupOrder(), 6);
+    QVERIFY(!uusi->HasSubGroups()); // not stored: never mistaken for the template's main groups
+    uusi->setIsEmpty(true);
+}
+
+void tst_cMalli::accountLists_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<Ids>("ids");
+    QTest::newRow("three") << "12,15,31," << Ids { 12, 15, 31 };
+    QTest::newRow("no final comma") << "12,15" << Ids { 12, 15 };
+    QTest::newRow("empty") << "" << Ids {};
+    QTest::newRow("lone comma") << "," << Ids {};
+    QTest::newRow("empty-list marker") << "-1," << Ids {};
+    QTest::newRow("twice counts once") << "12,15,12," << Ids { 12, 15 };
+    QTest::newRow("not numbers name nothing") << "12,abc,1.5,,x7, 15 ," << Ids { 12, 15 };
+}
+
+void tst_cMalli::accountLists()
+{
+    QFETCH(QString, text);
+    QFETCH(Ids, ids);
+    const std::vector<qint32> parsed = TemplateText::accounts(text);
+    QCOMPARE(Ids(parsed.begin(), parsed.end()), ids);
+    QCOMPARE(TemplateText::accounts(TemplateText::accountList(parsed)), parsed);
+}
+
+void tst_cMalli::formulas_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("read"); // sign and row, or sign and "?" for no row
+    QTest::newRow("two") << "+41,-57,"
+                         << "+41 -57";
+    QTest::newRow("lone comma") << ","
+                                << "";
+    QTest::newRow("any other sign subtracts") << "*41,41,"
+                                              << "*41 41";
+    QTest::newRow("no number") << "+abc,"
+                               << "+?";
+    QString many;
+    for (int i = 1; i <= 300; ++i)
+        many = TemplateText::appendTerm(many, true, i);
+    QString first256;
+    for (int i = 1; i <= TemplateText::MaxTerms; ++i)
+        first256 += QStringLiteral(" +%1").arg(i);
+    QTest::newRow("at most 256 terms") << many << first256.trimmed();
+}
+
+void tst_cMalli::formulas()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, read);
+    QStringList terms;
+    for (const TemplateText::Term& t : TemplateText::terms(text))
+        terms << QString(t.sign) + (t.rowId ? QString::number(*t.rowId) : QStringLiteral("?"));
+    QCOMPARE(terms.join(u' '), read);
+    QCOMPARE(TemplateText::appendTerm(QStringLiteral("+41,"), false, 57), QStringLiteral("+41,-57,"));
+}
+
+QTEST_GUILESS_MAIN(tst_cMalli)
+#include "tst_cMalli.moc"

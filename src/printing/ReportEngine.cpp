@@ -135,7 +135,7 @@ std::shared_ptr<ReportData> fetch(
         throw ReportError(e.message(QStringLiteral("Raportin %1 tietoja ei voitu lukea.").arg(d.name)));
     }
 
-    // The fields the layout shows: the columns' and the groups'.
+    // The fields the layout shows: the columns', the cells' and the groups'.
     std::vector<ReportData::Field> fields;
     std::vector<int> source;
     const QSqlRecord record = q.record();
@@ -152,6 +152,8 @@ std::shared_ptr<ReportData> fetch(
     };
     for (const ReportColumn& c : d.columns)
         add(c.field, c.format);
+    for (auto it = d.fields.begin(); it != d.fields.end(); ++it)
+        add(it.key(), it.value());
     for (const ReportGroup& g : d.groups)
         add(g.field, CellFormat::Text);
 

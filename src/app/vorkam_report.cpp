@@ -209,8 +209,10 @@ int run(const Arguments& a)
             ProgramSettings::loadBookkeeping(db, books);
             try {
                 ReportJob job = entry->prepare(db, a.options);
-                job.periodStart = a.options.from;
-                job.periodEnd = a.options.to;
+                if (a.options.from.isValid()) {
+                    job.periodStart = a.options.from;
+                    job.periodEnd = a.options.to;
+                }
                 const std::unique_ptr<ReportDocument> document = ReportEngine::run(db, job);
                 if (a.format == u"pdf")
                     PdfWriter::write(*document, a.output);

@@ -10,19 +10,37 @@ TextTableModel::TextTableModel(QStringList headers, int leftColumns, QObject* pa
 void TextTableModel::setRows(std::vector<Row> rows)
 {
     beginResetModel();
+    m_count = int(rows.size());
     m_rows = std::move(rows);
+    m_make = nullptr;
+    m_madeIndex = -1;
     endResetModel();
 }
 
-qint32 TextTableModel::key(int row) const
+void TextTableModel::setRows(int count, std::function<Row(int row)> make)
 {
-    return row >= 0 && row < int(m_rows.size()) ? m_rows[size_t(row)].key : 0;
+    beginResetModel();
+    m_rows.clear();
+    m_count = count;
+    m_make = std::move(make);
+    m_madeIndex = -1;
+    endResetModel();
 }
 
-int TextTableModel::rowCount(const QModelIndex& parent) const
+const TextTableModel::Row& TextTableModel::row(int index) const
 {
-    return parent.isValid() ? 0 : int(m_rows.size());
+    if (!m_make)
+        return m_rows[size_t(index)];
+    if (m_madeIndex != index) {
+        m_made = m_make(index);
+        m_madeIndex = index;
+    }
+    return m_made;
 }
+
+qint32 TextTableModel::key(int index) const { return index >= 0 && index < m_count ? row(index).key : 0; }
+
+int TextTableModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : m_count; }
 
 int TextTableModel::columnCount(const QModelIndex& parent) const
 {
@@ -31,9 +49,9 @@ int TextTableModel::columnCount(const QModelIndex& parent) const
 
 QVariant TextTableModel::data(const QModelIndex& index, int role) const
 {
-    if (!index.isValid() || index.row() >= int(m_rows.size()))
+    if (!index.isValid() || index.row() >= m_count)
         return {};
-    const Row& r = m_rows[size_t(index.row())];
+    const Row& r = row(index.row());
     switch (role) {
     case Qt::DisplayRole:
         return index.column() < r.cells.size() ? r.cells.at(index.column()) : QString();

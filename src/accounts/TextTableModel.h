@@ -2,10 +2,13 @@
 
 #include <QAbstractTableModel>
 #include <QStringList>
+#include <functional>
 #include <vector>
 
-// Rows of ready-made texts for a read-only table view, with a key kept per row (Qt::UserRole).
-// The first columns are left-aligned, the rest (amounts) right-aligned.
+// Rows of texts for a read-only table view, with a key kept per row (Qt::UserRole). The first
+// columns are left-aligned, the rest (amounts) right-aligned. Rows are given as ready texts, or
+// as a count and a function that makes a row's texts when the view shows it (thousands of rows
+// are then not formatted ahead).
 class TextTableModel final : public QAbstractTableModel {
     Q_OBJECT
 
@@ -17,6 +20,7 @@ public:
         qint32 key = 0;
     };
     void setRows(std::vector<Row> rows);
+    void setRows(int count, std::function<Row(int row)> make);
     qint32 key(int row) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -27,5 +31,12 @@ public:
 private:
     QStringList m_headers;
     int m_leftColumns;
+    const Row& row(int index) const;
+
     std::vector<Row> m_rows;
+    int m_count = 0;
+    std::function<Row(int row)> m_make;
+    // The last row made, as a view asks for its cells one by one.
+    mutable int m_madeIndex = -1;
+    mutable Row m_made;
 };

@@ -96,14 +96,15 @@ void frmTilitarkastelu::Paivita()
     if (!tellIfFails(
             QStringLiteral("Tilitarkastelua ei voitu laskea."), [&] { tarkastelu.Laske(valittu, tyotaulu); }))
         return;
-    std::vector<TextTableModel::Row> rows;
-    rows.reserve(tarkastelu.rivit().size());
-    const auto summa = [](Money m) { return m.isZero() ? QString() : m.toCurrencyString(); };
-    for (const cTiliTarkastelut::Rivi& r : tarkastelu.rivit())
-        rows.push_back({ { QString::number(r.numero), Dates::format(r.paiva), r.selite.trimmed(),
-                             summa(r.debet), summa(r.kredit), r.erotus.toCurrencyString() },
-            r.toId });
-    m_model->setRows(std::move(rows));
+    // The rows are formatted as the view shows them: the busiest account has tens of thousands.
+    m_rivit = tarkastelu.rivit();
+    m_model->setRows(int(m_rivit.size()), [this](int i) {
+        const auto summa = [](Money m) { return m.isZero() ? QString() : m.toCurrencyString(); };
+        const cTiliTarkastelut::Rivi& r = m_rivit[size_t(i)];
+        return TextTableModel::Row { { QString::number(r.numero), Dates::format(r.paiva), r.selite.trimmed(),
+                                         summa(r.debet), summa(r.kredit), r.erotus.toCurrencyString() },
+            r.toId };
+    });
     ui->lblDebetSumma->setText(tarkastelu.debetSumma().toCurrencyString());
     ui->lblKreditSumma->setText(tarkastelu.kreditSumma().toCurrencyString());
     ui->lblErotusSumma->setText(tarkastelu.erotusSumma().toCurrencyString());

@@ -42,6 +42,7 @@ private:
     QSqlDatabase m_db;
     VoucherAccounts m_tilit;
     TextTableModel* m_model = nullptr;
+    std::vector<cTiliTarkastelut::Rivi> m_rivit;
     // The account whose rows tlTarkastelut holds, as its list shows it; empty before a run.
     QString m_laskettu;
 };

@@ -36,6 +36,8 @@ public:
     void setText(int row, int field, const QString& value);
 
     bool isNull(int row, int field) const;
+    // The two rows hold the same value in `field` (both null counts as the same).
+    bool sameValue(int a, int b, int field) const;
     qint64 number(int row, int field) const; // money (ten-thousandths), integers, 0 for null
     QString text(int row, int field) const;
     // The value for a spreadsheet: money in euros, integers, dates, percentages, texts.

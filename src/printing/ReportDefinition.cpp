@@ -196,6 +196,16 @@ ReportDefinition ReportDefinition::parse(const QByteArray& json, const QString& 
             r.fail(QStringLiteral("sarakkeen %1 leveyden tulee olla suurempi kuin 0.").arg(c.field));
         c.total = o.value(QLatin1String("total")).toBool(false);
         c.detail = o.value(QLatin1String("detail")).toBool(true);
+        if (o.contains(QLatin1String("running"))) {
+            const QJsonObject running
+                = r.object(o.value(QLatin1String("running")), QStringLiteral("Kohta \"running\""));
+            c.runningStart = r.text(running, "start");
+            c.runningPlus = r.text(running, "plus", true);
+            c.runningMinus = r.text(running, "minus");
+            if (c.format != CellFormat::Money && c.format != CellFormat::Integer)
+                r.fail(QStringLiteral("juokseva summa (%1) voi olla vain rahamäärä tai kokonaisluku.")
+                           .arg(c.field));
+        }
         if (c.total && c.format != CellFormat::Money && c.format != CellFormat::Integer)
             r.fail(QStringLiteral("vain rahamäärä- ja kokonaislukusarakkeet voi laskea yhteen (%1).")
                        .arg(c.field));

@@ -23,6 +23,13 @@ struct ReportColumn {
     // False: the column is left blank in detail rows (its values are shown by group header
     // cells); spreadsheets still get them on every row.
     bool detail = true;
+    // A running balance computed from the rows rather than read from the query: `runningStart`
+    // (a field, taken at the first row of each outermost group) plus `runningPlus` minus
+    // `runningMinus` of every row so far in the group. Empty: the query gives the column.
+    QString runningStart;
+    QString runningPlus;
+    QString runningMinus;
+    bool running() const { return !runningPlus.isEmpty(); }
 };
 
 // A text placed in the columns of a line of its own: a group header or footer, or a summary
@@ -56,7 +63,8 @@ enum class Orientation { Portrait, Landscape, Setting };
 //     "formulas": { "Seurannimi": "", "Otsake": "Tililuettelo" },
 //     "title": ["{Seurannimi}", "{Otsake}", "{Jakso}"],
 //     "columns": [ { "field": "Tili", "caption": "Tili", "width": 3, "align": "left",
-//                    "format": "text|money|date|integer|percentage", "total": false } ],
+//                    "format": "text|money|date|integer|percentage", "total": false,
+//                    "running": { "start": "Alkusaldo", "plus": "Debet", "minus": "Kredit" } } ],
 //     "groups": [ { "field": "Ryhma", "header": "{Ryhma}", "totalCaption": "Yhteensä",
 //                   "headerCells": [ { "column": "Tili", "to": "Nimi", "text": "{Selite}",
 //                                      "wrap": true, "align": "left" } ],

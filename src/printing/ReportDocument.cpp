@@ -353,15 +353,11 @@ void ReportDocument::buildItems()
                 m_items.push_back({ Kind::GroupFooter, quint8(k), 1, lastRow });
         }
     };
-    std::vector<QString> keys(static_cast<size_t>(levels), QString());
     for (int r = 0; r < rows; ++r) {
-        int changed = levels;
-        for (int k = 0; k < levels; ++k) {
-            const QString key = m_data->display(r, m_groupField[size_t(k)]);
-            if (r == 0 || (changed == levels && key != keys[size_t(k)]))
-                changed = std::min(changed, k);
-            keys[size_t(k)] = key;
-        }
+        int changed = r == 0 ? 0 : levels;
+        for (int k = 0; k < levels && changed == levels; ++k)
+            if (!m_data->sameValue(r, r - 1, m_groupField[size_t(k)]))
+                changed = k;
         if (r > 0 && changed < levels)
             close(changed, r - 1);
         for (int k = changed; k < levels; ++k) {

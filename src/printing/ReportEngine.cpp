@@ -150,19 +150,54 @@ std::shared_ptr<ReportData> fetch(
         fields.push_back({ name, format });
         source.push_back(index);
     };
-    for (const ReportColumn& c : d.columns)
-        add(c.field, c.format);
+    struct Running {
+        int field, start, plus, minus;
+    };
+    std::vector<const ReportColumn*> runningColumns;
+    for (const ReportColumn& c : d.columns) {
+        if (c.running())
+            runningColumns.push_back(&c);
+        else
+            add(c.field, c.format);
+    }
     for (auto it = d.fields.begin(); it != d.fields.end(); ++it)
         add(it.key(), it.value());
     for (const ReportGroup& g : d.groups)
         add(g.field, CellFormat::Text);
+    // Running balances are summed here, after the rows they add up.
+    const int readFields = int(fields.size());
+    const auto known = [&](const QString& name) {
+        for (int i = 0; i < readFields; ++i)
+            if (fields[size_t(i)].name.compare(name, Qt::CaseInsensitive) == 0)
+                return i;
+        if (name.isEmpty())
+            return -1;
+        throw ReportError(QStringLiteral("Raportin %1 juoksevan summan kenttää %2 ei ole sen tiedoissa.")
+                              .arg(d.name, name));
+    };
+    std::vector<Running> running;
+    for (const ReportColumn* c : runningColumns) {
+        running.push_back(
+            { int(fields.size()), known(c->runningStart), known(c->runningPlus), known(c->runningMinus) });
+        fields.push_back({ c->field, c->format });
+    }
+    const int groupField = d.groups.isEmpty() ? -1 : known(d.groups.first().field);
 
     auto data = std::make_shared<ReportData>(fields);
     int row = 0;
+    std::vector<qint64> sums(running.size(), 0);
     while (q.next()) {
         data->appendRow();
         for (int f = 0; f < int(source.size()); ++f)
             data->setValue(row, f, q.value(source[size_t(f)]));
+        const bool first = row == 0 || (groupField >= 0 && !data->sameValue(row, row - 1, groupField));
+        for (size_t i = 0; i < running.size(); ++i) {
+            const Running& r = running[i];
+            if (first)
+                sums[i] = r.start >= 0 ? data->number(row, r.start) : 0;
+            sums[i] += data->number(row, r.plus) - (r.minus >= 0 ? data->number(row, r.minus) : 0);
+            data->setNumber(row, r.field, sums[i]);
+        }
         ++row;
         if (progress && row % 2000 == 0 && !progress(row))
             throw ReportCancelled();

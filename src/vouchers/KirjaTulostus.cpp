@@ -6,6 +6,7 @@
 #include "ProgramSettings.h"
 #include "Transaction.h"
 
+#include <QSet>
 #include <QVariant>
 
 namespace {
@@ -121,23 +122,27 @@ QString jaksonVirhe(const QDate& alku, const QDate& loppu)
 
 Summat paivakirjanSummat(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu)
 {
+    // The vouchers (also those without entries) and the entries by side, each counted in one pass.
+    const QString vouchers
+        = QStringLiteral("\"to\".toNumero >= 0 AND \"to\".toPvm <= :loppu AND \"to\".toPvm >= :alku AND ")
+        + tositeLaji(laji);
+    Summat s;
+    QSqlQuery count = run(db, QStringLiteral("SELECT COUNT(*) FROM \"to\" WHERE ") + vouchers, alku, loppu);
+    if (count.next())
+        s.tositteita = count.value(0).toLongLong();
     QSqlQuery q = run(db,
-        QStringLiteral("SELECT COUNT(DISTINCT \"to\".toID), "
-                       "COALESCE(SUM(CASE WHEN vi.viTyyppi = 'D' THEN 1 ELSE 0 END), 0), "
+        QStringLiteral("SELECT COALESCE(SUM(CASE WHEN vi.viTyyppi = 'D' THEN 1 ELSE 0 END), 0), "
                        "COALESCE(SUM(CASE WHEN vi.viTyyppi = 'K' THEN 1 ELSE 0 END), 0), "
                        "COALESCE(SUM(CASE WHEN vi.viTyyppi = 'D' THEN vi.viArvo ELSE 0 END), 0), "
                        "COALESCE(SUM(CASE WHEN vi.viTyyppi = 'K' THEN vi.viArvo ELSE 0 END), 0) "
-                       "FROM \"to\" LEFT JOIN vi ON vi.vitoID = \"to\".toID WHERE \"to\".toNumero >= 0 AND "
-                       "\"to\".toPvm <= :loppu AND \"to\".toPvm >= :alku AND ")
-            + tositeLaji(laji),
+                       "FROM \"to\" INNER JOIN vi ON vi.vitoID = \"to\".toID WHERE ")
+            + vouchers,
         alku, loppu);
-    Summat s;
     if (q.next()) {
-        s.tositteita = q.value(0).toLongLong();
-        s.debetVienteja = q.value(1).toLongLong();
-        s.kreditVienteja = q.value(2).toLongLong();
-        s.debet = Money::fromRaw(q.value(3).toLongLong());
-        s.kredit = Money::fromRaw(q.value(4).toLongLong());
+        s.debetVienteja = q.value(0).toLongLong();
+        s.kreditVienteja = q.value(1).toLongLong();
+        s.debet = Money::fromRaw(q.value(2).toLongLong());
+        s.kredit = Money::fromRaw(q.value(3).toLongLong());
     }
     return s;
 }
@@ -221,31 +226,65 @@ QList<qint32> valmistelePaakirja(const QSqlDatabase& db, Laji laji, const QDate&
                        "SELECT ?, tlID, ?, ?, 0 FROM tl"),
         { kantaja, laji == Laji::Avaus ? 1 : 0, laji == Laji::Paatos ? 1 : 0 });
 
-    Sql::run(db, QStringLiteral("UPDATE tl SET tlAlkusaldo = 0, tlLoppusaldo = 0"));
     // Every entry is read once, grouped by account; the unary plus keeps the planner from
-    // walking the entries in account-index order.
+    // walking the entries in account-index order. The same pass counts the entries of the period's
+    // passes that no balance can take (no debit or credit type), per account.
     const QString maara = QStringLiteral(
         "CASE WHEN vi.viTyyppi = 'D' THEN vi.viArvo WHEN vi.viTyyppi = 'K' THEN -vi.viArvo ELSE 0 END");
-    run(db,
-        QStringLiteral(
-            "UPDATE tl SET tlAlkusaldo = s.alku, tlLoppusaldo = s.alku + s.muutos FROM (SELECT "
-            "vi.vitlID AS id, SUM(CASE WHEN %1 THEN %3 ELSE 0 END) AS alku, SUM(CASE WHEN %2 THEN %3 "
-            "ELSE 0 END) AS muutos FROM vi INNER JOIN \"to\" ON \"to\".toID = vi.vitoID WHERE "
-            "\"to\".toNumero >= 0 GROUP BY +vi.vitlID) AS s WHERE s.id = tl.tlID")
-            .arg(e.alku, e.jakso, maara),
-        alku, loppu);
-
-    // Entries the balances cannot place: no such account, or neither debit nor credit.
+    const QString mukana = QStringLiteral("(%1) OR (%2)").arg(e.alku, e.jakso);
     QSqlQuery q = run(db,
         QStringLiteral(
-            "SELECT DISTINCT \"to\".toNumero FROM vi INNER JOIN \"to\" ON \"to\".toID = vi.vitoID "
-            "WHERE \"to\".toNumero >= 0 AND ((%1) OR (%2)) AND (vi.viTyyppi IS NULL OR vi.viTyyppi NOT "
-            "IN ('D', 'K') OR NOT EXISTS (SELECT 1 FROM tl WHERE tl.tlID = vi.vitlID)) ORDER BY 1")
-            .arg(e.alku, e.jakso),
+            "SELECT vi.vitlID, SUM(CASE WHEN %1 THEN %3 ELSE 0 END), SUM(CASE WHEN %2 THEN %3 ELSE 0 "
+            "END), SUM(CASE WHEN (%4) AND (vi.viTyyppi IS NULL OR vi.viTyyppi NOT IN ('D', 'K')) THEN 1 "
+            "ELSE 0 END), SUM(CASE WHEN %4 THEN 1 ELSE 0 END) FROM vi INNER JOIN \"to\" ON \"to\".toID = "
+            "vi.vitoID WHERE \"to\".toNumero >= 0 GROUP BY +vi.vitlID")
+            .arg(e.alku, e.jakso, maara, mukana),
         alku, loppu);
-    QList<qint32> virheelliset;
+    struct Saldo {
+        qint32 tili;
+        qint64 alku;
+        qint64 muutos;
+        bool virheita;
+        bool mukana;
+    };
+    std::vector<Saldo> saldot;
     while (q.next())
-        virheelliset.append(q.value(0).toInt());
+        saldot.push_back({ q.value(0).toInt(), q.value(1).toLongLong(), q.value(2).toLongLong(),
+            q.value(3).toLongLong() > 0, q.value(4).toLongLong() > 0 });
+    QSet<qint32> tilit;
+    q = Sql::run(db, QStringLiteral("SELECT tlID FROM tl"));
+    while (q.next())
+        tilit.insert(q.value(0).toInt());
+
+    Sql::run(db, QStringLiteral("UPDATE tl SET tlAlkusaldo = 0, tlLoppusaldo = 0"));
+    QVariantList epaillyt;
+    for (const Saldo& saldo : saldot) {
+        const bool tunnettu = tilit.contains(saldo.tili);
+        if (tunnettu && (saldo.alku != 0 || saldo.muutos != 0))
+            Sql::run(db, QStringLiteral("UPDATE tl SET tlAlkusaldo = ?, tlLoppusaldo = ? WHERE tlID = ?"),
+                { saldo.alku, saldo.alku + saldo.muutos, saldo.tili });
+        if (saldo.virheita || (!tunnettu && saldo.mukana))
+            epaillyt.append(saldo.tili);
+    }
+
+    // Entries the balances cannot place (no such account, or neither debit nor credit), by
+    // voucher number; looked for only among the accounts the pass above found them in.
+    QList<qint32> virheelliset;
+    if (!epaillyt.isEmpty()) {
+        QStringList paikat;
+        for (qsizetype i = 0; i < epaillyt.size(); ++i)
+            paikat.append(QStringLiteral("?"));
+        q = run(db,
+            QStringLiteral(
+                "SELECT DISTINCT \"to\".toNumero FROM vi INNER JOIN \"to\" ON \"to\".toID = vi.vitoID "
+                "WHERE vi.vitlID IN (%1) AND \"to\".toNumero >= 0 AND (%2) AND (vi.viTyyppi IS NULL OR "
+                "vi.viTyyppi NOT IN ('D', 'K') OR NOT EXISTS (SELECT 1 FROM tl WHERE tl.tlID = vi.vitlID)) "
+                "ORDER BY 1")
+                .arg(paikat.join(QStringLiteral(", ")), mukana),
+            alku, loppu, epaillyt);
+        while (q.next())
+            virheelliset.append(q.value(0).toInt());
+    }
     transaction.commitOrThrow();
     return virheelliset;
 }

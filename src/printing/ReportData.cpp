@@ -75,34 +75,51 @@ void ReportData::setValue(int row, int field, const QVariant& value)
     case CellFormat::Integer:
         c.numbers[size_t(row)] = value.toLongLong();
         break;
-    case CellFormat::Date: {
-        // "YYYY-MM-DD" read by hand: a long report has a date on every row.
-        const QString text = value.toString();
-        const QChar* p = text.constData();
-        const auto digits = [p](int from, int count) {
-            int n = 0;
-            for (int i = from; i < from + count; ++i) {
-                if (!p[i].isDigit())
-                    return -1;
-                n = n * 10 + p[i].digitValue();
-            }
-            return n;
-        };
-        QDate d;
-        if (text.size() >= 10 && p[4] == u'-' && p[7] == u'-' && digits(0, 4) >= 0 && digits(5, 2) >= 0
-            && digits(8, 2) >= 0)
-            d = QDate(digits(0, 4), digits(5, 2), digits(8, 2));
-        else
-            d = Dates::fromSql(text);
-        c.numbers[size_t(row)] = d.isValid() ? d.toJulianDay() : Null;
+    case CellFormat::Date:
+        setDate(row, field, value.toString());
         break;
-    }
     case CellFormat::Percentage:
         c.reals[size_t(row)] = value.toDouble();
         break;
     case CellFormat::Text:
         setText(row, field, value.toString());
         break;
+    }
+}
+
+void ReportData::setDate(int row, int field, const QString& text)
+{
+    // Read by hand: a long report has a date on every row.
+    const QChar* p = text.constData();
+    const auto digits = [p](int from, int count) {
+        int n = 0;
+        for (int i = from; i < from + count; ++i) {
+            if (!p[i].isDigit())
+                return -1;
+            n = n * 10 + p[i].digitValue();
+        }
+        return n;
+    };
+    QDate d;
+    if (text.size() >= 10 && p[4] == u'-' && p[7] == u'-' && digits(0, 4) >= 0 && digits(5, 2) >= 0
+        && digits(8, 2) >= 0)
+        d = QDate(digits(0, 4), digits(5, 2), digits(8, 2));
+    else
+        d = Dates::fromSql(text);
+    m_columns[size_t(field)].numbers[size_t(row)] = d.isValid() ? d.toJulianDay() : Null;
+}
+
+void ReportData::copyValue(int row, int from, int field)
+{
+    Column& c = m_columns[size_t(field)];
+    const CellFormat f = m_fields[size_t(field)].format;
+    if (isNumeric(f)) {
+        c.numbers[size_t(row)] = c.numbers[size_t(from)];
+    } else if (f == CellFormat::Percentage) {
+        c.reals[size_t(row)] = c.reals[size_t(from)];
+    } else {
+        c.texts[size_t(row)] = c.texts[size_t(from)];
+        c.textNull[size_t(row)] = c.textNull[size_t(from)];
     }
 }
 

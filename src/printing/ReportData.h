@@ -34,6 +34,10 @@ public:
     void setValue(int row, int field, const QVariant& value);
     void setNumber(int row, int field, qint64 value);
     void setText(int row, int field, const QString& value);
+    // A date in the storage form "YYYY-MM-DD"; anything else is null.
+    void setDate(int row, int field, const QString& value);
+    // The value of `field` in row `from`, given to `row` as well.
+    void copyValue(int row, int from, int field);
 
     bool isNull(int row, int field) const;
     // The two rows hold the same value in `field` (both null counts as the same).

@@ -98,7 +98,9 @@ public:
     QString grandTotal; // caption of the grand total row; empty: none
     // Lines after the grand total, each of cells; formulas give their values.
     QList<QList<ReportCell>> summary;
-    // Fields of the query that no column shows but cells do, with their formats.
+    // Fields of the query that no column shows but cells do, with their formats. In a grouped
+    // report they hold one value per outermost group (a voucher's description, an account's
+    // balance) and are read at the group's first row only.
     QMap<QString, CellFormat> fields;
     SectionFontTable fonts;
 

@@ -320,7 +320,10 @@ QVariantList ReportDocument::tableCells(const Line& line, int row) const
         } else {
             QByteArray text;
             render(text, cell.text, row);
-            cells[cell.from] = WinAnsi::toUnicode(text);
+            // Two texts of one line in the same column share its cell.
+            const QString before = cells[cell.from].toString();
+            cells[cell.from]
+                = before.isEmpty() ? WinAnsi::toUnicode(text) : before + u' ' + WinAnsi::toUnicode(text);
         }
     }
     return cells;

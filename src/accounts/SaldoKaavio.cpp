@@ -84,18 +84,15 @@ void SaldoKaavio::nayta(const std::vector<PaivaSaldot::Rivi>& rivit, const QDate
         m_euroAkseli->append(euroTeksti(std::abs(v) < askel / 2 ? 0 : v, askel), v);
     m_euroAkseli->setRange(ala, yla);
 
-    // The first day of each month of the fiscal year, and the year's last day.
+    // The year's first day and every third month's first day after it: room for each label.
     for (const QString& label : m_paivaAkseli->categoriesLabels())
         m_paivaAkseli->remove(label);
     m_paivaAkseli->setStartValue(0);
-    QDate kuu(alku.year(), alku.month(), 1);
-    if (kuu < alku)
-        kuu = kuu.addMonths(1);
     m_paivaAkseli->append(QStringLiteral("%1.%2.").arg(alku.day()).arg(alku.month()), 0);
-    for (; kuu <= loppu; kuu = kuu.addMonths(1))
-        if (kuu > alku)
-            m_paivaAkseli->append(
-                QStringLiteral("%1.%2.").arg(kuu.day()).arg(kuu.month()), double(alku.daysTo(kuu)));
+    QDate kuu(alku.year(), alku.month(), 1);
+    for (kuu = kuu.addMonths(3); kuu <= loppu; kuu = kuu.addMonths(3))
+        m_paivaAkseli->append(
+            QStringLiteral("%1.%2.").arg(kuu.day()).arg(kuu.month()), double(alku.daysTo(kuu)));
     m_paivaAkseli->setRange(0, double(paivia));
 }
 

@@ -11,7 +11,7 @@ class QCategoryAxis;
 
 // The balance of an account at the end of each day of the fiscal year as a step line: level
 // from one day with entries to the next, euros in the Finnish way on the left, the year's
-// months along the bottom.
+// quarters along the bottom.
 class SaldoKaavio final : public QChartView {
     Q_OBJECT
 

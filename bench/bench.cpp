@@ -144,6 +144,8 @@ void paint(QWidget& w)
 
 // The report figures, in reportbench.cpp.
 int reportBench(const QSqlDatabase& db, const QString& binDir);
+// The journal, the ledger and the per-account windows, in ledgerbench.cpp.
+int ledgerBench(const QSqlDatabase& db, const QString& binDir);
 
 int run(const QString& file, int runs)
 {
@@ -399,6 +401,8 @@ int main(int argc, char** argv)
     int rc = run(QFileInfo(args.at(1)).absoluteFilePath(), runs);
     if (rc == 0)
         rc = reportBench(DBC::instance().AvaaDB(), QStringLiteral(VORKAM_BIN_DIR));
+    if (rc == 0)
+        rc = ledgerBench(DBC::instance().AvaaDB(), QStringLiteral(VORKAM_BIN_DIR));
     DBC::instance().SuljeDB();
     return rc;
 }

@@ -146,6 +146,8 @@ void paint(QWidget& w)
 int reportBench(const QSqlDatabase& db, const QString& binDir);
 // The statement figures, in statementbench.cpp.
 int statementBench(const QSqlDatabase& db);
+// The journal, the ledger and the per-account windows, in ledgerbench.cpp.
+int ledgerBench(const QSqlDatabase& db, const QString& binDir);
 
 int run(const QString& file, int runs)
 {
@@ -403,6 +405,8 @@ int main(int argc, char** argv)
         rc = reportBench(DBC::instance().AvaaDB(), QStringLiteral(VORKAM_BIN_DIR));
     if (rc == 0)
         rc = statementBench(DBC::instance().AvaaDB());
+    if (rc == 0)
+        rc = ledgerBench(DBC::instance().AvaaDB(), QStringLiteral(VORKAM_BIN_DIR));
     DBC::instance().SuljeDB();
     return rc;
 }

@@ -50,4 +50,14 @@ ReportJob tilienSaldot()
     return job;
 }
 
+ReportJob tiliTarkastelu(const QString& tili)
+{
+    ReportJob job;
+    job.reportFile = QStringLiteral("tilitark.rpt");
+    job.formulas = { seurannimi(), QStringLiteral("Otsake= 'Tilitarkastelu'"),
+        QStringLiteral("Tili= '") + tili + u'\'' };
+    job.sortFields = { QStringLiteral("+{tlTarkastelut.tltID}") };
+    return job;
+}
+
 } // namespace TiliRaportit

@@ -16,5 +16,8 @@ ReportJob tililuettelo();
 ReportJob tilikartta(const QSqlDatabase& db, qint32 tuloslaskelmaID, qint32 taseID);
 // The account balances of the last computation in tlSaldot, "tilisald.rpt".
 ReportJob tilienSaldot();
+// The account inspection of the last computation in tlTarkastelut, "tilitark.rpt"; `tili` is the
+// account as its list shows it ("1910 Pankkitili").
+ReportJob tiliTarkastelu(const QString& tili);
 
 } // namespace TiliRaportit

@@ -7,6 +7,12 @@ set(VORKAM_ACCOUNTS_CORE
   accounts/cTilienSaldo.h
   accounts/cTilienSaldot.cpp
   accounts/cTilienSaldot.h
+  accounts/cTiliTarkastelu.cpp
+  accounts/cTiliTarkastelu.h
+  accounts/cTiliTarkastelut.cpp
+  accounts/cTiliTarkastelut.h
+  accounts/PaivaSaldot.cpp
+  accounts/PaivaSaldot.h
   accounts/PrintChoices.cpp
   accounts/PrintChoices.h
   accounts/Tilikartta.cpp
@@ -27,6 +33,16 @@ set(VORKAM_ACCOUNTS_UI
   accounts/frmTilitNew.cpp
   accounts/frmTilitNew.h
   accounts/frmTilitNew.ui
+  accounts/frmTilitarkastelu.cpp
+  accounts/frmTilitarkastelu.h
+  accounts/frmTilitarkastelu.ui
+  accounts/frmPaivaSaldot.cpp
+  accounts/frmPaivaSaldot.h
+  accounts/frmPaivaSaldot.ui
+  accounts/SaldoKaavio.cpp
+  accounts/SaldoKaavio.h
+  accounts/TextTableModel.cpp
+  accounts/TextTableModel.h
   accounts/TilienSaldotModel.cpp
   accounts/TilienSaldotModel.h
 )

@@ -2,6 +2,8 @@
 
 #include "DatabaseError.h"
 #include "Dates.h"
+#include "Dialogs.h"
+#include "KirjaTulostus.h"
 #include "PeriodCheck.h"
 #include "ProgramSettings.h"
 #include "ReportError.h"
@@ -10,6 +12,7 @@
 #include "TiliRaportit.h"
 #include "Tilikartta.h"
 #include "cMalli.h"
+#include "cTiliTarkastelut.h"
 #include "cTilienSaldot.h"
 
 namespace {
@@ -58,6 +61,23 @@ std::unique_ptr<ReportDocument> statement(
     return income ? StatementExport::incomeStatement(
                db, StatementExport::incomeHeading(from, to, s.TilikausiAlku, s.TilikausiLoppu))
                   : StatementExport::balanceSheet(db, StatementExport::balanceHeading(to));
+
+KirjaTulostus::Laji laji(const QString& kind)
+{
+    return kind == u"opening" ? KirjaTulostus::Laji::Avaus
+        : kind == u"closing"  ? KirjaTulostus::Laji::Paatos
+                              : KirjaTulostus::Laji::Tavallinen;
+}
+
+// The period given, or the fiscal year; refused as the date dialogs refuse it.
+std::pair<QDate, QDate> jakso(const ReportCatalog::Options& o)
+{
+    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    const QDate alku = o.from.isValid() ? o.from : s.TilikausiAlku;
+    const QDate loppu = o.to.isValid() ? o.to : s.TilikausiLoppu;
+    if (const QString virhe = KirjaTulostus::jaksonVirhe(alku, loppu); !virhe.isEmpty())
+        throw ReportError(virhe);
+    return { alku, loppu };
 }
 
 } // namespace
@@ -88,6 +108,38 @@ const std::vector<Entry>& entries()
         { QStringLiteral("tase"), QStringLiteral("tase mallista (vain --csv ja --xlsx)"), true, true, false,
             false, {}, true,
             [](const QSqlDatabase& db, const Options& o) { return statement(db, o, cMalli::Tase); } },
+        { QStringLiteral("tilitark"), QStringLiteral("tilitarkastelu (--account tilinumero)"), true, false,
+            true, false,
+            [](const QSqlDatabase& db, const Options& o) {
+                if (!o.account)
+                    throw ReportError(QStringLiteral("Anna tarkasteltava tili: --account tilinumero."));
+                const QVariant id = Sql::scalar(
+                    db, QStringLiteral("SELECT tlID FROM tl WHERE tlNumero = ?"), { *o.account });
+                if (!id.isValid())
+                    throw ReportError(QStringLiteral("Tiliä %1 ei ole.").arg(*o.account));
+                cTiliTarkastelut tarkastelu(db);
+                tarkastelu.Laske(id.toInt());
+                const QString nimi
+                    = Sql::scalar(db, QStringLiteral("SELECT tlNimi FROM tl WHERE tlID = ?"), { id })
+                          .toString();
+                return TiliRaportit::tiliTarkastelu(QString::number(*o.account) + u' ' + nimi.trimmed());
+            } },
+        { QStringLiteral("paivakirja"), QStringLiteral("päiväkirja (--kind, jakso oletuksena tilikausi)"),
+            false, true, false, true,
+            [](const QSqlDatabase& db, const Options& o) {
+                const auto [alku, loppu] = jakso(o);
+                return KirjaTulostus::paivakirja(db, laji(o.kind), alku, loppu);
+            } },
+        { QStringLiteral("paakirja"), QStringLiteral("pääkirja (--kind, jakso oletuksena tilikausi)"), true,
+            true, false, true,
+            [](const QSqlDatabase& db, const Options& o) {
+                const auto [alku, loppu] = jakso(o);
+                const QList<qint32> virheelliset
+                    = KirjaTulostus::valmistelePaakirja(db, laji(o.kind), alku, loppu);
+                if (!virheelliset.isEmpty())
+                    Dialogs::instance().information(KirjaTulostus::virheellisetViennit(virheelliset));
+                return KirjaTulostus::paakirja(laji(o.kind), alku, loppu);
+            } },
     };
     return list;
 }

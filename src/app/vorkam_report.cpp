@@ -266,8 +266,10 @@ int run(const Arguments& a)
                     document = entry->document(db, a.options);
                 } else {
                     ReportJob job = entry->prepare(db, a.options);
-                    job.periodStart = a.options.from;
-                    job.periodEnd = a.options.to;
+                    if (a.options.from.isValid()) {
+                        job.periodStart = a.options.from;
+                        job.periodEnd = a.options.to;
+                    }
                     document = ReportEngine::run(db, job);
                 }
                 if (a.format == u"pdf")

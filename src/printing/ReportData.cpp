@@ -75,17 +75,51 @@ void ReportData::setValue(int row, int field, const QVariant& value)
     case CellFormat::Integer:
         c.numbers[size_t(row)] = value.toLongLong();
         break;
-    case CellFormat::Date: {
-        const QDate d = Dates::fromSql(value.toString());
-        c.numbers[size_t(row)] = d.isValid() ? d.toJulianDay() : Null;
+    case CellFormat::Date:
+        setDate(row, field, value.toString());
         break;
-    }
     case CellFormat::Percentage:
         c.reals[size_t(row)] = value.toDouble();
         break;
     case CellFormat::Text:
         setText(row, field, value.toString());
         break;
+    }
+}
+
+void ReportData::setDate(int row, int field, const QString& text)
+{
+    // Read by hand: a long report has a date on every row.
+    const QChar* p = text.constData();
+    const auto digits = [p](int from, int count) {
+        int n = 0;
+        for (int i = from; i < from + count; ++i) {
+            if (!p[i].isDigit())
+                return -1;
+            n = n * 10 + p[i].digitValue();
+        }
+        return n;
+    };
+    QDate d;
+    if (text.size() >= 10 && p[4] == u'-' && p[7] == u'-' && digits(0, 4) >= 0 && digits(5, 2) >= 0
+        && digits(8, 2) >= 0)
+        d = QDate(digits(0, 4), digits(5, 2), digits(8, 2));
+    else
+        d = Dates::fromSql(text);
+    m_columns[size_t(field)].numbers[size_t(row)] = d.isValid() ? d.toJulianDay() : Null;
+}
+
+void ReportData::copyValue(int row, int from, int field)
+{
+    Column& c = m_columns[size_t(field)];
+    const CellFormat f = m_fields[size_t(field)].format;
+    if (isNumeric(f)) {
+        c.numbers[size_t(row)] = c.numbers[size_t(from)];
+    } else if (f == CellFormat::Percentage) {
+        c.reals[size_t(row)] = c.reals[size_t(from)];
+    } else {
+        c.texts[size_t(row)] = c.texts[size_t(from)];
+        c.textNull[size_t(row)] = c.textNull[size_t(from)];
     }
 }
 
@@ -109,6 +143,18 @@ bool ReportData::isNull(int row, int field) const
     if (f == CellFormat::Percentage)
         return std::isnan(c.reals[size_t(row)]);
     return c.textNull[size_t(row)];
+}
+
+bool ReportData::sameValue(int a, int b, int field) const
+{
+    const Column& c = m_columns[size_t(field)];
+    const CellFormat f = m_fields[size_t(field)].format;
+    if (isNumeric(f))
+        return c.numbers[size_t(a)] == c.numbers[size_t(b)];
+    if (f == CellFormat::Percentage)
+        return c.reals[size_t(a)] == c.reals[size_t(b)]
+            || (std::isnan(c.reals[size_t(a)]) && std::isnan(c.reals[size_t(b)]));
+    return c.textNull[size_t(a)] == c.textNull[size_t(b)] && c.texts[size_t(a)] == c.texts[size_t(b)];
 }
 
 qint64 ReportData::number(int row, int field) const

@@ -34,8 +34,14 @@ public:
     void setValue(int row, int field, const QVariant& value);
     void setNumber(int row, int field, qint64 value);
     void setText(int row, int field, const QString& value);
+    // A date in the storage form "YYYY-MM-DD"; anything else is null.
+    void setDate(int row, int field, const QString& value);
+    // The value of `field` in row `from`, given to `row` as well.
+    void copyValue(int row, int from, int field);
 
     bool isNull(int row, int field) const;
+    // The two rows hold the same value in `field` (both null counts as the same).
+    bool sameValue(int a, int b, int field) const;
     qint64 number(int row, int field) const; // money (ten-thousandths), integers, 0 for null
     QString text(int row, int field) const;
     // The value for a spreadsheet: money in euros, integers, dates, percentages, texts.

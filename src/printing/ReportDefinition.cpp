@@ -71,6 +71,42 @@ public:
         fail(QStringLiteral("kohdan \"%1\" arvoa \"%2\" ei tunneta.").arg(QLatin1String(key), value));
     }
 
+    CellFormat format(const QJsonObject& o) const
+    {
+        return choice(o, "format",
+            { { "text", CellFormat::Text }, { "money", CellFormat::Money }, { "date", CellFormat::Date },
+                { "integer", CellFormat::Integer }, { "percentage", CellFormat::Percentage } },
+            CellFormat::Text);
+    }
+
+    CellAlign align(const QJsonObject& o, CellAlign fallback) const
+    {
+        return choice(o, "align",
+            { { "left", CellAlign::Left }, { "right", CellAlign::Right }, { "center", CellAlign::Center } },
+            fallback);
+    }
+
+    QList<ReportCell> cells(const QJsonValue& v, const QString& what) const
+    {
+        QList<ReportCell> list;
+        if (v.isUndefined())
+            return list;
+        if (!v.isArray())
+            fail(QStringLiteral("kohdan \"%1\" tulee olla luettelo soluista.").arg(what));
+        for (const QJsonValue& item : v.toArray()) {
+            const QJsonObject o = object(item, QStringLiteral("Solu"));
+            ReportCell c;
+            c.column = text(o, "column", true);
+            c.to = text(o, "to");
+            c.text = text(o, "text");
+            c.wrap = o.value(QLatin1String("wrap")).toBool(false);
+            if (o.contains(QLatin1String("align")))
+                c.align = align(o, CellAlign::Left);
+            list.append(c);
+        }
+        return list;
+    }
+
     void font(const QJsonObject& o, FontSpec& spec) const
     {
         if (o.contains(QLatin1String("face")))
@@ -151,19 +187,25 @@ ReportDefinition ReportDefinition::parse(const QByteArray& json, const QString& 
         ReportColumn c;
         c.field = r.text(o, "field", true);
         c.caption = r.text(o, "caption");
-        c.format = r.choice(o, "format",
-            { { "text", CellFormat::Text }, { "money", CellFormat::Money }, { "date", CellFormat::Date },
-                { "integer", CellFormat::Integer }, { "percentage", CellFormat::Percentage } },
-            CellFormat::Text);
+        c.format = r.format(o);
         const bool number = c.format == CellFormat::Money || c.format == CellFormat::Integer
             || c.format == CellFormat::Percentage;
-        c.align = r.choice(o, "align",
-            { { "left", CellAlign::Left }, { "right", CellAlign::Right }, { "center", CellAlign::Center } },
-            number ? CellAlign::Right : CellAlign::Left);
+        c.align = r.align(o, number ? CellAlign::Right : CellAlign::Left);
         c.width = o.value(QLatin1String("width")).toDouble(1);
         if (!(c.width > 0))
             r.fail(QStringLiteral("sarakkeen %1 leveyden tulee olla suurempi kuin 0.").arg(c.field));
         c.total = o.value(QLatin1String("total")).toBool(false);
+        c.detail = o.value(QLatin1String("detail")).toBool(true);
+        if (o.contains(QLatin1String("running"))) {
+            const QJsonObject running
+                = r.object(o.value(QLatin1String("running")), QStringLiteral("Kohta \"running\""));
+            c.runningStart = r.text(running, "start");
+            c.runningPlus = r.text(running, "plus", true);
+            c.runningMinus = r.text(running, "minus");
+            if (c.format != CellFormat::Money && c.format != CellFormat::Integer)
+                r.fail(QStringLiteral("juokseva summa (%1) voi olla vain rahamäärä tai kokonaisluku.")
+                           .arg(c.field));
+        }
         if (c.total && c.format != CellFormat::Money && c.format != CellFormat::Integer)
             r.fail(QStringLiteral("vain rahamäärä- ja kokonaislukusarakkeet voi laskea yhteen (%1).")
                        .arg(c.field));
@@ -176,10 +218,53 @@ ReportDefinition ReportDefinition::parse(const QByteArray& json, const QString& 
             r.fail(QStringLiteral("kohdan \"groups\" tulee olla luettelo."));
         for (const QJsonValue& v : groups.toArray()) {
             const QJsonObject o = r.object(v, QStringLiteral("Ryhmä"));
-            d.groups.append({ r.text(o, "field", true), r.text(o, "header"), r.text(o, "totalCaption") });
+            ReportGroup g { r.text(o, "field", true), r.text(o, "header"), r.text(o, "totalCaption"), {},
+                {} };
+            g.headerCells = r.cells(o.value(QLatin1String("headerCells")), QStringLiteral("headerCells"));
+            g.footerCells = r.cells(o.value(QLatin1String("footerCells")), QStringLiteral("footerCells"));
+            d.groups.append(g);
         }
     }
     d.grandTotal = r.text(root, "grandTotal");
+    const QJsonValue summary = root.value(QLatin1String("summary"));
+    if (!summary.isUndefined()) {
+        if (!summary.isArray())
+            r.fail(QStringLiteral("kohdan \"summary\" tulee olla luettelo riveistä."));
+        for (const QJsonValue& line : summary.toArray())
+            d.summary.append(r.cells(line, QStringLiteral("summary")));
+    }
+    const QJsonValue fields = root.value(QLatin1String("fields"));
+    if (!fields.isUndefined()) {
+        const QJsonObject f = r.object(fields, QStringLiteral("Kohta \"fields\""));
+        for (auto it = f.begin(); it != f.end(); ++it) {
+            QJsonObject holder;
+            holder.insert(QStringLiteral("format"), it.value());
+            d.fields.insert(it.key(), r.format(holder));
+        }
+    }
+    // Every cell starts in a column of the report, and a span runs left to right.
+    const auto columnOf = [&d](const QString& field) {
+        for (int i = 0; i < int(d.columns.size()); ++i)
+            if (d.columns[i].field.compare(field, Qt::CaseInsensitive) == 0)
+                return i;
+        return -1;
+    };
+    QList<const ReportCell*> all;
+    for (const ReportGroup& g : d.groups)
+        for (const QList<ReportCell>* list : { &g.headerCells, &g.footerCells })
+            for (const ReportCell& c : *list)
+                all.append(&c);
+    for (const QList<ReportCell>& line : d.summary)
+        for (const ReportCell& c : line)
+            all.append(&c);
+    for (const ReportCell* c : all) {
+        const int from = columnOf(c->column);
+        if (from < 0)
+            r.fail(QStringLiteral("solun saraketta %1 ei ole.").arg(c->column));
+        if (!c->to.isEmpty() && columnOf(c->to) < from)
+            r.fail(
+                QStringLiteral("solu ei voi ulottua sarakkeesta %1 sarakkeeseen %2.").arg(c->column, c->to));
+    }
 
     // The layout's own fonts; the section fonts of the settings are applied over them.
     d.fonts[size_t(Section::Title)] = { QStringLiteral("Times New Roman"), 12, true, false };

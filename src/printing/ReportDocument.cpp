@@ -15,6 +15,8 @@ constexpr float A4Width = 595.276f;
 constexpr float A4Height = 841.89f;
 constexpr float DefaultMargin = 42.52f; // 15 mm
 constexpr char Ellipsis = '\x85';
+// A wrapped text longer than this many lines is cut.
+constexpr int MaxWrappedLines = 12;
 
 float marginPoints(int twips) { return twips > 0 ? float(twips) / 20.0f : DefaultMargin; }
 
@@ -50,6 +52,7 @@ ReportDocument::ReportDocument(
     m_groupLine = font(m_groupFont).size * 1.3f + 3;
     m_totalLine = font(m_totalFont).size * 1.3f + 4;
     m_footerLine = font(m_footerFont).size * 1.4f;
+    m_groupTextLine = font(m_groupFont).size * 1.3f;
 
     m_pageWidth = m_options.landscape ? A4Height : A4Width;
     m_pageHeight = m_options.landscape ? A4Width : A4Height;
@@ -77,21 +80,28 @@ ReportDocument::ReportDocument(
         x += (m_right - m_left) * c.width / weights;
         m_columnRight.push_back(float(x));
     }
+    for (int c = 0; c < int(m_definition.columns.size()); ++c)
+        if (m_definition.columns[c].detail)
+            m_detailColumns.push_back(c);
     for (const ReportGroup& g : m_definition.groups) {
         const int field = m_data->fieldIndex(g.field);
         if (field < 0)
             throw ReportError(QStringLiteral("Raportin %1 ryhmän kenttää %2 ei ole sen tiedoissa.")
                                   .arg(m_definition.name, g.field));
         m_groupField.push_back(field);
-        expand(g.header, -1);
-        expand(g.totalCaption, -1);
+        m_groupHeaders.push_back(compile(g.header));
+        m_groupTotals.push_back(compile(g.totalCaption));
+        m_headerCells.push_back(compileCells(g.headerCells));
+        m_footerCells.push_back(compileCells(g.footerCells));
     }
+    for (const QList<ReportCell>& line : m_definition.summary)
+        m_summary.push_back(compileCells(line));
     for (const QString& line : m_definition.title) {
         const QString text = expand(line, -1).trimmed();
         if (!text.isEmpty())
             m_titleLines.append(text);
     }
-    expand(m_definition.grandTotal, -1);
+    m_grandTotal = compile(m_definition.grandTotal);
     m_runningTitle = title();
 
     buildItems();
@@ -137,6 +147,188 @@ QString ReportDocument::expand(const QString& text, int row) const
     return out;
 }
 
+ReportDocument::Template ReportDocument::compile(const QString& text) const
+{
+    Template t;
+    QString literal;
+    const auto flush = [&] {
+        if (!literal.isEmpty())
+            t.parts.push_back({ WinAnsi::fromUnicode(literal), -1 });
+        literal.clear();
+    };
+    qsizetype last = 0;
+    QRegularExpressionMatchIterator it = placeholder().globalMatch(text);
+    while (it.hasNext()) {
+        const QRegularExpressionMatch m = it.next();
+        literal += text.mid(last, m.capturedStart() - last);
+        last = m.capturedEnd();
+        const QString name = m.captured(1).trimmed();
+        const QString formula = m_definition.formulaName(name);
+        if (!formula.isEmpty()) {
+            literal += m_options.formulas.value(formula, m_definition.formulas.value(formula));
+        } else if (name.compare(QLatin1String("Jakso"), Qt::CaseInsensitive) == 0) {
+            literal += m_options.period;
+        } else if (const int field = m_data->fieldIndex(name); field >= 0) {
+            flush();
+            t.parts.push_back({ {}, field });
+        } else {
+            throw ReportError(
+                QStringLiteral("Raportin %1 tekstissä \"%2\" on tuntematon kaava tai kenttä {%3}.")
+                    .arg(m_definition.name, text, name));
+        }
+    }
+    literal += text.mid(last);
+    flush();
+    if (t.parts.size() == 1 && t.parts.front().field >= 0)
+        t.onlyField = t.parts.front().field;
+    return t;
+}
+
+void ReportDocument::render(QByteArray& out, const Template& t, int row) const
+{
+    for (const Template::Part& part : t.parts) {
+        if (part.field < 0)
+            out += part.literal;
+        else if (row >= 0)
+            m_data->appendDisplay(out, row, part.field);
+    }
+}
+
+ReportDocument::Line ReportDocument::compileCells(const QList<ReportCell>& cells) const
+{
+    const auto columnOf = [this](const QString& field) {
+        for (int i = 0; i < int(m_definition.columns.size()); ++i)
+            if (m_definition.columns[i].field.compare(field, Qt::CaseInsensitive) == 0)
+                return i;
+        return -1;
+    };
+    Line line;
+    for (const ReportCell& c : cells) {
+        Cell cell;
+        cell.text = compile(c.text);
+        cell.from = columnOf(c.column);
+        cell.to = c.to.isEmpty() ? cell.from : columnOf(c.to);
+        if (cell.from < 0 || cell.to < cell.from)
+            throw ReportError(QStringLiteral("Raportin %1 solun sarakkeita %2–%3 ei ole.")
+                                  .arg(m_definition.name, c.column, c.to));
+        cell.wrap = c.wrap;
+        cell.align = c.align.value_or(m_definition.columns[cell.from].align);
+        line.push_back(std::move(cell));
+    }
+    return line;
+}
+
+float ReportDocument::spanWidth(const Cell& cell) const
+{
+    return m_columnRight[size_t(cell.to)] - m_columnLeft[size_t(cell.from)] - 2 * m_padding;
+}
+
+std::vector<std::pair<qsizetype, qsizetype>> ReportDocument::wrap(
+    const PageFont& font, const char* text, qsizetype length, float width, int maxLines) const
+{
+    // Greedy, at blanks; a word wider than the line is broken where it overflows. The last
+    // allowed line takes the rest, which the placement cuts with an ellipsis.
+    std::vector<std::pair<qsizetype, qsizetype>> lines;
+    const TextMetrics::Table& advances = TextMetrics::table(font.family, font.bold, font.italic);
+    const float limit = width / font.size;
+    qsizetype start = 0;
+    const auto skipBlanks = [&] {
+        while (start < length && text[start] == ' ')
+            ++start;
+    };
+    skipBlanks();
+    while (start < length && int(lines.size()) < maxLines - 1) {
+        float w = 0;
+        qsizetype i = start;
+        qsizetype lastBlank = -1;
+        while (i < length) {
+            const float a = advances[static_cast<unsigned char>(text[i])];
+            if (w + a > limit)
+                break;
+            if (text[i] == ' ')
+                lastBlank = i;
+            w += a;
+            ++i;
+        }
+        if (i >= length)
+            break;
+        const qsizetype end = lastBlank > start ? lastBlank : std::max(i, start + 1);
+        lines.emplace_back(start, end - start);
+        start = end;
+        skipBlanks();
+    }
+    qsizetype end = length;
+    while (end > start && text[end - 1] == ' ')
+        --end;
+    if (end > start || lines.empty())
+        lines.emplace_back(start, end - start);
+    return lines;
+}
+
+int ReportDocument::cellLines(const Line& line, quint8 f, int row) const
+{
+    int lines = 1;
+    QByteArray text;
+    for (const Cell& cell : line) {
+        if (!cell.wrap)
+            continue;
+        text.clear();
+        render(text, cell.text, row);
+        const float width = spanWidth(cell);
+        if (TextMetrics::width(font(f), text) <= width)
+            continue;
+        lines = std::max(
+            lines, int(wrap(font(f), text.constData(), text.size(), width, MaxWrappedLines).size()));
+    }
+    return lines;
+}
+
+void ReportDocument::addLine(
+    ReportPage& page, const Line& line, float firstBaseline, float step, quint8 f, int row) const
+{
+    for (const Cell& cell : line) {
+        const quint32 offset = quint32(page.text.size());
+        render(page.text, cell.text, row);
+        if (quint32(page.text.size()) == offset)
+            continue;
+        const float width = spanWidth(cell);
+        if (!cell.wrap
+            || TextMetrics::width(font(f), page.text.constData() + offset, page.text.size() - offset)
+                <= width) {
+            placeSpan(page, cell.from, cell.to, cell.align, firstBaseline, f, offset);
+            continue;
+        }
+        const QByteArray whole = page.text.mid(offset);
+        page.text.resize(offset);
+        const auto pieces = wrap(font(f), whole.constData(), whole.size(), width, MaxWrappedLines);
+        float y = firstBaseline;
+        for (const auto& [from, length] : pieces) {
+            const quint32 at = quint32(page.text.size());
+            page.text.append(whole.constData() + from, length);
+            placeSpan(page, cell.from, cell.to, cell.align, y, f, at);
+            y += step;
+        }
+    }
+}
+
+QVariantList ReportDocument::tableCells(const Line& line, int row) const
+{
+    QVariantList cells(int(m_definition.columns.size()));
+    for (const Cell& cell : line) {
+        if (cell.text.onlyField >= 0 && row >= 0) {
+            cells[cell.from] = m_data->value(row, cell.text.onlyField);
+        } else {
+            QByteArray text;
+            render(text, cell.text, row);
+            // Two texts of one line in the same column share its cell.
+            const QString before = cells[cell.from].toString();
+            cells[cell.from]
+                = before.isEmpty() ? WinAnsi::toUnicode(text) : before + u' ' + WinAnsi::toUnicode(text);
+        }
+    }
+    return cells;
+}
+
 QString ReportDocument::title() const { return m_titleLines.mid(0, 2).join(QStringLiteral(" - ")); }
 
 void ReportDocument::buildItems()
@@ -153,32 +345,32 @@ void ReportDocument::buildItems()
     std::vector<int> openRow(size_t(levels), 0);
     m_items.reserve(size_t(rows) + 2);
 
-    const auto close = [&](int level) {
+    const auto close = [&](int level, int lastRow) {
         for (int k = levels - 1; k >= level; --k) {
-            if (m_definition.groups[k].totalCaption.isEmpty())
-                continue;
-            m_totals.push_back(open[size_t(k)]);
-            m_totalRows.push_back(openRow[size_t(k)]);
-            m_items.push_back({ Kind::GroupTotal, quint8(k), qint32(m_totals.size() - 1) });
+            if (!m_definition.groups[k].totalCaption.isEmpty()) {
+                m_totals.push_back(open[size_t(k)]);
+                m_totalRows.push_back(openRow[size_t(k)]);
+                m_items.push_back({ Kind::GroupTotal, quint8(k), 1, qint32(m_totals.size() - 1) });
+            }
+            if (!m_footerCells[size_t(k)].empty())
+                m_items.push_back({ Kind::GroupFooter, quint8(k), 1, lastRow });
         }
     };
-    std::vector<QString> keys(static_cast<size_t>(levels), QString());
     for (int r = 0; r < rows; ++r) {
-        int changed = levels;
-        for (int k = 0; k < levels; ++k) {
-            const QString key = m_data->display(r, m_groupField[size_t(k)]);
-            if (r == 0 || (changed == levels && key != keys[size_t(k)]))
-                changed = std::min(changed, k);
-            keys[size_t(k)] = key;
-        }
+        int changed = r == 0 ? 0 : levels;
+        for (int k = 0; k < levels && changed == levels; ++k)
+            if (!m_data->sameValue(r, r - 1, m_groupField[size_t(k)]))
+                changed = k;
         if (r > 0 && changed < levels)
-            close(changed);
+            close(changed, r - 1);
         for (int k = changed; k < levels; ++k) {
             std::fill(open[size_t(k)].begin(), open[size_t(k)].end(), 0);
             openRow[size_t(k)] = r;
-            m_items.push_back({ Kind::GroupHeader, quint8(k), r });
+            const Line& cells = m_headerCells[size_t(k)];
+            const int lines = cells.empty() ? 1 : cellLines(cells, m_groupFont, r);
+            m_items.push_back({ Kind::GroupHeader, quint8(k), quint8(lines), r });
         }
-        m_items.push_back({ Kind::Detail, 0, r });
+        m_items.push_back({ Kind::Detail, 0, 1, r });
         for (const int c : totalColumns) {
             const qint64 v = m_data->number(r, m_columnField[size_t(c)]);
             grand[size_t(c)] += v;
@@ -187,25 +379,29 @@ void ReportDocument::buildItems()
         }
     }
     if (rows > 0)
-        close(0);
+        close(0, rows - 1);
     else
-        m_items.push_back({ Kind::Empty, 0, 0 });
+        m_items.push_back({ Kind::Empty, 0, 1, 0 });
     if (!m_definition.grandTotal.isEmpty() && !totalColumns.empty()) {
         m_totals.push_back(grand);
         m_totalRows.push_back(-1);
-        m_items.push_back({ Kind::GrandTotal, 0, qint32(m_totals.size() - 1) });
+        m_items.push_back({ Kind::GrandTotal, 0, 1, qint32(m_totals.size() - 1) });
     }
+    for (int i = 0; i < int(m_summary.size()); ++i)
+        m_items.push_back({ Kind::Summary, 0, 1, i });
 }
 
 float ReportDocument::height(const Item& item) const
 {
     switch (item.kind) {
     case Kind::GroupHeader:
-        return m_groupLine;
+        return m_groupLine + float(item.lines - 1) * m_groupTextLine;
     case Kind::Detail:
     case Kind::Empty:
         return m_detailLine;
     case Kind::GroupTotal:
+    case Kind::GroupFooter:
+    case Kind::Summary:
         return m_totalLine;
     case Kind::GrandTotal:
         return m_totalLine + 4;
@@ -248,9 +444,17 @@ void ReportDocument::addText(ReportPage& page, float x, float y, quint8 f, const
 
 void ReportDocument::placeCell(ReportPage& page, int column, float y, quint8 f, quint32 offset) const
 {
-    // The cell's text was appended to page.text at `offset`; it is cut to the column and aligned.
+    placeSpan(page, column, column, m_definition.columns[column].align, y, f, offset);
+}
+
+void ReportDocument::placeSpan(
+    ReportPage& page, int from, int to, CellAlign align, float y, quint8 f, quint32 offset) const
+{
+    // The text was appended to page.text at `offset`; it is cut to the columns and aligned.
     const PageFont& pf = font(f);
-    const float available = m_columnRight[size_t(column)] - m_columnLeft[size_t(column)] - 2 * m_padding;
+    const float left = m_columnLeft[size_t(from)];
+    const float right = m_columnRight[size_t(to)];
+    const float available = right - left - 2 * m_padding;
     quint32 length = quint32(page.text.size()) - offset;
     float w = TextMetrics::width(pf, page.text.constData() + offset, length);
     if (w > available) {
@@ -265,12 +469,11 @@ void ReportDocument::placeCell(ReportPage& page, int column, float y, quint8 f, 
         w += ellipsis;
     }
     page.text.append('\0');
-    const CellAlign align = m_definition.columns[column].align;
-    float x = m_columnLeft[size_t(column)] + m_padding;
+    float x = left + m_padding;
     if (align == CellAlign::Right)
-        x = m_columnRight[size_t(column)] - m_padding - w;
+        x = right - m_padding - w;
     else if (align == CellAlign::Center)
-        x = (m_columnLeft[size_t(column)] + m_columnRight[size_t(column)] - w) / 2;
+        x = (left + right - w) / 2;
     page.runs.push_back({ x, y, offset, length, f, quint8(align) });
 }
 
@@ -282,12 +485,24 @@ void ReportDocument::addCell(ReportPage& page, int column, float y, quint8 f, co
 }
 
 void ReportDocument::addTotals(ReportPage& page, float top, float line, quint8 f, int block,
-    const QString& caption, bool columnRules) const
+    const QByteArray& caption, bool columnRules) const
 {
     const std::vector<qint64>& sums = m_totals[size_t(block)];
     const float y = baseline(top, line);
-    bool captionPlaced = false;
-    for (int c = 0; c < int(m_definition.columns.size()); ++c) {
+    const int columns = int(m_definition.columns.size());
+    // The caption may use every column before the first total.
+    int captionFrom = -1, captionTo = -1;
+    for (int c = 0; c < columns && !m_definition.columns[c].total; ++c) {
+        if (captionFrom < 0)
+            captionFrom = c;
+        captionTo = c;
+    }
+    if (captionFrom < 0) {
+        for (int c = 0; c < columns && captionFrom < 0; ++c)
+            if (!m_definition.columns[c].total)
+                captionFrom = captionTo = c;
+    }
+    for (int c = 0; c < columns; ++c) {
         const ReportColumn& column = m_definition.columns[c];
         if (column.total) {
             QByteArray text;
@@ -296,10 +511,12 @@ void ReportDocument::addTotals(ReportPage& page, float top, float line, quint8 f
             if (columnRules)
                 page.rules.push_back({ m_columnLeft[size_t(c)] + m_padding, top + 1.5f,
                     m_columnRight[size_t(c)] - m_padding, top + 1.5f, 0.5f });
-        } else if (!captionPlaced && !caption.isEmpty()) {
-            addCell(page, c, y, f, WinAnsi::fromUnicode(caption));
-            captionPlaced = true;
         }
+    }
+    if (captionFrom >= 0 && !caption.isEmpty()) {
+        const quint32 offset = quint32(page.text.size());
+        page.text.append(caption);
+        placeSpan(page, captionFrom, captionTo, CellAlign::Left, y, f, offset);
     }
 }
 
@@ -331,14 +548,13 @@ ReportPage ReportDocument::page(int index) const
     page.rules.push_back({ m_left, y + 1, m_right, y + 1, 0.75f });
     y += 3;
 
-    const int columns = int(m_definition.columns.size());
     for (int i = first; i < end; ++i) {
         const Item& item = m_items[size_t(i)];
         const float h = height(item);
         switch (item.kind) {
         case Kind::Detail: {
             const float b = baseline(y, h);
-            for (int c = 0; c < columns; ++c) {
+            for (const int c : m_detailColumns) {
                 const quint32 offset = quint32(page.text.size());
                 m_data->appendDisplay(page.text, item.index, m_columnField[size_t(c)]);
                 if (quint32(page.text.size()) > offset)
@@ -346,21 +562,39 @@ ReportPage ReportDocument::page(int index) const
             }
             break;
         }
-        case Kind::GroupHeader:
-            addText(page, m_left + m_padding, baseline(y + 3, h - 3), m_groupFont,
-                WinAnsi::fromUnicode(expand(m_definition.groups[item.level].header, item.index)));
+        case Kind::GroupHeader: {
+            const float b = baseline(y + 3, m_groupLine - 3);
+            const Line& cells = m_headerCells[item.level];
+            if (!cells.empty()) {
+                addLine(page, cells, b, m_groupTextLine, m_groupFont, item.index);
+            } else {
+                QByteArray text;
+                render(text, m_groupHeaders[item.level], item.index);
+                addText(page, m_left + m_padding, b, m_groupFont, text);
+            }
             break;
-        case Kind::GroupTotal:
-            addTotals(page, y, h - 2, m_totalFont, item.index,
-                expand(m_definition.groups[item.level].totalCaption, m_totalRows[size_t(item.index)]), true);
+        }
+        case Kind::GroupTotal: {
+            QByteArray caption;
+            render(caption, m_groupTotals[item.level], m_totalRows[size_t(item.index)]);
+            addTotals(page, y, h - 2, m_totalFont, item.index, caption, true);
             break;
-        case Kind::GrandTotal:
+        }
+        case Kind::GroupFooter:
+            addLine(page, m_footerCells[item.level], baseline(y, h - 2), 0, m_totalFont, item.index);
+            break;
+        case Kind::Summary:
+            addLine(page, m_summary[size_t(item.index)], baseline(y, h - 2), 0, m_totalFont, -1);
+            break;
+        case Kind::GrandTotal: {
+            QByteArray caption;
+            render(caption, m_grandTotal, -1);
             page.rules.push_back({ m_left, y + 1, m_right, y + 1, 0.75f });
-            addTotals(page, y + 2, m_totalLine - 2, m_totalFont, item.index,
-                expand(m_definition.grandTotal, -1), false);
+            addTotals(page, y + 2, m_totalLine - 2, m_totalFont, item.index, caption, false);
             page.rules.push_back({ m_left, y + h - 2.5f, m_right, y + h - 2.5f, 0.5f });
             page.rules.push_back({ m_left, y + h - 1, m_right, y + h - 1, 0.5f });
             break;
+        }
         case Kind::Empty:
             addText(page, m_left + m_padding, baseline(y, h), m_detailFont,
                 WinAnsi::fromUnicode(QStringLiteral("Raportissa ei ole rivejä.")));
@@ -384,6 +618,11 @@ ReportPage ReportDocument::page(int index) const
 
 std::vector<ReportDocument::TableRow> ReportDocument::tableRows() const
 {
+    const auto text = [this](const Template& t, int row) {
+        QByteArray bytes;
+        render(bytes, t, row);
+        return WinAnsi::toUnicode(bytes);
+    };
     std::vector<TableRow> rows;
     rows.reserve(m_items.size());
     const int columns = int(m_definition.columns.size());
@@ -414,17 +653,27 @@ std::vector<ReportDocument::TableRow> ReportDocument::tableRows() const
             break;
         }
         case Kind::GroupHeader: {
+            const Line& cells = m_headerCells[item.level];
             TableRow row { RowKind::GroupHeader, QVariantList(columns) };
-            row.cells[0] = expand(m_definition.groups[item.level].header, item.index);
+            if (!cells.empty())
+                row.cells = tableCells(cells, item.index);
+            else
+                row.cells[0] = text(m_groupHeaders[item.level], item.index);
             rows.push_back(row);
             break;
         }
         case Kind::GroupTotal:
             totals(RowKind::GroupTotal, item.index,
-                expand(m_definition.groups[item.level].totalCaption, m_totalRows[size_t(item.index)]));
+                text(m_groupTotals[item.level], m_totalRows[size_t(item.index)]));
+            break;
+        case Kind::GroupFooter:
+            rows.push_back({ RowKind::GroupFooter, tableCells(m_footerCells[item.level], item.index) });
+            break;
+        case Kind::Summary:
+            rows.push_back({ RowKind::Summary, tableCells(m_summary[size_t(item.index)], -1) });
             break;
         case Kind::GrandTotal:
-            totals(RowKind::GrandTotal, item.index, expand(m_definition.grandTotal, -1));
+            totals(RowKind::GrandTotal, item.index, text(m_grandTotal, -1));
             break;
         case Kind::Empty:
             break;

@@ -45,7 +45,7 @@ public:
 
     // The rows as a spreadsheet gets them, in printing order: group headers, detail rows, group
     // and grand totals. Each cell is a number, a date, a text or null.
-    enum class RowKind { GroupHeader, Detail, GroupTotal, GrandTotal };
+    enum class RowKind { GroupHeader, Detail, GroupTotal, GrandTotal, GroupFooter, Summary };
     struct TableRow {
         RowKind kind;
         QVariantList cells; // one per column
@@ -59,13 +59,43 @@ public:
     QString pageRunTexts(int index) const;
 
 private:
-    enum class Kind : quint8 { GroupHeader, Detail, GroupTotal, GrandTotal, Empty };
+    enum class Kind : quint8 { GroupHeader, Detail, GroupTotal, GrandTotal, Empty, GroupFooter, Summary };
     struct Item {
         Kind kind;
         quint8 level; // group level
-        qint32 index; // row, or block of totals
+        quint8 lines = 1; // text lines of a group header whose cells wrap
+        qint32 index; // row, block of totals, or summary line
     };
+    // A text with fields and formulas, compiled once: formulas and the period are fixed for the
+    // document, fields are read from a row when the text is drawn.
+    struct Template {
+        struct Part {
+            QByteArray literal; // in the PDF character set
+            int field = -1;
+        };
+        std::vector<Part> parts;
+        int onlyField = -1; // the text is one field and nothing else
+        bool empty() const { return parts.empty(); }
+    };
+    struct Cell {
+        Template text;
+        int from = 0;
+        int to = 0;
+        bool wrap = false;
+        CellAlign align = CellAlign::Left;
+    };
+    using Line = std::vector<Cell>;
 
+    Template compile(const QString& text) const;
+    void render(QByteArray& out, const Template& t, int row) const;
+    Line compileCells(const QList<ReportCell>& cells) const;
+    // The pieces (offset, length) of `text` that fit `width` line by line, at most `maxLines`.
+    std::vector<std::pair<qsizetype, qsizetype>> wrap(
+        const PageFont& font, const char* text, qsizetype length, float width, int maxLines) const;
+    float spanWidth(const Cell& cell) const;
+    int cellLines(const Line& line, quint8 font, int row) const;
+    void addLine(ReportPage& page, const Line& line, float top, float lineHeight, quint8 font, int row) const;
+    QVariantList tableCells(const Line& line, int row) const;
     void buildItems();
     void paginate();
     float height(const Item& item) const;
@@ -76,8 +106,10 @@ private:
     float otherBodyTop() const;
     void addText(ReportPage& page, float x, float y, quint8 font, const QByteArray& text) const;
     void placeCell(ReportPage& page, int column, float y, quint8 font, quint32 offset) const;
+    void placeSpan(
+        ReportPage& page, int from, int to, CellAlign align, float y, quint8 font, quint32 offset) const;
     void addCell(ReportPage& page, int column, float y, quint8 font, const QByteArray& text) const;
-    void addTotals(ReportPage& page, float top, float line, quint8 font, int block, const QString& caption,
+    void addTotals(ReportPage& page, float top, float line, quint8 font, int block, const QByteArray& caption,
         bool columnRules) const;
 
     ReportDefinition m_definition;
@@ -92,6 +124,11 @@ private:
     std::vector<int> m_totalRows; // first row of each block's group; -1 for the grand total
     std::vector<int> m_columnField; // data field of each column
     std::vector<int> m_groupField;
+    std::vector<int> m_detailColumns; // the columns drawn in detail rows
+    std::vector<Template> m_groupHeaders, m_groupTotals;
+    std::vector<Line> m_headerCells, m_footerCells; // per group level
+    std::vector<Line> m_summary;
+    Template m_grandTotal;
     std::vector<int> m_pageStarts; // first item of each page
 
     // Geometry in points.
@@ -105,4 +142,5 @@ private:
            m_footerFont = 0, m_runningFont = 0;
     float m_titleLine = 0, m_headerLine = 0, m_detailLine = 0, m_groupLine = 0, m_totalLine = 0,
           m_footerLine = 0;
+    float m_groupTextLine = 0; // each further line of a wrapped group header
 };

@@ -5,6 +5,7 @@
 #include "Paths.h"
 #include "ReportError.h"
 #include "ReportFormulas.h"
+#include "RowReader.h"
 #include "Schema.h"
 #include "SelectionFormula.h"
 
@@ -124,50 +125,118 @@ std::shared_ptr<ReportData> fetch(
     const QSqlDatabase& db, const ReportDefinition& d, const ReportJob& job, const Progress& progress)
 {
     const Query built = query(db, d, job);
-    QSqlQuery q(db);
+    const QString failure = QStringLiteral("Raportin %1 tietoja ei voitu lukea.").arg(d.name);
+    std::unique_ptr<RowReader> q;
     try {
-        q = Sql::prepare(db, built.sql);
-        q.setForwardOnly(true);
-        for (const QVariant& v : built.values)
-            q.addBindValue(v);
-        Sql::exec(q);
+        q = std::make_unique<RowReader>(db, built.sql, built.values);
     } catch (const DatabaseError& e) {
-        throw ReportError(e.message(QStringLiteral("Raportin %1 tietoja ei voitu lukea.").arg(d.name)));
+        throw ReportError(e.message(failure));
     }
 
-    // The fields the layout shows: the columns' and the groups'.
+    // The fields the layout shows: the columns', the cells' and the groups'.
     std::vector<ReportData::Field> fields;
     std::vector<int> source;
-    const QSqlRecord record = q.record();
     const auto add = [&](const QString& name, CellFormat format) {
         for (const ReportData::Field& f : fields)
             if (f.name.compare(name, Qt::CaseInsensitive) == 0)
                 return;
-        const int index = record.indexOf(name);
+        const int index = q->columnIndex(name);
         if (index < 0)
             throw ReportError(
                 QStringLiteral("Raportin %1 kenttää %2 ei ole sen kyselyssä.").arg(d.name, name));
         fields.push_back({ name, format });
         source.push_back(index);
     };
-    for (const ReportColumn& c : d.columns)
-        add(c.field, c.format);
+    struct Running {
+        int field, start, plus, minus;
+    };
+    std::vector<const ReportColumn*> runningColumns;
+    for (const ReportColumn& c : d.columns) {
+        if (c.running())
+            runningColumns.push_back(&c);
+        else
+            add(c.field, c.format);
+    }
+    const int columnFields = int(fields.size());
+    for (auto it = d.fields.begin(); it != d.fields.end(); ++it)
+        add(it.key(), it.value());
+    const int cellFields = int(fields.size());
     for (const ReportGroup& g : d.groups)
         add(g.field, CellFormat::Text);
+    // Running balances are summed here, after the rows they add up.
+    const int readFields = int(fields.size());
+    const auto known = [&](const QString& name) {
+        for (int i = 0; i < readFields; ++i)
+            if (fields[size_t(i)].name.compare(name, Qt::CaseInsensitive) == 0)
+                return i;
+        if (name.isEmpty())
+            return -1;
+        throw ReportError(QStringLiteral("Raportin %1 juoksevan summan kenttää %2 ei ole sen tiedoissa.")
+                              .arg(d.name, name));
+    };
+    std::vector<Running> running;
+    for (const ReportColumn* c : runningColumns) {
+        running.push_back(
+            { int(fields.size()), known(c->runningStart), known(c->runningPlus), known(c->runningMinus) });
+        fields.push_back({ c->field, c->format });
+    }
+    const int groupField = d.groups.isEmpty() ? -1 : known(d.groups.first().field);
+    // The cells' own fields hold one value per outermost group: read at its first row only.
+    std::vector<bool> perGroup(size_t(readFields), false);
+    for (int f = columnFields; f < cellFields; ++f)
+        perGroup[size_t(f)] = groupField >= 0 && f != groupField;
 
     auto data = std::make_shared<ReportData>(fields);
+    const auto read = [&](int row, int f) {
+        const int column = source[size_t(f)];
+        if (q->isNull(column))
+            return;
+        switch (fields[size_t(f)].format) {
+        case CellFormat::Money:
+        case CellFormat::Integer:
+            data->setNumber(row, f, q->integer(column));
+            break;
+        case CellFormat::Date:
+            data->setDate(row, f, q->text(column));
+            break;
+        case CellFormat::Percentage:
+            data->setValue(row, f, q->real(column));
+            break;
+        case CellFormat::Text:
+            data->setText(row, f, q->text(column));
+            break;
+        }
+    };
     int row = 0;
-    while (q.next()) {
-        data->appendRow();
-        for (int f = 0; f < int(source.size()); ++f)
-            data->setValue(row, f, q.value(source[size_t(f)]));
-        ++row;
-        if (progress && row % 2000 == 0 && !progress(row))
-            throw ReportCancelled();
+    std::vector<qint64> sums(running.size(), 0);
+    try {
+        while (q->next()) {
+            data->appendRow();
+            if (groupField >= 0)
+                read(row, groupField);
+            const bool first = row == 0 || (groupField >= 0 && !data->sameValue(row, row - 1, groupField));
+            for (int f = 0; f < readFields; ++f) {
+                if (f == groupField)
+                    continue;
+                if (!first && perGroup[size_t(f)])
+                    data->copyValue(row, row - 1, f);
+                else
+                    read(row, f);
+            }
+            for (size_t i = 0; i < running.size(); ++i) {
+                const Running& r = running[i];
+                if (first)
+                    sums[i] = r.start >= 0 ? data->number(row, r.start) : 0;
+                sums[i] += data->number(row, r.plus) - (r.minus >= 0 ? data->number(row, r.minus) : 0);
+                data->setNumber(row, r.field, sums[i]);
+            }
+            ++row;
+            if (progress && row % 2000 == 0 && !progress(row))
+                throw ReportCancelled();
+        }
+    } catch (const DatabaseError& e) {
+        throw ReportError(e.message(failure));
     }
-    if (q.lastError().isValid())
-        throw ReportError(
-            QStringLiteral("Raportin %1 tietoja ei voitu lukea.\n%2").arg(d.name, q.lastError().text()));
     return data;
 }
 

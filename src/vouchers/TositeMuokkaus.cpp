@@ -450,7 +450,8 @@ bool TositeMuokkaus::siirry(Siirto siirto)
             found = m_tosite->GetLast(avaus(), paatos());
             break;
         }
-        if (found->IsEmpty()) {
+        // Vouchers numbered below 0 carry the ledger's balance rows: browsing never shows them.
+        if (found->IsEmpty() || found->Numero() < 0) {
             Dialogs::instance().beep();
             return false;
         }
@@ -470,7 +471,7 @@ bool TositeMuokkaus::lataa(qint32 toId)
         return false;
     try {
         auto tosite = std::make_unique<cTosite>(m_db);
-        if (!tosite->Load(toId)) {
+        if (!tosite->Load(toId) || tosite->Numero() < 0) {
             Dialogs::instance().beep();
             return false;
         }

@@ -3,12 +3,20 @@
 
 #include "CommandWiring.h"
 #include "DatabaseError.h"
+#include "DatabaseFile.h"
 #include "Dates.h"
 #include "EnterAsTab.h"
+#include "KirjaTulostus.h"
+#include "PrintOptions.h"
+#include "ReportRunner.h"
 #include "TositeListModel.h"
 #include "VientiDelegate.h"
 #include "VientiModel.h"
+#include "WaitCursor.h"
+#include "frmDates2.h"
+#include "frmPaivaSaldot.h"
 #include "frmTilienSaldot.h"
+#include "frmTilitarkastelu.h"
 
 #include <QCloseEvent>
 #include <QHeaderView>
@@ -35,8 +43,7 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
                                        : QStringLiteral("Tositteet"));
 
     // Windows of later versions: present, not yet available.
-    for (QAction* a : { ui->mPaivakirja, ui->mPaakirja, ui->mHaku, ui->mTilitarkastelu, ui->mTilinPaivasaldot,
-             ui->mTositteidenTarkistus, ui->mMuokkaaTositepohjia })
+    for (QAction* a : { ui->mHaku, ui->mTositteidenTarkistus, ui->mMuokkaaTositepohjia })
         a->setEnabled(false);
     ui->mTositepohjat->setEnabled(false);
     ui->mTositepohjat->menuAction()->setEnabled(false);
@@ -118,6 +125,10 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
         saldot->setAttribute(Qt::WA_DeleteOnClose);
         saldot->show();
     });
+    connect(ui->mTilitarkastelu, &QAction::triggered, this, &frmNewTositteet::avaaTilitarkastelu);
+    connect(ui->mTilinPaivasaldot, &QAction::triggered, this, &frmNewTositteet::avaaPaivaSaldot);
+    connect(ui->mPaivakirja, &QAction::triggered, this, &frmNewTositteet::Paivakirja);
+    connect(ui->mPaakirja, &QAction::triggered, this, &frmNewTositteet::Paakirja);
 
     if (m_muokkaus->avaa())
         grid->setItemDelegate(new VientiDelegate(m_muokkaus->tilit().texts(), grid));
@@ -275,6 +286,138 @@ void frmNewTositteet::Selaa()
         ui->lstTositteet->setCurrentIndex(m_list->index(row));
         ui->lstTositteet->scrollTo(m_list->index(row), QAbstractItemView::PositionAtCenter);
     }
+}
+
+qint32 frmNewTositteet::valittuTili() const
+{
+    using Puoli = TositeMuokkaus::Puoli;
+    const QModelIndex current = ui->grdViennit->currentIndex();
+    const int rivi = current.isValid() ? current.row() : -1;
+    if (rivi >= 0 && rivi < m_muokkaus->riviMaara()) {
+        const Puoli puoli = VientiModel::side(current.column());
+        const Puoli toinen = puoli == Puoli::Debet ? Puoli::Kredit : Puoli::Debet;
+        for (const Puoli p : { puoli, toinen })
+            if (m_muokkaus->vienti(p, rivi).tlID() > 0)
+                return m_muokkaus->vienti(p, rivi).tlID();
+    }
+    for (int r = 0; r < m_muokkaus->riviMaara(); ++r)
+        for (const Puoli p : { Puoli::Debet, Puoli::Kredit })
+            if (m_muokkaus->vienti(p, r).tlID() > 0)
+                return m_muokkaus->vienti(p, r).tlID();
+    return 0;
+}
+
+void frmNewTositteet::avaaTilitarkastelu()
+{
+    auto* tarkastelu = new frmTilitarkastelu(m_muokkaus->database(), valittuTili(), this);
+    tarkastelu->setWindowFlag(Qt::Window);
+    tarkastelu->setAttribute(Qt::WA_DeleteOnClose);
+    connect(tarkastelu, &frmTilitarkastelu::tositeValittu, this, &frmNewTositteet::avaaTosite);
+    tarkastelu->show();
+}
+
+void frmNewTositteet::avaaPaivaSaldot()
+{
+    auto* paivaSaldot = new frmPaivaSaldot(m_muokkaus->database(), valittuTili(), this);
+    paivaSaldot->setWindowFlag(Qt::Window);
+    paivaSaldot->setAttribute(Qt::WA_DeleteOnClose);
+    paivaSaldot->show();
+}
+
+bool frmNewTositteet::avaaTosite(qint32 toId)
+{
+    cTosite tosite(m_muokkaus->database());
+    bool loytyi = false;
+    if (!tellIfFails(QStringLiteral("Tositetta ei voitu lukea."), [&] { loytyi = tosite.Load(toId); }))
+        return false;
+    if (!loytyi || tosite.Numero() < 0) {
+        Dialogs::instance().information(QStringLiteral("Tositetta ei enää ole."));
+        return false;
+    }
+    const Laji laji = tosite.Avaustosite() ? Laji::Avaus
+        : tosite.Paatostosite()            ? Laji::Paatos
+                                           : Laji::Tavallinen;
+    if (laji != m_muokkaus->laji()) {
+        const QString ikkuna = laji == Laji::Avaus ? QStringLiteral("Tositteet - Avausviennit")
+            : laji == Laji::Paatos                 ? QStringLiteral("Tositteet - Tilinpäätösviennit")
+                                                   : QStringLiteral("Tositteet");
+        Dialogs::instance().information(
+            QStringLiteral("Tosite %1 näytetään ikkunassa %2.").arg(tosite.Numero()).arg(ikkuna));
+        return false;
+    }
+    raise();
+    activateWindow();
+    if (toId == m_muokkaus->tosite().ToId())
+        return true;
+    sulkeEditori(true);
+    if (!m_muokkaus->lataa(toId)) {
+        naytaVirhePaikka();
+        return false;
+    }
+    return true;
+}
+
+bool frmNewTositteet::tallennaEnnenTulostusta()
+{
+    sulkeEditori(true);
+    if (!m_muokkaus->tallenna()) {
+        naytaVirhePaikka();
+        return false;
+    }
+    m_model->refill();
+    return true;
+}
+
+void frmNewTositteet::Paivakirja()
+{
+    if (!tallennaEnnenTulostusta())
+        return;
+    frmDates2 paivat(this);
+    if (paivat.exec() != QDialog::Accepted || PrintOptions::current().cancelled)
+        return;
+    const QDate alku = PrintOptions::current().alkupvm;
+    const QDate loppu = PrintOptions::current().loppupvm;
+    if (const QString virhe = KirjaTulostus::jaksonVirhe(alku, loppu); !virhe.isEmpty()) {
+        Dialogs::instance().information(virhe);
+        return;
+    }
+    ReportJob job;
+    if (!tellIfFails(QStringLiteral("Päiväkirjan summia ei voitu laskea."),
+            [&] { job = KirjaTulostus::paivakirja(m_muokkaus->database(), laji(), alku, loppu); }))
+        return;
+    ReportRunner::print(this, m_muokkaus->database(), job);
+}
+
+void frmNewTositteet::Paakirja()
+{
+    if (!tallennaEnnenTulostusta())
+        return;
+    if (DatabaseFile::isReadOnly(m_muokkaus->database())) {
+        Dialogs::instance().information(QStringLiteral(
+            "Kirjanpito on avattu vain lukemista varten. Pääkirjan alkusaldoja ei voi kirjoittaa, joten "
+            "pääkirjaa ei voi tulostaa."));
+        return;
+    }
+    frmDates2 paivat(this);
+    if (paivat.exec() != QDialog::Accepted || PrintOptions::current().cancelled)
+        return;
+    const QDate alku = PrintOptions::current().alkupvm;
+    const QDate loppu = PrintOptions::current().loppupvm;
+    if (const QString virhe = KirjaTulostus::jaksonVirhe(alku, loppu); !virhe.isEmpty()) {
+        Dialogs::instance().information(virhe);
+        return;
+    }
+    QList<qint32> virheelliset;
+    {
+        WaitCursor wait;
+        if (!tellIfFails(QStringLiteral("Pääkirjan saldoja ei voitu laskea."), [&] {
+                virheelliset = KirjaTulostus::valmistelePaakirja(m_muokkaus->database(), laji(), alku, loppu);
+            }))
+            return;
+    }
+    if (!virheelliset.isEmpty())
+        Dialogs::instance().information(KirjaTulostus::virheellisetViennit(virheelliset));
+    ReportRunner::print(this, m_muokkaus->database(), KirjaTulostus::paakirja(laji(), alku, loppu));
 }
 
 void frmNewTositteet::lataaLuettelosta(const QModelIndex& index)

@@ -42,6 +42,16 @@ public:
     void Viimeinen();
     void LisaaVienteja();
     void Selaa();
+    // The journal and the general ledger of the window's kind: the account check and save
+    // first, then the period and the printout.
+    void Paivakirja();
+    void Paakirja();
+    // Shows the voucher `toId` as a click in the list does (the leave check first). A voucher of
+    // another kind is not shown here; the user is told which window shows it.
+    bool avaaTosite(qint32 toId);
+    // The account of the entry row the cursor is on (the other side's, or the first one with an
+    // account, when that row has none); 0 when the voucher has no account.
+    qint32 valittuTili() const;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -50,6 +60,10 @@ protected:
 
 private:
     void siirry(TositeMuokkaus::Siirto siirto);
+    // The account check and save before a printout; false when the check failed.
+    bool tallennaEnnenTulostusta();
+    void avaaTilitarkastelu();
+    void avaaPaivaSaldot();
     // Puts the focus on the row the account check refused.
     void naytaVirhePaikka();
     // Commits the cell being edited, so that the rules see what was typed last.

@@ -1,6 +1,7 @@
 # Sources of the vouchers subsystem, relative to src/.
 set(VORKAM_VOUCHERS_CORE
   vouchers/AmountInput.cpp
+  vouchers/KirjaTulostus.cpp
   vouchers/TositeMuokkaus.cpp
   vouchers/TositeRecord.cpp
   vouchers/VientiRecord.cpp

@@ -10,3 +10,7 @@ add_dependencies(tst_frmTilitNew vorkam_data)
 vorkam_add_test(tst_cTilienSaldot SOURCES accounts/tst_cTilienSaldot.cpp)
 add_dependencies(tst_cTilienSaldot vorkam_reports)
 vorkam_add_test(tst_frmTilienSaldot UI SOURCES accounts/tst_frmTilienSaldot.cpp)
+# The account inspection and the daily balances, their windows and the voucher window's links.
+vorkam_add_test(tst_cTiliTarkastelut SOURCES accounts/tst_cTiliTarkastelut.cpp)
+vorkam_add_test(tst_frmTilitarkastelu UI SOURCES accounts/tst_frmTilitarkastelu.cpp)
+add_dependencies(tst_frmTilitarkastelu vorkam_reports)

@@ -71,7 +71,7 @@ private slots:
         QTest::newRow("text file") << QByteArray("Tämä on muistio, ei kirjanpito.\n")
                                    << QStringList { "tilit" } << 3 << "ei ole Vorkamin kirjanpito";
         QTest::newRow("unknown report")
-            << QByteArray() << QStringList { "paakirja" } << 2 << "Raporttia paakirja ei ole.";
+            << QByteArray() << QStringList { "kassakirja" } << 2 << "Raporttia kassakirja ei ole.";
         QTest::newRow("option the report does not take")
             << QByteArray() << QStringList { "tilit", "--account", "1910" } << 2
             << "ei käytä valitsinta --account";

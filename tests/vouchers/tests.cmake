@@ -4,3 +4,6 @@ vorkam_add_test(tst_cTositeEd SOURCES vouchers/tst_cTositeEd.cpp)
 vorkam_add_test(tst_TositeMuokkaus SOURCES vouchers/tst_TositeMuokkaus.cpp)
 vorkam_add_test(tst_frmNewTositteet UI SOURCES vouchers/tst_frmNewTositteet.cpp)
 vorkam_add_test(tst_VoucherInput SOURCES vouchers/tst_VoucherInput.cpp)
+# The journal and the general ledger read the report definitions of the program's folder.
+vorkam_add_test(tst_KirjaTulostus SOURCES vouchers/tst_KirjaTulostus.cpp)
+add_dependencies(tst_KirjaTulostus vorkam_reports)

@@ -1,0 +1,134 @@
+#include "frmTilitarkastelu.h"
+#include "ui_frmTilitarkastelu.h"
+
+#include "CommandWiring.h"
+#include "DatabaseError.h"
+#include "DatabaseFile.h"
+#include "Dates.h"
+#include "Dialogs.h"
+#include "ReportRunner.h"
+#include "TextTableModel.h"
+#include "TiliRaportit.h"
+#include "WaitCursor.h"
+
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QScrollBar>
+
+frmTilitarkastelu::frmTilitarkastelu(const QSqlDatabase& db, qint32 tili, QWidget* parent)
+    : QMainWindow(parent)
+    , ui(std::make_unique<Ui::frmTilitarkastelu>())
+    , m_db(db)
+{
+    ui->setupUi(this);
+    m_model
+        = new TextTableModel({ QStringLiteral("Tosite"), QStringLiteral("Päivä"), QStringLiteral("Selite"),
+                                 QStringLiteral("Debet"), QStringLiteral("Kredit"), QStringLiteral("Saldo") },
+            3, this);
+    QTableView* grid = ui->grdTarkastelut;
+    grid->setModel(m_model);
+    grid->verticalScrollBar()->setObjectName(QStringLiteral("scrlBar"));
+    grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    grid->setSelectionBehavior(QAbstractItemView::SelectRows);
+    grid->setSelectionMode(QAbstractItemView::SingleSelection);
+    grid->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+    grid->setWordWrap(false);
+    grid->verticalHeader()->hide();
+    grid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    grid->horizontalHeader()->setSectionResizeMode(2, QHeaderView::Stretch);
+    grid->setColumnWidth(0, 70);
+    grid->setColumnWidth(1, 90);
+    for (int c = 3; c < 6; ++c)
+        grid->setColumnWidth(c, 120);
+    grid->setMinimumWidth(820);
+    // Nineteen rows are visible; the scroll bar reaches the rest.
+    grid->setFixedHeight(grid->horizontalHeader()->sizeHint().height()
+        + NakyvatRivit * grid->verticalHeader()->defaultSectionSize() + 2 * grid->frameWidth());
+    connect(grid, &QAbstractItemView::activated, this, &frmTilitarkastelu::avaaRivi);
+    connect(grid, &QAbstractItemView::doubleClicked, this, &frmTilitarkastelu::avaaRivi);
+
+    connectCommand(ui->cPaivita, ui->mPaivita, this, &frmTilitarkastelu::Paivita);
+    connectCommand(ui->cTulosta, ui->mTulosta, this, &frmTilitarkastelu::Tulosta);
+    connectCommand(ui->cSulje, ui->mSulje, this, [this] { close(); });
+    // Choosing an account in the list computes it: the keyboard needs no further step.
+    connect(ui->cmbTili, &QComboBox::activated, this, [this] { Paivita(); });
+
+    if (tellIfFails(QStringLiteral("Tilejä ei voitu lukea."), [&] { m_tilit.load(m_db); }))
+        for (const VoucherAccounts::Account& a : m_tilit.accounts())
+            ui->cmbTili->addItem(m_tilit.text(a.id), a.id);
+    ui->cmbTili->setCurrentIndex(-1);
+    const Money nolla;
+    ui->lblDebetSumma->setText(nolla.toCurrencyString());
+    ui->lblKreditSumma->setText(nolla.toCurrencyString());
+    ui->lblErotusSumma->setText(nolla.toCurrencyString());
+    if (tili != 0) {
+        valitseTili(tili);
+        if (this->tili() != 0)
+            Paivita();
+    }
+    ui->cmbTili->setFocus();
+}
+
+frmTilitarkastelu::~frmTilitarkastelu() = default;
+
+qint32 frmTilitarkastelu::tili() const
+{
+    return ui->cmbTili->currentIndex() < 0 ? 0 : ui->cmbTili->currentData().toInt();
+}
+
+void frmTilitarkastelu::valitseTili(qint32 tili)
+{
+    ui->cmbTili->setCurrentIndex(ui->cmbTili->findData(tili));
+}
+
+void frmTilitarkastelu::Paivita()
+{
+    const qint32 valittu = tili();
+    if (valittu == 0) {
+        Dialogs::instance().information(QStringLiteral("Valitse tili, jonka viennit haluat tarkastella."));
+        ui->cmbTili->setFocus();
+        return;
+    }
+    WaitCursor wait;
+    // Books open for reading only are inspected all the same; only the report's table is not written.
+    const bool tyotaulu = !DatabaseFile::isReadOnly(m_db);
+    cTiliTarkastelut tarkastelu(m_db);
+    if (!tellIfFails(
+            QStringLiteral("Tilitarkastelua ei voitu laskea."), [&] { tarkastelu.Laske(valittu, tyotaulu); }))
+        return;
+    // The rows are formatted as the view shows them: the busiest account has tens of thousands.
+    m_rivit = tarkastelu.rivit();
+    m_model->setRows(int(m_rivit.size()), [this](int i) {
+        const auto summa = [](Money m) { return m.isZero() ? QString() : m.toCurrencyString(); };
+        const cTiliTarkastelut::Rivi& r = m_rivit[size_t(i)];
+        return TextTableModel::Row { { QString::number(r.numero), Dates::format(r.paiva), r.selite.trimmed(),
+                                         summa(r.debet), summa(r.kredit), r.erotus.toCurrencyString() },
+            r.toId };
+    });
+    ui->lblDebetSumma->setText(tarkastelu.debetSumma().toCurrencyString());
+    ui->lblKreditSumma->setText(tarkastelu.kreditSumma().toCurrencyString());
+    ui->lblErotusSumma->setText(tarkastelu.erotusSumma().toCurrencyString());
+    ui->grdTarkastelut->scrollToTop();
+    m_laskettu = tyotaulu ? ui->cmbTili->currentText() : QString();
+}
+
+void frmTilitarkastelu::Tulosta()
+{
+    if (DatabaseFile::isReadOnly(m_db)) {
+        Dialogs::instance().information(QStringLiteral(
+            "Kirjanpito on avattu vain lukemista varten, joten tilitarkastelua ei voi tulostaa."));
+        return;
+    }
+    if (m_laskettu.isEmpty()) {
+        Dialogs::instance().information(QStringLiteral("Valitse ensin tili ja päivitä tilitarkastelu."));
+        return;
+    }
+    ReportRunner::print(this, m_db, TiliRaportit::tiliTarkastelu(m_laskettu));
+}
+
+void frmTilitarkastelu::avaaRivi(const QModelIndex& index)
+{
+    const qint32 toId = m_model->key(index.row());
+    if (toId != 0)
+        emit tositeValittu(toId);
+}

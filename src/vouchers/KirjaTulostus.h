@@ -1,0 +1,64 @@
+#pragma once
+
+#include "Money.h"
+#include "ReportJob.h"
+#include "TositeMuokkaus.h"
+
+#include <QDate>
+#include <QList>
+#include <QSqlDatabase>
+#include <QString>
+
+// The journal (vouchers in number order with their entries) and the general ledger (entries by
+// account, with each account's balance at the start and the end of the period) of one kind of
+// voucher over a period, as the voucher window and vorkam_report hand them to the report engine.
+namespace KirjaTulostus {
+
+enum class Kirja { Paivakirja, Paakirja };
+using Laji = TositeMuokkaus::Laji;
+
+// The report file of a book, kind and orientation ("paikirja.rpt", …).
+QString raporttiTiedosto(Kirja kirja, Laji laji, bool vaaka);
+
+// Why the period cannot be printed (outside the fiscal year, or the start after the end), in
+// the date dialogs' own words; "" when it can.
+QString jaksonVirhe(const QDate& alku, const QDate& loppu);
+
+// The journal's counts and sums over the vouchers of the kind numbered 0 or above and dated in
+// the period: vouchers (also those without entries), debit and credit entries and their sums.
+struct Summat {
+    qint64 tositteita = 0;
+    qint64 debetVienteja = 0;
+    qint64 kreditVienteja = 0;
+    Money debet;
+    Money kredit;
+    qint64 vienteja() const { return debetVienteja + kreditVienteja; }
+    Money erotus() const { return debet - kredit; }
+};
+// One grouped query. Throws DatabaseError.
+Summat paivakirjanSummat(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu);
+
+// The record-selection formula of a book, kind and period.
+QString valintakaava(Kirja kirja, Laji laji, const QDate& alku, const QDate& loppu);
+
+// The journal: its counts and sums, the file by VaakaTulostus, the formulas and the selection.
+// Throws DatabaseError.
+ReportJob paivakirja(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu);
+
+// Prepares the ledger's balance rows in one transaction: every voucher numbered below 0 loses
+// its entries; the carrier voucher (key below 0, made when missing, numbered −1 and dated at the
+// period's start, of the kind printed) gets one balance entry per account; every account's
+// balance at the start of the period goes to tlAlkusaldo and at its end to tlLoppusaldo. The
+// balances are those of the kind's own sequence: opening entries start from nothing; ordinary
+// entries start from the opening entries and the ordinary ones before the period; closing
+// entries start from the balance of the year's other entries. The start balance and the rows the
+// ledger shows add up to the end balance. Gives the numbers of the vouchers whose entries of the
+// period have no account or no debit/credit type. Throws DatabaseError.
+QList<qint32> valmistelePaakirja(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu);
+// "Tarkista tositteen numero 5 viennit." for each, one per line.
+QString virheellisetViennit(const QList<qint32>& numerot);
+
+// The ledger's job (after valmistelePaakirja): file, formulas, selection and sort fields.
+ReportJob paakirja(Laji laji, const QDate& alku, const QDate& loppu);
+
+} // namespace KirjaTulostus

@@ -1,0 +1,146 @@
+#include "TestEnv.h"
+
+#include <QFile>
+#include <QMap>
+#include <QProcess>
+#include <QTest>
+
+namespace {
+
+struct Result {
+    int code = -1;
+    QString out;
+    QString err;
+};
+
+Result vorkamReport(const QStringList& args)
+{
+    QProcess p;
+    p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), args);
+    p.waitForFinished(120000);
+    return { p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
+        QString::fromLocal8Bit(p.readAllStandardOutput()), QString::fromLocal8Bit(p.readAllStandardError()) };
+}
+
+// The rows of a CSV file written by vorkam_report, cells split.
+QList<QStringList> csv(const QString& file)
+{
+    QString text = QString::fromUtf8(TestEnv::readFile(file));
+    text.remove(QChar(0xfeff));
+    QList<QStringList> rows;
+    for (const QString& line : text.split(QStringLiteral("\r\n"), Qt::SkipEmptyParts))
+        rows.append(line.split(u';'));
+    return rows;
+}
+
+qint64 cents(const QString& cell)
+{
+    QString t = cell;
+    t.remove(u' ').remove(QChar(0xa0));
+    return qRound64(t.replace(u',', u'.').toDouble() * 100);
+}
+
+} // namespace
+
+// The journal, the ledger and the balances of the demo association, written by vorkam_report,
+// agree with each other: the journal's totals are the ledger's movements, and each account's
+// balance after the closing entries is its balance in the account balances.
+class tst_vorkam_report_kirjat final : public QObject {
+    Q_OBJECT
+
+private slots:
+    void booksAgree()
+    {
+        TestEnv env;
+        const QString books = env.path(QStringLiteral("demo1.mdb"));
+        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
+        QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        const auto write = [&](const QStringList& args, const char* name) {
+            const QString file = env.path(QLatin1String(name));
+            const Result r = vorkamReport(QStringList { books } + args + QStringList { "--csv", file });
+            if (r.code != 0)
+                qWarning("%s", qPrintable(r.err));
+            return r.code == 0 ? csv(file) : QList<QStringList>();
+        };
+
+        // The ordinary journal's totals (the grand total row: its debit and credit).
+        const auto journal = write({ "paivakirja" }, "paivakirja.csv");
+        QVERIFY(!journal.isEmpty());
+        QStringList journalTotal;
+        for (const QStringList& row : journal)
+            if (row.first() == u"Yhteensä")
+                journalTotal = row;
+        QCOMPARE(journalTotal.size(), 5);
+        QVERIFY(cents(journalTotal.at(3)) > 0);
+        QCOMPARE(journalTotal.at(3), journalTotal.at(4));
+
+        const auto ledger = write({ "paakirja", "--kind", "normal" }, "paakirja.csv");
+        QStringList ledgerTotal;
+        for (const QStringList& row : ledger)
+            if (row.first() == u"Kaikki tilit yhteensä")
+                ledgerTotal = row;
+        QCOMPARE(ledgerTotal.size(), 6);
+        QCOMPARE(cents(ledgerTotal.at(3)), cents(journalTotal.at(3)));
+        QCOMPARE(cents(ledgerTotal.at(4)), cents(journalTotal.at(4)));
+
+        // Every account's balance after the closing entries against the account balances.
+        const auto closing = write({ "paakirja", "--kind", "closing" }, "paatos.csv");
+        QMap<QString, qint64> loppusaldot;
+        for (const QStringList& row : closing)
+            if (row.first().startsWith(QLatin1String("Loppusaldo ")))
+                loppusaldot.insert(row.first().mid(11), cents(row.at(5)));
+        QVERIFY(loppusaldot.size() > 10);
+        const auto balances = write({ "tilisald" }, "saldot.csv");
+        int compared = 0;
+        for (const QStringList& row : balances) {
+            const QString numero = row.first().section(u' ', 0, 0);
+            if (loppusaldot.contains(numero)) {
+                QCOMPARE(loppusaldot.value(numero), cents(row.at(3)));
+                ++compared;
+            }
+        }
+        QCOMPARE(compared, loppusaldot.size());
+
+        // The inspection of the bank account ends at its balance.
+        const auto inspection = write({ "tilitark", "--account", "1910" }, "tilitark.csv");
+        QVERIFY(inspection.size() > 3);
+        qint64 pankki = 0;
+        for (const QStringList& row : balances)
+            if (row.first().startsWith(QLatin1String("1910 ")))
+                pankki = cents(row.at(3));
+        QCOMPARE(cents(inspection.at(inspection.size() - 2).at(5)), pankki);
+    }
+
+    void refusals_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("period outside the year") << QStringList { "paivakirja", "--from", "1.1.1990", "--to",
+            "2.1.1990" } << "Alkupäivämäärä ei kuulu tilikauteen";
+        QTest::newRow("reversed period") << QStringList { "paakirja", "--from", "2.1.1990", "--to",
+            "1.1.1990" } << "Alkupäivämäärä on loppupäivämäärän jälkeen.";
+        QTest::newRow("inspection without an account")
+            << QStringList { "tilitark" } << "Anna tarkasteltava tili";
+        QTest::newRow("unknown account")
+            << QStringList { "tilitark", "--account", "9999" } << "Tiliä 9999 ei ole.";
+        QTest::newRow("kind of the balances")
+            << QStringList { "tilisald", "--kind", "closing" } << "ei käytä";
+    }
+    void refusals()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(QString, message);
+        TestEnv env;
+        const QString books = env.path(QStringLiteral("demo1.mdb"));
+        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
+        QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        const QString pdf = env.path(QStringLiteral("r.pdf"));
+        const Result r = vorkamReport(QStringList { books } + args + QStringList { "--pdf", pdf });
+        QVERIFY(r.code != 0);
+        QVERIFY2(r.err.contains(message), qPrintable(r.err));
+        QVERIFY(!QFile::exists(pdf));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_vorkam_report_kirjat)
+#include "tst_vorkam_report_kirjat.moc"

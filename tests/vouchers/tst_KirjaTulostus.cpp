@@ -1,0 +1,466 @@
+#include "Golden.h"
+#include "KirjaTulostus.h"
+#include "Money.h"
+#include "Paths.h"
+#include "ReportDocument.h"
+#include "ReportEngine.h"
+#include "ScriptedDialogs.h"
+#include "TextMetrics.h"
+#include "TositeMuokkaus.h"
+#include "VoucherFixture.h"
+#include "cTilienSaldot.h"
+#include "cTosite.h"
+
+#include <QFile>
+
+using KirjaTulostus::Kirja;
+using Laji = KirjaTulostus::Laji;
+
+namespace {
+
+qint64 raw(const char* euros) { return Money::parse(QString::fromLatin1(euros))->raw(); }
+
+// A small association's year of 2011: the opening voucher, four ordinary vouchers (one with
+// three entries) and a closing voucher. Every account is printed.
+struct Kirjat {
+    VoucherFixture f;
+    int pankki = f.addTili(1910, QStringLiteral("Pankkitili"));
+    int saamiset = f.addTili(1700, QStringLiteral("Jäsenmaksusaamiset"));
+    int paaoma = f.addTili(2000, QStringLiteral("Oma pääoma"));
+    int jasen = f.addTili(3000, QStringLiteral("Jäsenmaksut"));
+    int vuokra = f.addTili(4000, QStringLiteral("Vuokrat"));
+
+    Kirjat()
+    {
+        f.exec(QStringLiteral("UPDATE tl SET tlPrint = 1"));
+        const int avaus
+            = f.addTosite(0, QStringLiteral("A"), QStringLiteral("2011-01-01"), QStringLiteral("Tilinavaus"));
+        vienti(avaus, pankki, "D", "1000", "A");
+        vienti(avaus, paaoma, "K", "1000", "A");
+        const int t1
+            = f.addTosite(1, {}, QStringLiteral("2011-01-15"), QStringLiteral("Jäsenmaksut tammikuu"));
+        vienti(t1, pankki, "D", "150,25");
+        vienti(t1, jasen, "K", "150,25");
+        const int t2
+            = f.addTosite(2, {}, QStringLiteral("2011-03-03"), QStringLiteral("Kerhohuoneen vuokra"));
+        vienti(t2, vuokra, "D", "80,10");
+        vienti(t2, pankki, "K", "80,10");
+        const int t3
+            = f.addTosite(3, {}, QStringLiteral("2011-07-10"), QStringLiteral("Jäsenmaksut heinäkuu"));
+        vienti(t3, pankki, "D", "40,05");
+        vienti(t3, jasen, "K", "40,05");
+        const int t4 = f.addTosite(4, {}, QStringLiteral("2011-09-20"), QStringLiteral("Vuokra syyskuu"));
+        vienti(t4, vuokra, "D", "80,10");
+        vienti(t4, pankki, "K", "60,10");
+        vienti(t4, saamiset, "K", "20");
+        const int t5 = f.addTosite(
+            5, QStringLiteral("P"), QStringLiteral("2011-12-31"), QStringLiteral("Tilinpäätös"));
+        vienti(t5, jasen, "D", "190,30", "P");
+        vienti(t5, vuokra, "K", "160,20", "P");
+        vienti(t5, paaoma, "K", "30,10", "P");
+        ProgramSettings::bookkeeping().Seurannimi = QStringLiteral("Testiyhdistys ry");
+        ProgramSettings::bookkeeping().VaakaTulostus = false;
+        Paths::setProgramDir(f.env.programDir());
+        for (const char* name : { "paikirja", "paikirjb", "paikirje", "paikivaa", "paikivab", "paikivae",
+                 "paakirjb", "paakivab" })
+            QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/%1.rpt").arg(QLatin1String(name)),
+                f.env.programDir() + QStringLiteral("/%1.rpt").arg(QLatin1String(name)));
+    }
+
+    void vienti(int toId, int tlId, const char* tyyppi, const char* arvo, const char* laji = "") const
+    {
+        f.exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite, viAvausvienti, "
+                              "viPaatosvienti) VALUES (?, ?, ?, ?, 'x', ?, ?)"),
+            { toId, tlId, QString::fromLatin1(tyyppi), raw(arvo), laji[0] == 'A' ? 1 : 0,
+                laji[0] == 'P' ? 1 : 0 });
+    }
+
+    std::unique_ptr<ReportDocument> raportti(ReportJob job) const
+    {
+        job.printDate = QDate(2012, 1, 16);
+        return ReportEngine::run(VoucherFixture::db(), job);
+    }
+
+    QString kaikkiSivut(const ReportDocument& d) const
+    {
+        QString text;
+        for (int i = 0; i < d.pageCount(); ++i)
+            text += d.pageText(i);
+        return text;
+    }
+
+    // "1910 1000,00/1050,10" per account in number order.
+    QStringList saldot() const
+    {
+        QSqlQuery q(VoucherFixture::db());
+        q.exec(QStringLiteral("SELECT tlNumero, tlAlkusaldo, tlLoppusaldo FROM tl ORDER BY tlNumero"));
+        QStringList out;
+        while (q.next())
+            out.append(QStringLiteral("%1 %2/%3")
+                           .arg(q.value(0).toInt())
+                           .arg(Money::fromRaw(q.value(1).toLongLong()).toString(),
+                               Money::fromRaw(q.value(2).toLongLong()).toString()));
+        return out;
+    }
+};
+
+const QDate Alku(2011, 1, 1);
+const QDate Loppu(2011, 12, 31);
+
+} // namespace
+
+class tst_KirjaTulostus final : public QObject {
+    Q_OBJECT
+
+private slots:
+    void reportFiles_data()
+    {
+        QTest::addColumn<int>("kirja");
+        QTest::addColumn<int>("laji");
+        QTest::addColumn<bool>("vaaka");
+        QTest::addColumn<QString>("file");
+        QTest::newRow("journal ordinary")
+            << int(Kirja::Paivakirja) << int(Laji::Tavallinen) << false << "paikirja.rpt";
+        QTest::newRow("journal opening")
+            << int(Kirja::Paivakirja) << int(Laji::Avaus) << false << "paikirjb.rpt";
+        QTest::newRow("journal closing")
+            << int(Kirja::Paivakirja) << int(Laji::Paatos) << false << "paikirje.rpt";
+        QTest::newRow("journal ordinary landscape")
+            << int(Kirja::Paivakirja) << int(Laji::Tavallinen) << true << "paikivaa.rpt";
+        QTest::newRow("journal opening landscape")
+            << int(Kirja::Paivakirja) << int(Laji::Avaus) << true << "paikivab.rpt";
+        QTest::newRow("journal closing landscape")
+            << int(Kirja::Paivakirja) << int(Laji::Paatos) << true << "paikivae.rpt";
+        QTest::newRow("ledger opening")
+            << int(Kirja::Paakirja) << int(Laji::Avaus) << false << "paakirjb.rpt";
+        QTest::newRow("ledger closing landscape")
+            << int(Kirja::Paakirja) << int(Laji::Paatos) << true << "paakivab.rpt";
+    }
+    // The file comes from the table, and the jobs take VaakaTulostus from the settings.
+    void reportFiles()
+    {
+        QFETCH(int, kirja);
+        QFETCH(int, laji);
+        QFETCH(bool, vaaka);
+        QFETCH(QString, file);
+        QCOMPARE(KirjaTulostus::raporttiTiedosto(Kirja(kirja), Laji(laji), vaaka), file);
+        Kirjat k;
+        ProgramSettings::bookkeeping().VaakaTulostus = vaaka;
+        const ReportJob job = Kirja(kirja) == Kirja::Paivakirja
+            ? KirjaTulostus::paivakirja(VoucherFixture::db(), Laji(laji), Alku, Loppu)
+            : KirjaTulostus::paakirja(Laji(laji), Alku, Loppu);
+        QCOMPARE(job.reportFile, file);
+        QVERIFY(k.raportti(job)->landscape() == vaaka);
+    }
+
+    void journalFormulas_data()
+    {
+        QTest::addColumn<int>("laji");
+        QTest::addColumn<QDate>("alku");
+        QTest::addColumn<QDate>("loppu");
+        QTest::addColumn<QStringList>("formulas");
+        const auto kaavat = [](const char* otsake, const char* d, const char* k, const char* ds,
+                                const char* ks, const char* t, const char* v, const char* e) {
+            return QStringList { QStringLiteral("Seurannimi= 'Testiyhdistys ry'"),
+                QStringLiteral("Otsake= '%1'").arg(QString::fromUtf8(otsake)),
+                QStringLiteral("DebetVienteja= '%1'").arg(QLatin1String(d)),
+                QStringLiteral("KreditVienteja= '%1'").arg(QLatin1String(k)),
+                QStringLiteral("KreditSumma= '%1'").arg(QString::fromUtf8(ks)),
+                QStringLiteral("DebetSumma= '%1'").arg(QString::fromUtf8(ds)),
+                QStringLiteral("Tositteita= '%1'").arg(QLatin1String(t)),
+                QStringLiteral("Vienteja= '%1'").arg(QLatin1String(v)),
+                QStringLiteral("ErotusSummista= '%1'").arg(QLatin1String(e)) };
+        };
+        QTest::newRow("ordinary, the year")
+            << int(Laji::Tavallinen) << Alku << Loppu
+            << kaavat("Päiväkirja -- 1.1.2011 - 31.12.2011", "4", "5", "350,50", "350,50", "4", "9", "0,00");
+        QTest::newRow("ordinary, to the day of a voucher")
+            << int(Laji::Tavallinen) << QDate(2011, 1, 15) << QDate(2011, 7, 10)
+            << kaavat("Päiväkirja -- 15.1.2011 - 10.7.2011", "3", "3", "270,40", "270,40", "3", "6", "0,00");
+        QTest::newRow("opening") << int(Laji::Avaus) << Alku << Loppu
+                                 << kaavat("Päiväkirja - Avausviennit -- 1.1.2011 - 31.12.2011", "1", "1",
+                                        "1\u00a0000,00", "1\u00a0000,00", "1", "2", "0,00");
+        QTest::newRow("closing") << int(Laji::Paatos) << Alku << Loppu
+                                 << kaavat("Päiväkirja - Tilinpäätösviennit -- 1.1.2011 - 31.12.2011", "1",
+                                        "2", "190,30", "190,30", "1", "3", "0,00");
+        QTest::newRow("empty period")
+            << int(Laji::Tavallinen) << QDate(2011, 5, 1) << QDate(2011, 5, 31)
+            << kaavat("Päiväkirja -- 1.5.2011 - 31.5.2011", "0", "0", "0,00", "0,00", "0", "0", "0,00");
+    }
+    // The counts and sums of the period, and the formulas in their order and form.
+    void journalFormulas()
+    {
+        QFETCH(int, laji);
+        QFETCH(QDate, alku);
+        QFETCH(QDate, loppu);
+        QFETCH(QStringList, formulas);
+        Kirjat k;
+        const ReportJob job = KirjaTulostus::paivakirja(VoucherFixture::db(), Laji(laji), alku, loppu);
+        QCOMPARE(job.formulas, formulas);
+        // The report runs whatever the period holds.
+        const auto doc = k.raportti(job);
+        QVERIFY(doc->pageCount() >= 1);
+    }
+
+    void unbalancedSums()
+    {
+        Kirjat k;
+        const int t = k.f.addTosite(6, {}, QStringLiteral("2011-11-02"), QStringLiteral("Puolikas"));
+        k.vienti(t, k.pankki, "D", "0,05");
+        const int tyhja = k.f.addTosite(7, {}, QStringLiteral("2011-11-03"), QStringLiteral("Ei vientejä"));
+        Q_UNUSED(tyhja)
+        const KirjaTulostus::Summat s
+            = KirjaTulostus::paivakirjanSummat(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu);
+        QCOMPARE(s.tositteita, 6);
+        QCOMPARE(s.vienteja(), 10);
+        QCOMPARE(s.debet.toString(), QStringLiteral("350,55"));
+        QCOMPARE(s.erotus().toString(), QStringLiteral("0,05"));
+        const QString text = k.kaikkiSivut(
+            *k.raportti(KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu)));
+        QVERIFY(text.contains(QStringLiteral("Tositteella ei ole vientejä.")));
+        QVERIFY(text.contains(QStringLiteral("Ei vientejä")));
+    }
+
+    void selection_data()
+    {
+        QTest::addColumn<int>("kirja");
+        QTest::addColumn<int>("laji");
+        QTest::addColumn<QString>("formula");
+        QTest::newRow("journal ordinary")
+            << int(Kirja::Paivakirja) << int(Laji::Tavallinen)
+            << "({to.toPvm} <= Date(2011,12,31) AND {to.toPvm} >= Date(2011,7,1)) AND {to.toNumero} >= 0 AND "
+               "{to.toAvaustosite} = False AND {to.toPaatostosite} = False";
+        QTest::newRow("journal opening")
+            << int(Kirja::Paivakirja) << int(Laji::Avaus)
+            << "({to.toPvm} <= Date(2011,12,31) AND {to.toPvm} >= Date(2011,7,1)) AND "
+               "{to.toNumero} >= 0 AND {to.toAvaustosite} = True";
+        QTest::newRow("journal closing")
+            << int(Kirja::Paivakirja) << int(Laji::Paatos)
+            << "({to.toPvm} <= Date(2011,12,31) AND {to.toPvm} >= Date(2011,7,1)) AND "
+               "{to.toNumero} >= 0 AND {to.toPaatostosite} = True";
+        QTest::newRow("ledger ordinary")
+            << int(Kirja::Paakirja) << int(Laji::Tavallinen)
+            << "{tl.tlPrint} = True AND (({vi.viAvausvienti} = False AND {vi.viPaatosvienti} = False) AND "
+               "({to.toPvm} <= Date(2011,12,31) AND {to.toPvm} >= Date(2011,7,1)) OR ({tl.tlID} > 0 AND "
+               "{to.toNumero} < 0))";
+        QTest::newRow("ledger opening")
+            << int(Kirja::Paakirja) << int(Laji::Avaus)
+            << "{tl.tlPrint} = True AND ({vi.viAvausvienti} = True AND ({to.toPvm} <= Date(2011,12,31) AND "
+               "{to.toPvm} >= Date(2011,7,1)) OR ({tl.tlID} > 0 AND {to.toNumero} < 0) AND "
+               "{to.toAvaustosite} = "
+               "True)";
+        QTest::newRow("ledger closing")
+            << int(Kirja::Paakirja) << int(Laji::Paatos)
+            << "{tl.tlPrint} = True AND ({vi.viPaatosvienti} = True AND ({to.toPvm} <= Date(2011,12,31) AND "
+               "{to.toPvm} >= Date(2011,7,1)) OR ({tl.tlID} > 0 AND {to.toNumero} < 0) AND "
+               "{to.toPaatostosite} = True)";
+    }
+    void selection()
+    {
+        QFETCH(int, kirja);
+        QFETCH(int, laji);
+        QFETCH(QString, formula);
+        QCOMPARE(KirjaTulostus::valintakaava(Kirja(kirja), Laji(laji), QDate(2011, 7, 1), Loppu), formula);
+        const ReportJob job = KirjaTulostus::paakirja(Laji(laji), QDate(2011, 7, 1), Loppu);
+        QCOMPARE(job.sortFields, QStringList({ "+{tl.tlNumero}", "+{to.toNumero}" }));
+    }
+
+    void ledgerBalances_data()
+    {
+        QTest::addColumn<int>("laji");
+        QTest::addColumn<QDate>("alku");
+        QTest::addColumn<QStringList>("saldot");
+        QTest::newRow("ordinary from mid-year")
+            << int(Laji::Tavallinen) << QDate(2011, 7, 1)
+            << QStringList { "1700 0,00/-20,00", "1910 1\u00a0070,15/1\u00a0050,10",
+                   "2000 -1\u00a0000,00/-1\u00a0000,00", "3000 -150,25/-190,30", "4000 80,10/160,20" };
+        QTest::newRow("ordinary, the year")
+            << int(Laji::Tavallinen) << Alku
+            << QStringList { "1700 0,00/-20,00", "1910 1\u00a0000,00/1\u00a0050,10",
+                   "2000 -1\u00a0000,00/-1\u00a0000,00", "3000 0,00/-190,30", "4000 0,00/160,20" };
+        QTest::newRow("opening") << int(Laji::Avaus) << Alku
+                                 << QStringList { "1700 0,00/0,00", "1910 0,00/1\u00a0000,00",
+                                        "2000 0,00/-1\u00a0000,00", "3000 0,00/0,00", "4000 0,00/0,00" };
+        QTest::newRow("closing") << int(Laji::Paatos) << Alku
+                                 << QStringList { "1700 -20,00/-20,00", "1910 1\u00a0050,10/1\u00a0050,10",
+                                        "2000 -1\u00a0000,00/-1\u00a0030,10", "3000 -190,30/0,00",
+                                        "4000 160,20/0,00" };
+    }
+    // Each account's balance at the start and the end of the period: the start plus the rows
+    // the ledger shows make the end.
+    void ledgerBalances()
+    {
+        QFETCH(int, laji);
+        QFETCH(QDate, alku);
+        QFETCH(QStringList, saldot);
+        Kirjat k;
+        QVERIFY(KirjaTulostus::valmistelePaakirja(VoucherFixture::db(), Laji(laji), alku, Loppu).isEmpty());
+        QCOMPARE(k.saldot(), saldot);
+    }
+
+    // The journal and the ledger of the fixture as printed.
+    void goldenPages()
+    {
+        Kirjat k;
+        const auto journal
+            = k.raportti(KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu));
+        QCOMPARE(journal->pageCount(), 1);
+        VERIFY_GOLDEN(QStringLiteral("paikirja"), journal->pageText(0));
+
+        KirjaTulostus::valmistelePaakirja(VoucherFixture::db(), Laji::Tavallinen, QDate(2011, 7, 1), Loppu);
+        const auto ledger = k.raportti(KirjaTulostus::paakirja(Laji::Tavallinen, QDate(2011, 7, 1), Loppu));
+        QCOMPARE(ledger->pageCount(), 1);
+        VERIFY_GOLDEN(QStringLiteral("paakirjb"), ledger->pageText(0));
+    }
+
+    // An account not marked for printing is left out, its balance row too; the totals are
+    // the movements of the accounts shown.
+    void unprintedAccount()
+    {
+        Kirjat k;
+        k.f.exec(QStringLiteral("UPDATE tl SET tlPrint = 0 WHERE tlNumero = 1700"));
+        k.f.exec(QStringLiteral("UPDATE tl SET tlPrint = NULL WHERE tlNumero = 2000"));
+        KirjaTulostus::valmistelePaakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu);
+        const auto doc = k.raportti(KirjaTulostus::paakirja(Laji::Tavallinen, Alku, Loppu));
+        const QString text = k.kaikkiSivut(*doc);
+        QVERIFY(!text.contains(QStringLiteral("Jäsenmaksusaamiset")));
+        QVERIFY(!text.contains(QStringLiteral("Oma pääoma")));
+        QVERIFY(text.contains(QStringLiteral("1910 Pankkitili")));
+        const ReportDocument::TableRow kaikki = doc->tableRows().back();
+        QVERIFY(kaikki.kind == ReportDocument::RowKind::GrandTotal);
+        QCOMPARE(kaikki.cells.at(3).toDouble(), 350.50);
+        QCOMPARE(kaikki.cells.at(4).toDouble(), 330.50);
+    }
+
+    // The carrier voucher and its rows: one of each however often the ledger runs, never seen by
+    // numbering, browsing, the voucher list, the longest-voucher count or the balances.
+    void carrierInvisible()
+    {
+        Kirjat k;
+        const QSqlDatabase db = VoucherFixture::db();
+        const qint16 ennen = cTosite::MaxLkmViennitPerTosite(db);
+        cTilienSaldot saldot(db);
+        saldot.Laske();
+        const Money debet = saldot.debetSumma();
+        for (const Laji laji : { Laji::Tavallinen, Laji::Avaus, Laji::Paatos })
+            KirjaTulostus::valmistelePaakirja(db, laji, Alku, Loppu);
+        QCOMPARE(VoucherFixture::count(QStringLiteral("\"to\""), QStringLiteral("toNumero < 0")), 1);
+        QCOMPARE(VoucherFixture::count(QStringLiteral("vi"), QStringLiteral("vitoID < 0")), 5);
+        QCOMPARE(VoucherFixture::value(QStringLiteral("SELECT toPaatostosite FROM \"to\" WHERE toID = -1"))
+                     .toInt(),
+            1);
+        QCOMPARE(cTosite::MaxLkmViennitPerTosite(db), ennen);
+        saldot.Laske();
+        QCOMPARE(saldot.debetSumma(), debet);
+
+        ScriptedDialogs dialogs;
+        for (const Laji laji : { Laji::Tavallinen, Laji::Paatos }) {
+            KirjaTulostus::valmistelePaakirja(db, laji, Alku, Loppu);
+            TositeMuokkaus m(db, laji);
+            QVERIFY(m.avaa());
+            for (const cTosite::Rivi& r : m.luettelo())
+                QVERIFY(r.numero >= 0);
+            QVERIFY(m.siirry(TositeMuokkaus::Siirto::Ensimmainen) || m.tosite().Numero() >= 0);
+            QVERIFY(!m.siirry(TositeMuokkaus::Siirto::Edellinen));
+            QVERIFY(m.tosite().Numero() >= 0);
+            QVERIFY(!m.lataa(-1));
+        }
+        cTosite uusi(db);
+        QCOMPARE(uusi.SetTositeNumeroJaPaiva(Alku, false), 6);
+        uusi.setIsEmpty(true);
+    }
+
+    // Entries the balances cannot place are told by voucher number; the journal shows them.
+    void faultyEntries()
+    {
+        Kirjat k;
+        const int t2
+            = VoucherFixture::value(QStringLiteral("SELECT toID FROM \"to\" WHERE toNumero = 2")).toInt();
+        const int t3
+            = VoucherFixture::value(QStringLiteral("SELECT toID FROM \"to\" WHERE toNumero = 3")).toInt();
+        k.vienti(t3, 999, "D", "5");
+        k.vienti(t2, k.pankki, "X", "7");
+        const QList<qint32> virheet
+            = KirjaTulostus::valmistelePaakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu);
+        QCOMPARE(virheet, QList<qint32>({ 2, 3 }));
+        QCOMPARE(KirjaTulostus::virheellisetViennit(virheet),
+            QStringLiteral("Tarkista tositteen numero 2 viennit.\nTarkista tositteen numero 3 viennit."));
+        QCOMPARE(k.saldot().at(1), QStringLiteral("1910 1\u00a0000,00/1\u00a0050,10"));
+        const QString text = k.kaikkiSivut(
+            *k.raportti(KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu)));
+        QVERIFY(text.contains(QStringLiteral("Tiliä ei ole (tili poistettu)")));
+    }
+
+    void period_data()
+    {
+        QTest::addColumn<QDate>("alku");
+        QTest::addColumn<QDate>("loppu");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("the year") << Alku << Loppu << "";
+        QTest::newRow("one day") << Loppu << Loppu << "";
+        QTest::newRow("start before the year")
+            << QDate(2010, 12, 31) << Loppu << "Alkupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011";
+        QTest::newRow("end after the year")
+            << Alku << QDate(2012, 1, 1) << "Loppupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011";
+        QTest::newRow("reversed") << QDate(2011, 6, 1) << QDate(2011, 5, 31)
+                                  << "Alkupäivämäärä on loppupäivämäärän jälkeen.";
+    }
+    void period()
+    {
+        QFETCH(QDate, alku);
+        QFETCH(QDate, loppu);
+        QFETCH(QString, message);
+        VoucherFixture f;
+        QCOMPARE(KirjaTulostus::jaksonVirhe(alku, loppu), message);
+    }
+
+    void longDescription_data()
+    {
+        QTest::addColumn<bool>("vaaka");
+        QTest::newRow("portrait") << false;
+        QTest::newRow("landscape") << true;
+    }
+    // A description of 255 characters with apostrophes is wrapped within its columns: nothing
+    // of it is lost and no line runs over another text.
+    void longDescription()
+    {
+        QFETCH(bool, vaaka);
+        Kirjat k;
+        ProgramSettings::bookkeeping().VaakaTulostus = vaaka;
+        QString selite;
+        while (selite.size() < 255)
+            selite += QStringLiteral("Matin 'kerhon' kevätretki O'Learyn luo, ");
+        selite = selite.left(255);
+        const int t = k.f.addTosite(9, {}, QStringLiteral("2011-06-01"), selite);
+        k.vienti(t, k.pankki, "D", "1");
+        k.vienti(t, k.jasen, "K", "1");
+        const auto doc
+            = k.raportti(KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu));
+        const ReportPage page = doc->page(0);
+        QString pieces;
+        int lines = 0;
+        for (const TextRun& run : page.runs) {
+            const QString text = page.runText(run);
+            if (text.trimmed().isEmpty() || !selite.contains(text.trimmed()))
+                continue;
+            pieces += (pieces.isEmpty() ? QString() : QStringLiteral(" ")) + text;
+            ++lines;
+            // Within the page's printable width, and alone on its line.
+            const float w = TextMetrics::width(doc->fonts()[run.font], page.runBytes(run), run.length);
+            QVERIFY(run.x + w <= float(doc->pageSize().width()) - 42);
+            for (const TextRun& other : page.runs)
+                if (&other != &run && std::abs(other.y - run.y) < 1)
+                    QVERIFY2(other.x >= run.x + w
+                            || other.x
+                                    + TextMetrics::width(
+                                        doc->fonts()[other.font], page.runBytes(other), other.length)
+                                <= run.x,
+                        qPrintable(page.runText(other)));
+        }
+        QVERIFY(lines >= (vaaka ? 2 : 3));
+        QCOMPARE(pieces, selite.trimmed());
+    }
+};
+
+QTEST_MAIN(tst_KirjaTulostus)
+#include "tst_KirjaTulostus.moc"

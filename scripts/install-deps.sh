@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
-  libgl-dev fonts-liberation sqlite3 libsqlite3-dev clang-format libhpdf-dev libxlsxwriter-dev mdbtools-dev
+  libgl-dev fonts-liberation sqlite3 libsqlite3-dev clang-format libhpdf-dev libxlsxwriter-dev mdbtools-dev libblkid-dev
   poppler-utils unzip "$@")
 
 missing=()

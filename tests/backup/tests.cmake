@@ -1,0 +1,2 @@
+#Tests of the memory - stick backup : the logic without windows, and the windows offscreen.
+vorkam_add_test(tst_BackupStick SOURCES backup / tst_BackupStick.cpp backup / ScriptedDrives.h)

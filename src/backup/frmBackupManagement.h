@@ -1,5 +1,7 @@
 #pragma once
 
+#include "StickDays.h"
+
 #include <QDialog>
 #include <memory>
 
@@ -21,8 +23,8 @@ public:
 
 private:
     void valitsePaiva();
-    void backToFirstStep();
+    void valitseTietokannat();
 
     std::unique_ptr<Ui::frmBackupManagement> ui;
-    QString m_mountPoint;
+    std::unique_ptr<StickDays> m_days;
 };

@@ -13,6 +13,9 @@ frmBackupRestore::frmBackupRestore(QWidget* parent)
     , ui(std::make_unique<Ui::frmBackupRestore>())
 {
     ui->setupUi(this);
+    m_days = std::make_unique<StickDays>(StickDays::Controls { ui->lblVaihe1, ui->lblVapaaTilaStatus,
+                                             ui->lblVaihe2, ui->lstPaiva, ui->lblVaihe3, ui->lstTietokanta },
+        QStringLiteral("valitse palautettavan tietokannan nimi:"));
     connect(ui->cEtsiMuistitikku, &QPushButton::clicked, this, &frmBackupRestore::etsiMuistitikku);
     connect(ui->cPalauta, &QPushButton::clicked, this, &frmBackupRestore::palauta);
     connect(ui->cSulje, &QPushButton::clicked, this, &frmBackupRestore::reject);
@@ -26,9 +29,7 @@ frmBackupRestore::frmBackupRestore(QWidget* parent)
     });
     ui->pbEdistyminen->setRange(0, 100);
     ui->pbEdistyminen->setValue(0);
-    if (!Drives::instance().supported()) {
-        ui->lblVaihe1->setText(
-            QStringLiteral("Tietokoneesi ei tue %1-muistitikkuvarmistusta.").arg(BackupStick::Label));
+    if (!m_days->supported()) {
         ui->cEtsiMuistitikku->setEnabled(false);
         ui->cSulje->setFocus();
         return;
@@ -38,69 +39,25 @@ frmBackupRestore::frmBackupRestore(QWidget* parent)
 
 frmBackupRestore::~frmBackupRestore() = default;
 
-void frmBackupRestore::backToFirstStep()
-{
-    m_mountPoint.clear();
-    ui->lstPaiva->clear();
-    ui->lstTietokanta->clear();
-    ui->lblPalautettavaTiedostoNimi->setText(QStringLiteral("-"));
-    for (QWidget* w : { static_cast<QWidget*>(ui->lblVaihe2), static_cast<QWidget*>(ui->lstPaiva),
-             static_cast<QWidget*>(ui->lblVaihe3), static_cast<QWidget*>(ui->lstTietokanta),
-             static_cast<QWidget*>(ui->lblVaihe4), static_cast<QWidget*>(ui->cPalauta) })
-        w->setEnabled(false);
-}
-
 void frmBackupRestore::etsiMuistitikku()
 {
-    backToFirstStep();
-    const std::optional<Volume> stick = BackupStick::find();
-    if (!stick) {
-        ui->lblVapaaTilaStatus->setText(QStringLiteral("Sopivaa muistitikkua ei löydy."));
-        return;
-    }
-    m_mountPoint = stick->mountPoint;
-    ui->lblVapaaTilaStatus->clear();
-    ui->lblVaihe2->setText(BackupStick::foundText(QDir::toNativeSeparators(m_mountPoint),
-        QStringLiteral("valitse palautettavan varmuuskopion päivä:")));
-    ui->lblVaihe2->setEnabled(true);
-    const QStringList days = BackupStick::days(m_mountPoint);
-    if (days.isEmpty()) {
-        Dialogs::instance().information(QStringLiteral("Muistitikulta ei löydy varmuuskopioita."));
-        return;
-    }
-    ui->lstPaiva->addItems(days);
-    ui->lstPaiva->setEnabled(true);
-    // The newest day is the one most often wanted.
-    ui->lstPaiva->setCurrentRow(0);
-    ui->lstPaiva->setFocus();
+    m_days->find();
+    valitseTietokanta();
 }
 
 void frmBackupRestore::valitsePaiva()
 {
-    ui->lstTietokanta->clear();
+    m_days->showDay();
     valitseTietokanta();
-    const QListWidgetItem* item = ui->lstPaiva->currentItem();
-    if (!item || m_mountPoint.isEmpty())
-        return;
-    const QString day = item->text();
-    const QStringList files = BackupStick::files(m_mountPoint, day);
-    ui->lstTietokanta->addItems(files);
-    ui->lstTietokanta->setEnabled(!files.isEmpty());
-    ui->lblVaihe3->setEnabled(true);
-    ui->lblVaihe3->setText(files.isEmpty()
-            ? QStringLiteral("3. Valitulle päivälle ei löydy tietokantoja.")
-            : QStringLiteral("3. Valitulle päivälle %1 löytyy seuraavat tietokannat, valitse palautettavan "
-                             "tietokannan nimi:")
-                  .arg(day));
 }
 
 QString frmBackupRestore::chosenCopy() const
 {
-    const QListWidgetItem* day = ui->lstPaiva->currentItem();
+    const QString day = m_days->day();
     const QList<QListWidgetItem*> chosen = ui->lstTietokanta->selectedItems();
-    if (!day || chosen.isEmpty() || m_mountPoint.isEmpty())
+    if (day.isEmpty() || chosen.isEmpty())
         return {};
-    return BackupStick::copyPath(m_mountPoint, day->text(), chosen.first()->text());
+    return BackupStick::copyPath(m_days->mountPoint(), day, chosen.first()->text());
 }
 
 void frmBackupRestore::valitseTietokanta()

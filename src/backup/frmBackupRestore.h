@@ -1,5 +1,7 @@
 #pragma once
 
+#include "StickDays.h"
+
 #include <QDialog>
 #include <memory>
 
@@ -28,11 +30,10 @@ public:
 private:
     void valitsePaiva();
     void valitseTietokanta();
-    void backToFirstStep();
     QString chosenCopy() const;
 
     std::unique_ptr<Ui::frmBackupRestore> ui;
-    QString m_mountPoint;
+    std::unique_ptr<StickDays> m_days;
     bool m_restored = false;
     bool m_busy = false;
 };

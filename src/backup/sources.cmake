@@ -30,4 +30,6 @@ target_sources(vorkam_ui PRIVATE
   backup/frmBackupRestore.cpp
   backup/frmBackupRestore.h
   backup/frmBackupRestore.ui
+  backup/StickDays.cpp
+  backup/StickDays.h
 )

@@ -10,6 +10,9 @@
 #include "ProgramSettings.h"
 #include "frmAbout.h"
 #include "frmAsetukset.h"
+#include "frmBackup.h"
+#include "frmBackupManagement.h"
+#include "frmBackupRestore.h"
 #include "frmNewTositteet.h"
 #include "frmOhje.h"
 #include "frmTilitNew.h"
@@ -60,10 +63,9 @@ frmMain::frmMain(QWidget* parent)
     for (QWidget* w : { static_cast<QWidget*>(ui->cTositteet), static_cast<QWidget*>(ui->cTilit),
              static_cast<QWidget*>(ui->cTulosJaTase) })
         w->setEnabled(false);
-    for (QAction* a :
-        { ui->mTositteet, ui->mTulosJaTase, ui->mTilit, ui->mAvausviennit, ui->mTilinpaatosviennit,
-            ui->mVarmistus, ui->mKopiotikkuVarmistus, ui->mKopiotikkuPalautus, ui->mKopioTikkuHallinta,
-            ui->mVarmistusKansioon, ui->mMuokkaaTietokantaa, ui->mLuoTietokantaNykyisesta, ui->mService })
+    for (QAction* a : { ui->mTositteet, ui->mTulosJaTase, ui->mTilit, ui->mAvausviennit,
+             ui->mTilinpaatosviennit, ui->mVarmistus, ui->mKopiotikkuVarmistus, ui->mVarmistusKansioon,
+             ui->mMuokkaaTietokantaa, ui->mLuoTietokantaNykyisesta, ui->mService })
         a->setEnabled(false);
 
     // The voucher command opens the current voucher window whatever VanhatTositteet says:
@@ -82,6 +84,9 @@ frmMain::frmMain(QWidget* parent)
     connect(ui->mTietoja, &QAction::triggered, this, &frmMain::showAbout);
     connect(ui->mVarmistus, &QAction::triggered, this, &frmMain::backupAndReorganize);
     connect(ui->mPalautus, &QAction::triggered, this, &frmMain::restore);
+    connect(ui->mKopiotikkuVarmistus, &QAction::triggered, this, &frmMain::stickBackup);
+    connect(ui->mKopioTikkuHallinta, &QAction::triggered, this, &frmMain::stickManagement);
+    connect(ui->mKopiotikkuPalautus, &QAction::triggered, this, &frmMain::stickRestore);
     connect(ui->mAsetukset, &QAction::triggered, this, &frmMain::openSettings);
     connect(ui->mMuokkaaTietokantaa, &QAction::triggered, this, &frmMain::editDatabase);
     using Source = DatabaseCreation::Source;
@@ -112,6 +117,7 @@ void frmMain::startUp()
     // The reorganisation and the maintenance commands rewrite the books: not for books open for
     // reading only.
     ui->mVarmistus->setEnabled(open && !m_startup.readOnly);
+    ui->mKopiotikkuVarmistus->setEnabled(open);
     ui->mMuokkaaTietokantaa->setEnabled(open && !m_startup.readOnly);
     (open ? ui->cTositteet : ui->cKayttotuki)->setFocus();
 }
@@ -205,6 +211,32 @@ void frmMain::restore()
 {
     // A window still holding rows would save them into the restored books.
     if (closeWorkingWindows() && DatabaseCommands::restoreFromBackup())
+        endProgram();
+}
+
+void frmMain::stickBackup()
+{
+    // The books are closed, copied and compacted: rows typed in a working window are saved first.
+    if (!closeWorkingWindows())
+        return;
+    frmBackup backup(ProgramSettings::installation().Database, this);
+    backup.exec();
+}
+
+void frmMain::stickManagement()
+{
+    frmBackupManagement management(this);
+    management.exec();
+}
+
+void frmMain::stickRestore()
+{
+    // A window still holding rows would save them into the restored books.
+    if (!closeWorkingWindows())
+        return;
+    frmBackupRestore restoring(this);
+    restoring.exec();
+    if (restoring.restored())
         endProgram();
 }
 

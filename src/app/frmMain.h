@@ -35,6 +35,9 @@ private:
     void showAbout();
     void backupAndReorganize();
     void restore();
+    void stickBackup();
+    void stickManagement();
+    void stickRestore();
     void openSettings();
     void editDatabase();
     void createDatabase(DatabaseCreation::Source source);

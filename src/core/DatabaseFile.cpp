@@ -154,7 +154,8 @@ OpenResult compactInto(const QString& source, const QString& target)
         q.prepare(QStringLiteral("VACUUM INTO ?"));
         q.addBindValue(target);
         if (!q.exec())
-            return failure(DbError::Failed, q.lastError().text());
+            return OpenResult { DbError::Failed, q.lastError().text(),
+                q.lastError().nativeErrorCode().toInt() };
         return OpenResult {};
     });
     if (!result && QFileInfo::exists(target) && !QFileInfo(target).isDir())

@@ -21,6 +21,7 @@ enum class DbError {
 struct OpenResult {
     DbError error = DbError::None;
     QString message; // the engine's or file system's own description, for error boxes
+    int code = 0; // the engine's error code when the engine itself failed, else 0
     explicit operator bool() const { return error == DbError::None; }
 };
 

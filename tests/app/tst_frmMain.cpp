@@ -73,17 +73,15 @@ void tst_frmMain::commandsFollowTheDatabase()
     QCOMPARE(w.windowTitle(), caption);
     // Windows and commands of the books need a database; later features stay disabled either way.
     for (const char* name : { "mTositteet", "mTilit", "mAvausviennit", "mTilinpaatosviennit", "mVarmistus",
-             "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta" })
+             "mKopiotikkuVarmistus", "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta" })
         QVERIFY2(w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled() == withDatabase, name);
     QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->isEnabled(), withDatabase);
-    for (const char* name :
-        { "mKopiotikkuVarmistus", "mKopiotikkuPalautus", "mKopioTikkuHallinta", "mService" })
-        QVERIFY2(!w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled(), name);
+    QVERIFY(!w.findChild<QAction*>(QStringLiteral("mService"))->isEnabled());
     QVERIFY(!w.findChild<QPushButton*>(QStringLiteral("cTulosJaTase"))->isEnabled());
     // The settings window also mends a database name that leads nowhere; models need no books.
-    for (const char* name :
-        { "mPalautus", "mSulje", "mTietoja", "mAsetukset", "mLuoTietokantaMallistaYhdistys",
-            "mLuoTietokantaMallistaAOY", "mLuoTietokantaMallistaLions", "mLuoTietokantaMallistaMetalli" })
+    for (const char* name : { "mPalautus", "mKopiotikkuPalautus", "mKopioTikkuHallinta", "mSulje", "mTietoja",
+             "mAsetukset", "mLuoTietokantaMallistaYhdistys", "mLuoTietokantaMallistaAOY",
+             "mLuoTietokantaMallistaLions", "mLuoTietokantaMallistaMetalli" })
         QVERIFY2(w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled(), name);
 }
 

@@ -1,0 +1,15 @@
+#include "Drives.h"
+
+#include "SystemDrives.h"
+
+namespace {
+Drives* g_installed = nullptr;
+}
+
+Drives& Drives::instance()
+{
+    static SystemDrives system;
+    return g_installed ? *g_installed : system;
+}
+
+void Drives::install(Drives* drives) { g_installed = drives; }

@@ -1,0 +1,80 @@
+#include "StickDays.h"
+
+#include "BackupStick.h"
+#include "Dialogs.h"
+
+#include <QDir>
+#include <QLabel>
+#include <QListWidget>
+
+StickDays::StickDays(const Controls& controls, const QString& choose)
+    : m_ui(controls)
+    , m_choose(choose)
+{
+}
+
+bool StickDays::supported() const
+{
+    if (Drives::instance().supported())
+        return true;
+    m_ui.lblVaihe1->setText(
+        QStringLiteral("Tietokoneesi ei tue %1-muistitikkuvarmistusta.").arg(BackupStick::Label));
+    return false;
+}
+
+void StickDays::clear()
+{
+    m_mountPoint.clear();
+    m_ui.lstPaiva->clear();
+    m_ui.lstTietokanta->clear();
+    for (QWidget* w :
+        std::initializer_list<QWidget*> { m_ui.lblVaihe2, m_ui.lstPaiva, m_ui.lblVaihe3, m_ui.lstTietokanta })
+        w->setEnabled(false);
+}
+
+void StickDays::find()
+{
+    clear();
+    const std::optional<Volume> stick = BackupStick::find();
+    if (!stick) {
+        m_ui.lblVapaaTilaStatus->setText(QStringLiteral("Sopivaa muistitikkua ei löydy."));
+        return;
+    }
+    m_mountPoint = stick->mountPoint;
+    m_ui.lblVapaaTilaStatus->clear();
+    m_ui.lblVaihe2->setText(BackupStick::foundText(QDir::toNativeSeparators(m_mountPoint),
+        QStringLiteral("valitse palautettavan varmuuskopion päivä:")));
+    m_ui.lblVaihe2->setEnabled(true);
+    const QStringList days = BackupStick::days(m_mountPoint);
+    if (days.isEmpty()) {
+        Dialogs::instance().information(QStringLiteral("Muistitikulta ei löydy varmuuskopioita."));
+        return;
+    }
+    m_ui.lstPaiva->addItems(days);
+    m_ui.lstPaiva->setEnabled(true);
+    // The newest day is the one most often wanted.
+    m_ui.lstPaiva->setCurrentRow(0);
+    m_ui.lstPaiva->setFocus();
+}
+
+QString StickDays::day() const
+{
+    const QListWidgetItem* item = m_ui.lstPaiva->currentItem();
+    return item && !m_mountPoint.isEmpty() ? item->text() : QString();
+}
+
+void StickDays::showDay()
+{
+    m_ui.lstTietokanta->clear();
+    const QString chosen = day();
+    if (chosen.isEmpty())
+        return;
+    const QStringList files = BackupStick::files(m_mountPoint, chosen);
+    m_ui.lstTietokanta->addItems(files);
+    m_ui.lstTietokanta->setEnabled(!files.isEmpty());
+    m_ui.lblVaihe3->setEnabled(true);
+    m_ui.lblVaihe3->setText(files.isEmpty()
+            ? QStringLiteral("3. Valitulle päivälle ei löydy tietokantoja.")
+            : QStringLiteral("3. Valitulle päivälle %1 löytyy seuraavat tietokannat, ").arg(chosen)
+                + m_choose);
+}

@@ -1,0 +1,261 @@
+#include "BackupStick.h"
+#include "ScriptedDialogs.h"
+#include "ScriptedDrives.h"
+#include "SystemDrives.h"
+#include "TestEnv.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <unistd.h>
+
+namespace {
+
+bool touch(const QString& file, const QByteArray& bytes = "x")
+{
+    QDir().mkpath(QFileInfo(file).absolutePath());
+    return TestEnv::writeFile(file, bytes);
+}
+
+// Runs a system tool; its error text, or empty on success.
+QString run(const QString& program, const QStringList& arguments)
+{
+    QProcess p;
+    p.start(program, arguments);
+    if (!p.waitForFinished(15000)) {
+        p.kill();
+        p.waitForFinished();
+        return program + QStringLiteral(" did not finish");
+    }
+    if (p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0)
+        return {};
+    return program + QStringLiteral(": ") + QString::fromLocal8Bit(p.readAllStandardError()).trimmed();
+}
+
+} // namespace
+
+class tst_BackupStick : public QObject {
+    Q_OBJECT
+
+private slots:
+    void suitable_data();
+    void suitable();
+    void firstSuitableInOrder();
+    void layoutOfCopies();
+    void daysNewestFirstFilesWithoutLeftovers();
+    void deletingAsksAboutEachFile();
+    void deletingFromAPulledOutStick();
+    void removableFromTheKernel_data();
+    void removableFromTheKernel();
+    void realVolumeOfAnImage();
+};
+
+void tst_BackupStick::suitable_data()
+{
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<bool>("removable");
+    QTest::addColumn<bool>("ready");
+    QTest::addColumn<bool>("suitable");
+    QTest::newRow("upper case") << "KOPIOTIKKU" << true << true << true;
+    QTest::newRow("lower case") << "kopiotikku" << true << true << true;
+    QTest::newRow("mixed case") << "KopioTikku" << true << true << true;
+    QTest::newRow("something added") << "KOPIOTIKKU2" << true << true << false;
+    QTest::newRow("space before") << " KOPIOTIKKU" << true << true << false;
+    QTest::newRow("shorter") << "KOPIOTIKK" << true << true << false;
+    QTest::newRow("no label") << "" << true << true << false;
+    QTest::newRow("fixed disk") << "KOPIOTIKKU" << false << true << false;
+    QTest::newRow("not ready") << "KOPIOTIKKU" << true << false << false;
+}
+
+void tst_BackupStick::suitable()
+{
+    QFETCH(QString, label);
+    QFETCH(bool, removable);
+    QFETCH(bool, ready);
+    QFETCH(bool, suitable);
+    Volume v;
+    v.label = label;
+    v.removable = removable;
+    v.ready = ready;
+    QCOMPARE(BackupStick::suitable(v), suitable);
+    QCOMPARE(BackupStick::find({ v }).has_value(), suitable);
+}
+
+void tst_BackupStick::firstSuitableInOrder()
+{
+    ScriptedDrives drives;
+    drives.add(QStringLiteral("KOPIOTIKKU"), false);
+    drives.add(QStringLiteral("KOPIOTIKKU2"));
+    const QString first = drives.add(QStringLiteral("kopiotikku"));
+    drives.add(QStringLiteral("KOPIOTIKKU"));
+    const std::optional<Volume> found = BackupStick::find();
+    QVERIFY(found);
+    QCOMPARE(found->mountPoint, first);
+    QVERIFY(BackupStick::stillThere(first));
+    drives.pullOut(2);
+    QVERIFY(!BackupStick::stillThere(first));
+}
+
+void tst_BackupStick::layoutOfCopies()
+{
+    QCOMPARE(BackupStick::dayName(QDate(2011, 9, 5)), QStringLiteral("20110905"));
+    QCOMPARE(BackupStick::copyPath(QStringLiteral("/media/u/KOPIOTIKKU"), QStringLiteral("20110905"),
+                 QStringLiteral("seura.mdb")),
+        QStringLiteral("/media/u/KOPIOTIKKU/Vorkam/20110905/seura.mdb"));
+    // A stick mounted at the root of the file system does not double the separator.
+    QCOMPARE(BackupStick::backupFolder(QStringLiteral("/")), QStringLiteral("/Vorkam"));
+    QCOMPARE(BackupStick::foundText(QStringLiteral("/media/u/KOPIOTIKKU"), QStringLiteral("tee kopio.")),
+        QStringLiteral("2. Sopiva muistitikku löytyi (/media/u/KOPIOTIKKU-asema), tee kopio."));
+}
+
+void tst_BackupStick::daysNewestFirstFilesWithoutLeftovers()
+{
+    QTemporaryDir stick;
+    // The backup folder is made when missing, and no days are found in it.
+    QVERIFY(BackupStick::days(stick.path()).isEmpty());
+    QVERIFY(QFileInfo(stick.path() + QStringLiteral("/Vorkam")).isDir());
+
+    const QString folder = stick.path() + QStringLiteral("/Vorkam/");
+    QVERIFY(touch(folder + QStringLiteral("20240105/seura.mdb")));
+    QVERIFY(touch(folder + QStringLiteral("20231231/seura.mdb")));
+    QVERIFY(touch(folder + QStringLiteral("20240312/kuoro.mdb")));
+    QVERIFY(touch(folder + QStringLiteral("20240312/seura.mdb")));
+    // An unfinished copy is hidden and never listed; a foreign file is listed as it is.
+    QVERIFY(touch(folder + QStringLiteral("20240312/.seura.mdb.vorkam-a1b2c3")));
+    QVERIFY(touch(folder + QStringLiteral("20240312/muistio.txt")));
+    // A file beside the day folders is not a day.
+    QVERIFY(touch(folder + QStringLiteral("lueminut.txt")));
+
+    QCOMPARE(BackupStick::days(stick.path()),
+        QStringList({ QStringLiteral("20240312"), QStringLiteral("20240105"), QStringLiteral("20231231") }));
+    QCOMPARE(BackupStick::files(stick.path(), QStringLiteral("20240312")),
+        QStringList(
+            { QStringLiteral("kuoro.mdb"), QStringLiteral("muistio.txt"), QStringLiteral("seura.mdb") }));
+    QVERIFY(BackupStick::files(stick.path(), QStringLiteral("20990101")).isEmpty());
+}
+
+void tst_BackupStick::deletingAsksAboutEachFile()
+{
+    ScriptedDrives drives;
+    const QString stick = drives.add(QStringLiteral("KOPIOTIKKU"));
+    const QString day = QStringLiteral("20240312");
+    for (const char* name : { "a.mdb", "b.mdb", "c.mdb" })
+        QVERIFY(touch(BackupStick::copyPath(stick, day, QString::fromLatin1(name))));
+
+    ScriptedDialogs dialogs;
+    dialogs.answerNo().answerYes();
+    const int deleted
+        = BackupStick::deleteCopies(stick, day, { QStringLiteral("a.mdb"), QStringLiteral("c.mdb") });
+    QCOMPARE(deleted, 1);
+    QCOMPARE(dialogs.transcript(),
+        QStringList({ QStringLiteral("question: Haluatko varmasti poistaa kopion 20240312 / a.mdb?"),
+            QStringLiteral("question: Haluatko varmasti poistaa kopion 20240312 / c.mdb?") }));
+    QCOMPARE(
+        BackupStick::files(stick, day), QStringList({ QStringLiteral("a.mdb"), QStringLiteral("b.mdb") }));
+    QVERIFY(dialogs.failures().isEmpty());
+}
+
+void tst_BackupStick::deletingFromAPulledOutStick()
+{
+    ScriptedDrives drives;
+    const QString stick = drives.add(QStringLiteral("KOPIOTIKKU"));
+    const QString copy = BackupStick::copyPath(stick, QStringLiteral("20240312"), QStringLiteral("a.mdb"));
+    QVERIFY(touch(copy));
+    drives.pullOut(0);
+    ScriptedDialogs dialogs;
+    QCOMPARE(BackupStick::deleteCopies(stick, QStringLiteral("20240312"), { QStringLiteral("a.mdb") }), -1);
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error), QStringList(BackupStick::lostMessage()));
+    QVERIFY(QFileInfo::exists(copy));
+}
+
+void tst_BackupStick::removableFromTheKernel_data()
+{
+    QTest::addColumn<QString>("device");
+    QTest::addColumn<bool>("removable");
+    QTest::newRow("partition of a removable disk") << "/dev/sdx1" << true;
+    QTest::newRow("the removable disk itself") << "/dev/sdx" << true;
+    QTest::newRow("partition of a disk on a USB bus") << "/dev/sdy1" << true;
+    QTest::newRow("partition of a fixed disk") << "/dev/sdz1" << false;
+    QTest::newRow("SD card") << "/dev/mmcblk0p1" << true;
+    QTest::newRow("eMMC") << "/dev/mmcblk1p1" << false;
+    QTest::newRow("unknown device") << "/dev/sdw1" << false;
+    QTest::newRow("not a device") << "tmpfs" << false;
+}
+
+void tst_BackupStick::removableFromTheKernel()
+{
+    QFETCH(QString, device);
+    QFETCH(bool, removable);
+    // The kernel's list: links to device folders; a partition's folder lies in its disk's.
+    QTemporaryDir sys;
+    const QString devices = sys.path() + QStringLiteral("/devices");
+    const QString block = sys.path() + QStringLiteral("/block");
+    QDir().mkpath(block);
+    const auto disk
+        = [&](const QString& path, const QString& name, const QByteArray& flag, const QString& part) {
+              const QString diskDir = devices + path + u'/' + name;
+              touch(diskDir + QStringLiteral("/removable"), flag);
+              QFile::link(diskDir, block + u'/' + name);
+              touch(diskDir + u'/' + part + QStringLiteral("/partition"), "1");
+              QFile::link(diskDir + u'/' + part, block + u'/' + part);
+          };
+    disk(QStringLiteral("/pci0/ata1"), QStringLiteral("sdx"), "1", QStringLiteral("sdx1"));
+    disk(QStringLiteral("/pci0/usb2/2-1"), QStringLiteral("sdy"), "0", QStringLiteral("sdy1"));
+    disk(QStringLiteral("/pci0/ata2"), QStringLiteral("sdz"), "0", QStringLiteral("sdz1"));
+    disk(QStringLiteral("/pci0/mmc0"), QStringLiteral("mmcblk0"), "0", QStringLiteral("mmcblk0p1"));
+    touch(devices + QStringLiteral("/pci0/mmc0/mmcblk0/device/type"), "SD\n");
+    disk(QStringLiteral("/pci0/mmc1"), QStringLiteral("mmcblk1"), "0", QStringLiteral("mmcblk1p1"));
+    touch(devices + QStringLiteral("/pci0/mmc1/mmcblk1/device/type"), "MMC\n");
+
+    const SystemDrives drives(block);
+    QVERIFY(drives.supported());
+    QCOMPARE(drives.removable(device), removable);
+    QVERIFY(!SystemDrives(sys.path() + QStringLiteral("/none")).supported());
+}
+
+void tst_BackupStick::realVolumeOfAnImage()
+{
+    // The system's own list against a real FAT file system: only where images can be mounted.
+    if (::geteuid() != 0)
+        QSKIP("Mounting a disk image needs the administrator's rights.");
+    const QString mkfs = QStandardPaths::findExecutable(QStringLiteral("mkfs.fat"),
+        { QStringLiteral("/usr/sbin"), QStringLiteral("/sbin"), QStringLiteral("/usr/bin") });
+    if (mkfs.isEmpty())
+        QSKIP("mkfs.fat (dosfstools) is not installed.");
+    QTemporaryDir dir;
+    const QString image = dir.path() + QStringLiteral("/tikku.img");
+    const QString mountPoint = dir.path() + QStringLiteral("/KOPIOTIKKU");
+    QVERIFY(QDir().mkpath(mountPoint));
+    QFile file(image);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(4 * 1024 * 1024));
+    file.close();
+    QString failure = run(mkfs, { QStringLiteral("-n"), QStringLiteral("KOPIOTIKKU"), image });
+    if (!failure.isEmpty())
+        QSKIP(qPrintable(QStringLiteral("The image could not be made: ") + failure));
+    failure
+        = run(QStringLiteral("mount"), { QStringLiteral("-o"), QStringLiteral("loop"), image, mountPoint });
+    if (!failure.isEmpty())
+        QSKIP(qPrintable(QStringLiteral("This machine cannot mount a FAT image: ") + failure));
+    const auto unmount = qScopeGuard([&] { run(QStringLiteral("umount"), { mountPoint }); });
+
+    const QList<Volume> volumes = SystemDrives().volumes();
+    const auto it = std::find_if(
+        volumes.begin(), volumes.end(), [&](const Volume& v) { return v.mountPoint == mountPoint; });
+    QVERIFY(it != volumes.end());
+    QCOMPARE(it->label.toUpper(), QStringLiteral("KOPIOTIKKU"));
+    QVERIFY(it->ready);
+    QVERIFY(it->freeBytes > 0 && it->freeBytes < 4 * 1024 * 1024);
+    // A loop device is a disk that cannot be unplugged: the right label on a fixed disk is not
+    // the stick.
+    QVERIFY(!it->removable);
+    QVERIFY(!BackupStick::suitable(*it));
+    for (int i = 1; i < volumes.size(); ++i)
+        QVERIFY(volumes[i - 1].mountPoint <= volumes[i].mountPoint);
+}
+
+QTEST_GUILESS_MAIN(tst_BackupStick)
+#include "tst_BackupStick.moc"

@@ -1,0 +1,364 @@
+#include "BackupStick.h"
+#include "BackupTestSupport.h"
+#include "DBC.h"
+#include "ProgramSettings.h"
+#include "ScriptedDialogs.h"
+#include "ScriptedDrives.h"
+#include "TestEnv.h"
+#include "frmBackup.h"
+#include "frmBackupManagement.h"
+#include "frmBackupRestore.h"
+#include "frmMain.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+namespace {
+
+const QString NotFoundHelp = QStringLiteral(
+    "information: Sopivaa muistitikkua ei löydy.\n\nTutustu ohjelman käyttöohjeesta kappaleeseen \"Varmistus "
+    "kopiotikulle\".\nSieltä löytyy ohjeet miten muistitikulle annetaan nimeksi \"KOPIOTIKKU\".");
+
+template <typename T = QWidget> T* child(const QWidget& w, const char* name)
+{
+    T* found = w.findChild<T*>(QString::fromLatin1(name));
+    if (!found)
+        qFatal("no control %s", name);
+    return found;
+}
+
+QString text(const QWidget& w, const char* name) { return child<QLabel>(w, name)->text(); }
+bool enabled(const QWidget& w, const char* name) { return child(w, name)->isEnabled(); }
+void click(const QWidget& w, const char* name)
+{
+    QPushButton* button = child<QPushButton>(w, name);
+    QVERIFY2(button->isEnabled(), name);
+    button->click();
+}
+
+// Which of the numbered steps and their buttons can be used, as "1E" for step 1 and its button.
+QStringList usable(const QWidget& w)
+{
+    QStringList steps;
+    const std::pair<const char*, const char*> rows[]
+        = { { "lblVaihe1", "cEtsiMuistitikku" }, { "lblVaihe2", "cKopioi" }, { "lblVaihe3", nullptr },
+              { "lblVaihe4", "cTiivista" }, { "lblVaihe5", nullptr } };
+    for (int i = 0; i < 5; ++i) {
+        if (enabled(w, rows[i].first))
+            steps.append(QString::number(i + 1));
+        if (rows[i].second && enabled(w, rows[i].second))
+            steps.append(QString::number(i + 1) + u'B');
+    }
+    return steps;
+}
+
+QStringList items(const QListWidget* list)
+{
+    QStringList names;
+    for (int i = 0; i < list->count(); ++i)
+        names.append(list->item(i)->text());
+    return names;
+}
+
+// A stick with copies of two days.
+struct StickWithCopies {
+    TestEnv env;
+    ScriptedDrives drives;
+    QString stick = drives.add(QStringLiteral("KOPIOTIKKU"));
+    StickWithCopies()
+    {
+        for (const char* copy :
+            { "20240105/seura.mdb", "20240312/kuoro.mdb", "20240312/seura.mdb", "20240312/tilit.mdb" }) {
+            const QString file = BackupStick::backupFolder(stick) + u'/' + QString::fromLatin1(copy);
+            QDir().mkpath(QFileInfo(file).absolutePath());
+            QVERIFY(TestEnv::createDatabase(file));
+        }
+    }
+    QString copy(const char* day, const char* name) const
+    {
+        return BackupStick::copyPath(stick, QString::fromLatin1(day), QString::fromLatin1(name));
+    }
+};
+
+} // namespace
+
+class tst_BackupWindows : public QObject {
+    Q_OBJECT
+
+private slots:
+    void backupStepsOneAfterAnother();
+    void backupFindsNoStick_data();
+    void backupFindsNoStick();
+    void backupRefusesAFullStick();
+    void backupOfMissingBooks();
+    void backupOnAComputerWithoutSticks();
+    void backupAfterTheStickIsPulledOut();
+    void managementWithoutCopies();
+    void managementDeletesEachAfterItsQuestion();
+    void restoreChoosesDayAndCopy();
+    void restoreAnsweredNo();
+    void restoreFromMainWindowEndsTheProgram();
+};
+
+void tst_BackupWindows::backupStepsOneAfterAnother()
+{
+    TestEnv env;
+    ScriptedDrives drives;
+    drives.add(QStringLiteral("DATA"));
+    const QString stick = drives.add(QStringLiteral("kopiotikku"));
+    const QString books = env.path(QStringLiteral("kirjat/seura.mdb"));
+    QVERIFY(openBooks(books));
+    QVERIFY(writeMark(QStringLiteral("tänään")));
+    ScriptedDialogs dialogs;
+    frmBackup w(books);
+    w.backup().today = QDate(2024, 3, 12);
+    QCOMPARE(text(w, "lblKopioitavaTiedostoNimi"), books);
+    QCOMPARE(usable(w), QStringList({ "1", "1B" }));
+
+    click(w, "cEtsiMuistitikku");
+    QCOMPARE(text(w, "lblVaihe2"),
+        QStringLiteral("2. Sopiva muistitikku löytyi (") + stick + QStringLiteral("-asema), tee kopio."));
+    QCOMPARE(usable(w), QStringList({ "2", "2B" }));
+
+    click(w, "cKopioi");
+    QCOMPARE(text(w, "lblVaihe3"), QStringLiteral("3. Kopiointi valmis."));
+    QCOMPARE(usable(w), QStringList({ "3", "4", "4B" }));
+    const QString copy = stick + QStringLiteral("/Vorkam/20240312/seura.mdb");
+    QCOMPARE(TestEnv::readFile(copy), TestEnv::readFile(books));
+
+    click(w, "cTiivista");
+    QVERIFY(text(w, "lblVaihe5").startsWith(QStringLiteral("5. Tiivistys onnistui.")));
+    QCOMPARE(usable(w), QStringList({ "5" }));
+    QCOMPARE(marksIn(books), QStringList(QStringLiteral("tänään")));
+    QVERIFY(dialogs.shown().isEmpty());
+    QVERIFY(enabled(w, "cSulje"));
+}
+
+void tst_BackupWindows::backupFindsNoStick_data()
+{
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<bool>("removable");
+    QTest::newRow("no stick at all") << QString() << true;
+    QTest::newRow("label with something added") << "KOPIOTIKKU2" << true;
+    QTest::newRow("right label on a fixed disk") << "KOPIOTIKKU" << false;
+}
+
+void tst_BackupWindows::backupFindsNoStick()
+{
+    QFETCH(QString, label);
+    QFETCH(bool, removable);
+    TestEnv env;
+    ScriptedDrives drives;
+    if (!label.isEmpty())
+        drives.add(label, removable);
+    const QString books = env.path(QStringLiteral("seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(books));
+    ScriptedDialogs dialogs;
+    frmBackup w(books);
+    click(w, "cEtsiMuistitikku");
+    QCOMPARE(text(w, "lblVapaaTilaStatus"), QStringLiteral("Sopivaa muistitikkua ei löydy."));
+    QCOMPARE(dialogs.transcript(), QStringList(NotFoundHelp));
+    QCOMPARE(usable(w), QStringList({ "1", "1B" }));
+}
+
+void tst_BackupWindows::backupRefusesAFullStick()
+{
+    TestEnv env;
+    ScriptedDrives drives;
+    const QString books = env.path(QStringLiteral("seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(books));
+    drives.add(QStringLiteral("KOPIOTIKKU"), true, QFileInfo(books).size());
+    ScriptedDialogs dialogs;
+    frmBackup w(books);
+    click(w, "cEtsiMuistitikku");
+    QCOMPARE(text(w, "lblVapaaTilaStatus"), QStringLiteral("Muistitikun vapaa tila ei riitä."));
+    QCOMPARE(usable(w), QStringList({ "1", "1B" }));
+    QVERIFY(dialogs.shown().isEmpty());
+}
+
+void tst_BackupWindows::backupOfMissingBooks()
+{
+    TestEnv env;
+    ScriptedDrives drives;
+    ScriptedDialogs dialogs;
+    frmBackup w(env.path(QStringLiteral("poissa.mdb")));
+    QCOMPARE(text(w, "lblKopioitavaTiedostoNimi"), QStringLiteral("-"));
+    QCOMPARE(
+        dialogs.transcript(), QStringList(QStringLiteral("information: Kopioitavaa tiedostoa ei löydy.")));
+}
+
+void tst_BackupWindows::backupOnAComputerWithoutSticks()
+{
+    TestEnv env;
+    ScriptedDrives drives;
+    drives.m_supported = false;
+    ScriptedDialogs dialogs;
+    const frmBackup backup(env.path(QStringLiteral("seura.mdb")));
+    const frmBackupManagement management;
+    const frmBackupRestore restore;
+    const QString unsupported = QStringLiteral("Tietokoneesi ei tue KOPIOTIKKU-muistitikkuvarmistusta.");
+    for (const QWidget* w : std::initializer_list<const QWidget*> { &backup, &management, &restore }) {
+        QCOMPARE(text(*w, "lblVaihe1"), unsupported);
+        QVERIFY(!enabled(*w, "cEtsiMuistitikku"));
+    }
+    QCOMPARE(text(backup, "lblKopioitavaTiedostoNimi"), QStringLiteral("-"));
+    QVERIFY(dialogs.shown().isEmpty());
+}
+
+void tst_BackupWindows::backupAfterTheStickIsPulledOut()
+{
+    TestEnv env;
+    ScriptedDrives drives;
+    const QString stick = drives.add(QStringLiteral("KOPIOTIKKU"));
+    const QString books = env.path(QStringLiteral("kirjat/seura.mdb"));
+    QVERIFY(openBooks(books));
+    ScriptedDialogs dialogs;
+    frmBackup w(books);
+    click(w, "cEtsiMuistitikku");
+    drives.pullOut(0);
+    click(w, "cKopioi");
+    QCOMPARE(dialogs.transcript(), QStringList(QStringLiteral("error: ") + BackupStick::lostMessage()));
+    QCOMPARE(usable(w), QStringList({ "1", "1B" }));
+    // The empty folder the stick left behind got no copy.
+    QVERIFY(QDir(stick).isEmpty());
+}
+
+void tst_BackupWindows::managementWithoutCopies()
+{
+    TestEnv env;
+    ScriptedDrives drives;
+    const QString stick = drives.add(QStringLiteral("KOPIOTIKKU"));
+    ScriptedDialogs dialogs;
+    frmBackupManagement w;
+    click(w, "cEtsiMuistitikku");
+    QCOMPARE(text(w, "lblVaihe2"),
+        QStringLiteral("2. Sopiva muistitikku löytyi (") + stick
+            + QStringLiteral("-asema), valitse palautettavan varmuuskopion päivä:"));
+    QCOMPARE(dialogs.transcript(),
+        QStringList(QStringLiteral("information: Muistitikulta ei löydy varmuuskopioita.")));
+    QCOMPARE(child<QListWidget>(w, "lstPaiva")->count(), 0);
+    QVERIFY(!enabled(w, "cPoistaValitut"));
+
+    // A day folder without copies.
+    QVERIFY(QDir().mkpath(BackupStick::dayFolder(stick, QStringLiteral("20240312"))));
+    dialogs.clear();
+    click(w, "cEtsiMuistitikku");
+    QCOMPARE(text(w, "lblVaihe3"), QStringLiteral("3. Valitulle päivälle ei löydy tietokantoja."));
+    QVERIFY(dialogs.shown().isEmpty());
+}
+
+void tst_BackupWindows::managementDeletesEachAfterItsQuestion()
+{
+    StickWithCopies s;
+    ScriptedDialogs dialogs;
+    frmBackupManagement w;
+    click(w, "cEtsiMuistitikku");
+    QListWidget* days = child<QListWidget>(w, "lstPaiva");
+    QListWidget* files = child<QListWidget>(w, "lstTietokanta");
+    QCOMPARE(items(days), QStringList({ "20240312", "20240105" }));
+    QCOMPARE(days->currentRow(), 0);
+    QCOMPARE(text(w, "lblVaihe3"),
+        QStringLiteral("3. Valitulle päivälle 20240312 löytyy seuraavat tietokannat, valitse poistettavien "
+                       "tietokantojen nimet:"));
+    QCOMPARE(items(files), QStringList({ "kuoro.mdb", "seura.mdb", "tilit.mdb" }));
+    QVERIFY(!enabled(w, "cPoistaValitut"));
+
+    // Chosen from the bottom up; asked in list order; No to the first still asks the second.
+    files->item(2)->setSelected(true);
+    files->item(0)->setSelected(true);
+    dialogs.answerNo().answerYes();
+    click(w, "cPoistaValitut");
+    QCOMPARE(dialogs.transcript(),
+        QStringList({ QStringLiteral("question: Haluatko varmasti poistaa kopion 20240312 / kuoro.mdb?"),
+            QStringLiteral("question: Haluatko varmasti poistaa kopion 20240312 / tilit.mdb?") }));
+    QCOMPARE(items(files), QStringList({ "kuoro.mdb", "seura.mdb" }));
+    QVERIFY(!QFileInfo::exists(s.copy("20240312", "tilit.mdb")));
+    QVERIFY(QFileInfo::exists(s.copy("20240105", "seura.mdb")));
+
+    days->setCurrentRow(1);
+    QCOMPARE(items(files), QStringList({ "seura.mdb" }));
+    QVERIFY(dialogs.failures().isEmpty());
+}
+
+void tst_BackupWindows::restoreChoosesDayAndCopy()
+{
+    StickWithCopies s;
+    ScriptedDialogs dialogs;
+    frmBackupRestore w;
+    click(w, "cEtsiMuistitikku");
+    QListWidget* days = child<QListWidget>(w, "lstPaiva");
+    QListWidget* files = child<QListWidget>(w, "lstTietokanta");
+    days->setCurrentRow(1);
+    QCOMPARE(text(w, "lblVaihe3"),
+        QStringLiteral("3. Valitulle päivälle 20240105 löytyy seuraavat tietokannat, valitse palautettavan "
+                       "tietokannan nimi:"));
+    QVERIFY(!enabled(w, "cPalauta"));
+    files->setCurrentRow(0);
+    const QString target = s.env.path(QStringLiteral("data/seura.mdb"));
+    QCOMPARE(text(w, "lblPalautettavaTiedostoNimi"), target);
+    click(w, "cPalauta");
+    QVERIFY(w.restored());
+    QCOMPARE(w.result(), int(QDialog::Accepted));
+    QCOMPARE(TestEnv::readFile(target), TestEnv::readFile(s.copy("20240105", "seura.mdb")));
+    QCOMPARE(ProgramSettings::installation().Database, target);
+    QCOMPARE(dialogs.transcript(),
+        QStringList(QStringLiteral(
+            "information: Tietokantaa on vaihdettu. Vorkam sammutetaan ja se tulee käynnistää uudestaan.")));
+}
+
+void tst_BackupWindows::restoreAnsweredNo()
+{
+    StickWithCopies s;
+    const QString target = s.env.path(QStringLiteral("data/seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(target));
+    const QByteArray before = TestEnv::readFile(target);
+    ScriptedDialogs dialogs;
+    frmBackupRestore w;
+    click(w, "cEtsiMuistitikku");
+    child<QListWidget>(w, "lstTietokanta")->setCurrentRow(1);
+    dialogs.answerNo();
+    click(w, "cPalauta");
+    QVERIFY(!w.restored());
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Information),
+        QStringList(QStringLiteral("Palautus keskeytyi.")));
+    QCOMPARE(TestEnv::readFile(target), before);
+    // Another copy may still be chosen.
+    QVERIFY(enabled(w, "cPalauta"));
+    QVERIFY(dialogs.failures().isEmpty());
+}
+
+void tst_BackupWindows::restoreFromMainWindowEndsTheProgram()
+{
+    StickWithCopies s;
+    const QString books = s.env.path(QStringLiteral("kerho.mdb"));
+    QVERIFY(TestEnv::createDatabase(books));
+    s.env.writeIni("[VORKAM]\nDatabase=" + books.toUtf8() + "\n");
+    ScriptedDialogs dialogs;
+    frmMain main;
+    main.startUp();
+    QVERIFY(DBC::instance().AvaaDB().isOpen());
+    bool driven = false;
+    QTimer::singleShot(0, this, [&] {
+        auto* w = qobject_cast<frmBackupRestore*>(QApplication::activeModalWidget());
+        QVERIFY(w);
+        click(*w, "cEtsiMuistitikku");
+        child<QListWidget>(*w, "lstTietokanta")->setCurrentRow(0);
+        click(*w, "cPalauta");
+        driven = true;
+    });
+    main.findChild<QAction*>(QStringLiteral("mKopiotikkuPalautus"))->trigger();
+    QVERIFY(driven);
+    QCOMPARE(s.env.programEnds(), 1);
+    QVERIFY(!DBC::instance().isOpen());
+    const QString target = s.env.path(QStringLiteral("data/kuoro.mdb"));
+    QCOMPARE(TestEnv::readFile(target), TestEnv::readFile(s.copy("20240312", "kuoro.mdb")));
+    QVERIFY(s.env.readIni().contains(QStringLiteral("Database=") + target));
+}
+
+QTEST_MAIN(tst_BackupWindows)
+#include "tst_BackupWindows.moc"

@@ -63,7 +63,8 @@ QString usage()
         "                      [--kind normal|opening|closing] (--pdf TIEDOSTO | --csv TIEDOSTO | --xlsx "
         "TIEDOSTO)\n"
         "       vorkam_report VANHA.mdb muunna  (muuntaa vanhan Jet-tietokannan Vorkamin muotoon)\n"
-        "       vorkam_report KIRJANPITO.mdb tarkistus  (tositteiden tarkistus; paluuarvo 1, kun puutteita on)\n"
+        "       vorkam_report KIRJANPITO.mdb tarkistus  (tositteiden tarkistus; paluuarvo 1, kun puutteita "
+        "on)\n"
         "Raportit:\n");
     for (const ReportCatalog::Entry& e : ReportCatalog::entries())
         text += QStringLiteral("  %1  %2\n").arg(e.name, -10).arg(e.description);

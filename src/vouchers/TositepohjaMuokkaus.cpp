@@ -75,7 +75,8 @@ void TositepohjaMuokkaus::nayta(std::unique_ptr<cTositePohja> pohja)
 
 void TositepohjaMuokkaus::taydenna()
 {
-    const size_t rivit = std::max({ m_debet.size(), m_kredit.size(), size_t(TositeMuokkaus::VahimmaisRivit) });
+    const size_t rivit
+        = std::max({ m_debet.size(), m_kredit.size(), size_t(TositeMuokkaus::VahimmaisRivit) });
     for (Puoli puoli : { Puoli::Debet, Puoli::Kredit }) {
         auto& side = puoli_(puoli);
         while (side.size() < rivit) {
@@ -243,8 +244,8 @@ bool TositepohjaMuokkaus::sulje()
         return true;
     if (m_virhePaikka)
         return false;
-    if (!Dialogs::instance().question(QStringLiteral(
-            "Tositepohjaa ei voitu tallentaa. Suljetaanko ikkuna silti? Tallentamattomat muutokset menetetään.")))
+    if (!Dialogs::instance().question(QStringLiteral("Tositepohjaa ei voitu tallentaa. Suljetaanko ikkuna "
+                                                     "silti? Tallentamattomat muutokset menetetään.")))
         return false;
     m_pohja->setIsEmpty(true);
     for (auto* side : { &m_debet, &m_kredit })

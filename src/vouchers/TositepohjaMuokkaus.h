@@ -66,7 +66,8 @@ public:
         std::vector<TositeMuokkaus::Malli> viennit;
         bool tiliPuuttuu = false;
     };
-    static std::optional<Tosite> tositteeksi(const QSqlDatabase& db, const VoucherAccounts& tilit, qint32 tpId);
+    static std::optional<Tosite> tositteeksi(
+        const QSqlDatabase& db, const VoucherAccounts& tilit, qint32 tpId);
 
 signals:
     // Another template (or the same one, refilled) is on screen.
@@ -76,7 +77,10 @@ signals:
 
 private:
     cTositePohja::Viennit& puoli_(Puoli puoli) { return puoli == Puoli::Debet ? m_debet : m_kredit; }
-    const cTositePohja::Viennit& puoli_(Puoli puoli) const { return puoli == Puoli::Debet ? m_debet : m_kredit; }
+    const cTositePohja::Viennit& puoli_(Puoli puoli) const
+    {
+        return puoli == Puoli::Debet ? m_debet : m_kredit;
+    }
     void nayta(std::unique_ptr<cTositePohja> pohja);
     void taydenna();
     bool muuttunut() const;

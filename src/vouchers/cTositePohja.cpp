@@ -6,9 +6,15 @@
 
 cTositePohja::~cTositePohja() { saveOnRelease(); }
 
-QString cTositePohja::releaseFailure() const { return QStringLiteral("Tositepohjan tallentaminen ei onnistunut."); }
+QString cTositePohja::releaseFailure() const
+{
+    return QStringLiteral("Tositepohjan tallentaminen ei onnistunut.");
+}
 
-void cTositePohja::setNimi(const QString& nimi) { assign(m_v.nimi, RecordText::cut(nimi, RecordText::NameLength)); }
+void cTositePohja::setNimi(const QString& nimi)
+{
+    assign(m_v.nimi, RecordText::cut(nimi, RecordText::NameLength));
+}
 
 void cTositePohja::setSelite(const QString& selite)
 {
@@ -17,7 +23,10 @@ void cTositePohja::setSelite(const QString& selite)
 
 namespace {
 
-QVariant pikavalintaValue(int numero) { return numero > 0 ? QVariant(numero) : QVariant(QMetaType(QMetaType::Int)); }
+QVariant pikavalintaValue(int numero)
+{
+    return numero > 0 ? QVariant(numero) : QVariant(QMetaType(QMetaType::Int));
+}
 
 } // namespace
 
@@ -37,16 +46,19 @@ std::optional<TositePohjaValues> cTositePohja::selectRow(qint32 id) const
 
 qint32 cTositePohja::insertRow()
 {
-    QSqlQuery q = Sql::run(database(), QStringLiteral("INSERT INTO tpPohjat (Nimi, Selite, Pikavalinta) VALUES (?, ?, ?)"),
-        { RecordText::blankIfEmpty(m_v.nimi), RecordText::blankIfEmpty(m_v.selite), pikavalintaValue(m_v.pikavalinta) });
+    QSqlQuery q = Sql::run(database(),
+        QStringLiteral("INSERT INTO tpPohjat (Nimi, Selite, Pikavalinta) VALUES (?, ?, ?)"),
+        { RecordText::blankIfEmpty(m_v.nimi), RecordText::blankIfEmpty(m_v.selite),
+            pikavalintaValue(m_v.pikavalinta) });
     return q.lastInsertId().toInt();
 }
 
 void cTositePohja::updateRow()
 {
-    Sql::run(database(), QStringLiteral("UPDATE tpPohjat SET Nimi = ?, Selite = ?, Pikavalinta = ? WHERE tpID = ?"),
-        { RecordText::blankIfEmpty(m_v.nimi), RecordText::blankIfEmpty(m_v.selite), pikavalintaValue(m_v.pikavalinta),
-            key() });
+    Sql::run(database(),
+        QStringLiteral("UPDATE tpPohjat SET Nimi = ?, Selite = ?, Pikavalinta = ? WHERE tpID = ?"),
+        { RecordText::blankIfEmpty(m_v.nimi), RecordText::blankIfEmpty(m_v.selite),
+            pikavalintaValue(m_v.pikavalinta), key() });
 }
 
 void cTositePohja::deleteRow()

@@ -48,9 +48,10 @@ void cTositeTarkistus::poistaOrvot() const
 {
     Transaction t(m_db);
     Sql::run(m_db,
-        QStringLiteral("DELETE FROM vi WHERE NOT EXISTS (SELECT * FROM \"to\" WHERE vi.vitoID = \"to\".toID)"));
-    Sql::run(
-        m_db, QStringLiteral("DELETE FROM viE WHERE NOT EXISTS (SELECT * FROM toE WHERE viE.viEtoID = toE.toEID)"));
+        QStringLiteral(
+            "DELETE FROM vi WHERE NOT EXISTS (SELECT * FROM \"to\" WHERE vi.vitoID = \"to\".toID)"));
+    Sql::run(m_db,
+        QStringLiteral("DELETE FROM viE WHERE NOT EXISTS (SELECT * FROM toE WHERE viE.viEtoID = toE.toEID)"));
     t.commitOrThrow();
 }
 
@@ -71,10 +72,11 @@ void cTositeTarkistus::saldot(std::vector<cTositeTarkistusVirhe>& virheet) const
 {
     // Money is stored as whole ten-thousandths, so the sums are exact.
     QSqlQuery q = Sql::run(m_db,
-        QStringLiteral("SELECT %1 FROM \"to\" t JOIN (SELECT vitoID, "
-                       "SUM(CASE WHEN viTyyppi = 'D' THEN viArvo ELSE 0 END) AS d, "
-                       "SUM(CASE WHEN viTyyppi = 'K' THEN viArvo ELSE 0 END) AS k "
-                       "FROM vi GROUP BY vitoID) s ON s.vitoID = t.toID WHERE %2 AND s.d <> s.k ORDER BY t.toID")
+        QStringLiteral(
+            "SELECT %1 FROM \"to\" t JOIN (SELECT vitoID, "
+            "SUM(CASE WHEN viTyyppi = 'D' THEN viArvo ELSE 0 END) AS d, "
+            "SUM(CASE WHEN viTyyppi = 'K' THEN viArvo ELSE 0 END) AS k "
+            "FROM vi GROUP BY vitoID) s ON s.vitoID = t.toID WHERE %2 AND s.d <> s.k ORDER BY t.toID")
             .arg(VoucherColumns, Checked));
     while (q.next())
         virheet.push_back(finding(q, QStringLiteral("Tositteen no: %1 debet ja kredit saldo ei täsmää.")));

@@ -34,9 +34,13 @@ qint32 cVientiPohja::insertRow()
 void cVientiPohja::updateRow()
 {
     Sql::run(database(),
-        QStringLiteral("UPDATE vipPohjat SET viptlID = ?, viptpID = ?, vipTyyppi = ?, vipArvo = ? WHERE vipID = ?"),
+        QStringLiteral(
+            "UPDATE vipPohjat SET viptlID = ?, viptpID = ?, vipTyyppi = ?, vipArvo = ? WHERE vipID = ?"),
         { m_v.tlId, m_v.tpId, m_v.tyyppi, m_v.arvo.raw(), key() });
 }
 
 // The pattern goes by its own key; a template's delete takes all of its patterns at once.
-void cVientiPohja::deleteRow() { Sql::run(database(), QStringLiteral("DELETE FROM vipPohjat WHERE vipID = ?"), { key() }); }
+void cVientiPohja::deleteRow()
+{
+    Sql::run(database(), QStringLiteral("DELETE FROM vipPohjat WHERE vipID = ?"), { key() });
+}

@@ -6,9 +6,9 @@
 #include "Dates.h"
 #include "EnterAsTab.h"
 #include "TositeListModel.h"
+#include "TositepohjaMuokkaus.h"
 #include "VientiDelegate.h"
 #include "VientiModel.h"
-#include "TositepohjaMuokkaus.h"
 #include "cTositeTarkistus.h"
 #include "frmTilienSaldot.h"
 #include "frmTositeHaku.h"
@@ -112,7 +112,11 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     connectCommand(ui->cViimeinen, ui->mViimeiseen, this, &frmNewTositteet::Viimeinen);
     connectCommand(ui->cLisaaVienteja, nullptr, this, &frmNewTositteet::LisaaVienteja);
     connectCommand(ui->cSelaa, ui->mSelaa, this, &frmNewTositteet::Selaa);
-    connectCommand(ui->cSulje, ui->mSulje, this, [this] { close(); });
+    connectCommand(ui->cSulje, ui->mSulje, this, [this] {
+        m_kayttajaSulkee = true;
+        close();
+        m_kayttajaSulkee = false;
+    });
     connectCommand(ui->cHaku, ui->mHaku, this, &frmNewTositteet::Haku);
     connectCommand(nullptr, ui->mTositteidenTarkistus, this, &frmNewTositteet::TositteidenTarkistus);
     connectCommand(nullptr, ui->mMuokkaaTositepohjia, this, &frmNewTositteet::Tositepohjat);
@@ -343,9 +347,10 @@ bool frmNewTositteet::eventFilter(QObject* watched, QEvent* event)
 void frmNewTositteet::closeEvent(QCloseEvent* event)
 {
     sulkeEditori(true);
-    // Leaving the vouchers is the moment to hear of faults in them; the window stays open when
-    // the user wants to see them.
-    if (!m_muokkaus->vainLuku()) {
+    // The user leaving the vouchers is the moment to hear of faults in them; the window stays
+    // open when the user wants to see them. Closing on the program's behalf (its end, a
+    // maintenance command) asks nothing.
+    if (!m_muokkaus->vainLuku() && (m_kayttajaSulkee || event->spontaneous())) {
         if (!m_muokkaus->tallenna()) {
             naytaVirhePaikka();
             event->ignore();
@@ -491,8 +496,9 @@ void frmNewTositteet::UusiPohjasta(qint32 tpId)
 {
     sulkeEditori(true);
     std::optional<TositepohjaMuokkaus::Tosite> tosite;
-    if (!tellIfFails(QStringLiteral("Tositepohjaa ei voitu lukea."),
-            [&] { tosite = TositepohjaMuokkaus::tositteeksi(m_muokkaus->database(), m_muokkaus->tilit(), tpId); }))
+    if (!tellIfFails(QStringLiteral("Tositepohjaa ei voitu lukea."), [&] {
+            tosite = TositepohjaMuokkaus::tositteeksi(m_muokkaus->database(), m_muokkaus->tilit(), tpId);
+        }))
         return;
     if (!tosite) {
         Dialogs::instance().beep();

@@ -82,6 +82,7 @@ private:
     QPointer<frmTositeTarkistusVirheet> m_tarkistus;
     QPointer<frmTositepohja> m_pohjat;
     QList<QAction*> m_pikavalinnat;
+    bool m_kayttajaSulkee = false;
     std::unique_ptr<TositeMuokkaus> m_muokkaus;
     VientiModel* m_model = nullptr;
     TositeListModel* m_list = nullptr;

@@ -19,7 +19,8 @@ frmTositeTarkistusVirheet::frmTositeTarkistusVirheet(const QSqlDatabase& db, boo
     setObjectName(QStringLiteral("frmTositeTarkistusVirheet"));
     setWindowTitle(QStringLiteral("Tositteiden tarkistus"));
     auto* layout = new QVBoxLayout(this);
-    auto* otsikko = new QLabel(QStringLiteral("&Havaitut puutteet (avaa tosite kaksoisnapsautuksella tai Enterillä):"), this);
+    auto* otsikko = new QLabel(
+        QStringLiteral("&Havaitut puutteet (avaa tosite kaksoisnapsautuksella tai Enterillä):"), this);
     layout->addWidget(otsikko);
     m_lista = new QListWidget(this);
     m_lista->setObjectName(QStringLiteral("lstVirheet"));

@@ -59,7 +59,7 @@ public:
             return {};
         const auto puoli = VientiModel::side(index.column());
         return VientiModel::isAccountColumn(index.column()) ? m_muokkaus.tiliTeksti(puoli, index.row())
-                                                             : m_muokkaus.arvoTeksti(puoli, index.row());
+                                                            : m_muokkaus.arvoTeksti(puoli, index.row());
     }
     bool setData(const QModelIndex& index, const QVariant& value, int role) override
     {
@@ -115,8 +115,8 @@ frmTositepohja::frmTositepohja(const QSqlDatabase& db, QWidget* parent)
     m_selite->setMaxLength(255);
     m_pikavalinta = new QComboBox(this);
     m_pikavalinta->setObjectName(QStringLiteral("cmbPikavalinta"));
-    m_pikavalinta->addItems({ QStringLiteral("-"), QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"),
-        QStringLiteral("4") });
+    m_pikavalinta->addItems({ QStringLiteral("-"), QStringLiteral("1"), QStringLiteral("2"),
+        QStringLiteral("3"), QStringLiteral("4") });
     kentat->addRow(QStringLiteral("&Nimi:"), m_nimi);
     kentat->addRow(QStringLiteral("S&elite:"), m_selite);
     kentat->addRow(QStringLiteral("&Pikavalinta:"), m_pikavalinta);
@@ -198,7 +198,8 @@ void frmTositepohja::taytaLuettelo()
     const QSignalBlocker block(m_lista);
     m_lista->clear();
     for (const cTositePohjat::Rivi& r : m_muokkaus->luettelo()) {
-        auto* item = new QListWidgetItem(r.nimi.trimmed().isEmpty() ? QStringLiteral("(nimetön)") : r.nimi, m_lista);
+        auto* item
+            = new QListWidgetItem(r.nimi.trimmed().isEmpty() ? QStringLiteral("(nimetön)") : r.nimi, m_lista);
         item->setData(Qt::UserRole, r.tpId);
         if (r.tpId == m_muokkaus->pohja().tpID())
             m_lista->setCurrentItem(item);

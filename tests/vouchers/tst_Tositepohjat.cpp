@@ -19,7 +19,8 @@ class tst_Tositepohjat : public QObject {
     std::unique_ptr<ScriptedDialogs> dialogs;
     int pankki = 0, vuokra = 0, kassa = 0;
 
-    int addPohja(const QString& nimi, const QVariant& pikavalinta, const QString& selite = QStringLiteral("Vuokra"))
+    int addPohja(
+        const QString& nimi, const QVariant& pikavalinta, const QString& selite = QStringLiteral("Vuokra"))
     {
         f->exec(QStringLiteral("INSERT INTO tpPohjat (Nimi, Selite, Pikavalinta) VALUES (?, ?, ?)"),
             { nimi, selite, pikavalinta });
@@ -27,7 +28,8 @@ class tst_Tositepohjat : public QObject {
     }
     void addRivi(int tpId, int tlId, const QString& tyyppi, qint64 raw)
     {
-        f->exec(QStringLiteral("INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, ?, ?)"),
+        f->exec(QStringLiteral(
+                    "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, ?, ?)"),
             { tpId, tlId, tyyppi, raw });
     }
 
@@ -126,8 +128,9 @@ private slots:
         QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information).last(),
             QStringLiteral("Valitse tili, jolle vienti tehdään."));
         QCOMPARE(f->count(QStringLiteral("vipPohjat")), 2);
-        QCOMPARE(f->value(QStringLiteral("SELECT SUM(vipArvo) FROM vipPohjat WHERE vipTyyppi = 'K' AND viptlID = ?"),
-                     { pankki })
+        QCOMPARE(f->value(QStringLiteral(
+                              "SELECT SUM(vipArvo) FROM vipPohjat WHERE vipTyyppi = 'K' AND viptlID = ?"),
+                      { pankki })
                      .toLongLong(),
             4505000);
         // Clearing a row takes its pattern out.

@@ -63,8 +63,9 @@ private slots:
         QFETCH(bool, finding);
         const int id = balanced(5);
         QVERIFY(f->exec(QStringLiteral("UPDATE \"to\" SET toPvm = ? WHERE toID = ?"), { pvm, id }));
-        QCOMPARE(lines(), finding ? QStringList { QStringLiteral("Tositteen no: 5 päivä ei kuulu tilikauteen.") }
-                                  : QStringList());
+        QCOMPARE(lines(),
+            finding ? QStringList { QStringLiteral("Tositteen no: 5 päivä ei kuulu tilikauteen.") }
+                    : QStringList());
     }
 
     void balanceUsesExactSums_data()
@@ -99,7 +100,8 @@ private slots:
         balanced(1);
         const int id = balanced(3);
         const int poistuva = f->addTili(4000, QStringLiteral("Poistuva"));
-        QVERIFY(f->exec(QStringLiteral("UPDATE vi SET vitlID = ? WHERE vitoID = ? AND viTyyppi = 'K'"), { poistuva, id }));
+        QVERIFY(f->exec(QStringLiteral("UPDATE vi SET vitlID = ? WHERE vitoID = ? AND viTyyppi = 'K'"),
+            { poistuva, id }));
         QVERIFY(f->exec(QStringLiteral("DELETE FROM tl WHERE tlID = ?"), { poistuva }));
         QCOMPARE(lines(), QStringList { QStringLiteral("Jokin tilivalinta puuttuu tositteelta no: 3.") });
     }
@@ -110,7 +112,8 @@ private slots:
         const int gone = balanced(2);
         QVERIFY(f->exec(QStringLiteral("DELETE FROM \"to\" WHERE toID = ?"), { gone }));
         // The previous year's orphans go as well.
-        QVERIFY(f->exec(QStringLiteral("INSERT INTO viE (viEtoID, viEtlID, viETyyppi, viEArvo) VALUES (77, ?, 'D', 5)"),
+        QVERIFY(f->exec(
+            QStringLiteral("INSERT INTO viE (viEtoID, viEtlID, viETyyppi, viEArvo) VALUES (77, ?, 'D', 5)"),
             { pankki }));
         QCOMPARE(f->count(QStringLiteral("vi")), 4);
         QCOMPARE(lines(false), QStringList());
@@ -148,7 +151,8 @@ private slots:
         for (const auto& v : virheet)
             got << v.rivi();
         QCOMPARE(got,
-            (QStringList { QStringLiteral("Tarkista päätöstosite: Tositteen no: 2 päivä ei kuulu tilikauteen."),
+            (QStringList {
+                QStringLiteral("Tarkista päätöstosite: Tositteen no: 2 päivä ei kuulu tilikauteen."),
                 QStringLiteral("Tositteen no: 4 päivä ei kuulu tilikauteen."),
                 QStringLiteral("Tarkista avaustosite: Tositteen no: 0 debet ja kredit saldo ei täsmää."),
                 QStringLiteral("Jokin tilivalinta puuttuu tositteelta no: 3.") }));

@@ -144,6 +144,8 @@ void paint(QWidget& w)
 
 // The report figures, in reportbench.cpp.
 int reportBench(const QSqlDatabase& db, const QString& binDir);
+// The voucher tools' figures, in toolsbench.cpp.
+int toolsBench(const QSqlDatabase& db);
 
 int run(const QString& file, int runs)
 {
@@ -399,6 +401,8 @@ int main(int argc, char** argv)
     int rc = run(QFileInfo(args.at(1)).absoluteFilePath(), runs);
     if (rc == 0)
         rc = reportBench(DBC::instance().AvaaDB(), QStringLiteral(VORKAM_BIN_DIR));
+    if (rc == 0)
+        rc = toolsBench(DBC::instance().AvaaDB());
     DBC::instance().SuljeDB();
     return rc;
 }

@@ -63,19 +63,23 @@ private slots:
 
         // An unbalanced voucher and an entry whose voucher is gone.
         exec(books,
-            { QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite, toAvaustosite, toPaatostosite, "
-                             "toAutomaatti) SELECT MAX(toNumero) + 1, MAX(toPvm), 'Vino', 0, 0, 0 FROM \"to\""),
-                QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) SELECT MAX(toID), "
-                               "(SELECT MIN(tlID) FROM tl), 'D', 10000, 'Vino' FROM \"to\""),
-                QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) VALUES (999999, 1, "
-                               "'D', 1, 'x')") });
+            { QStringLiteral(
+                  "INSERT INTO \"to\" (toNumero, toPvm, toSelite, toAvaustosite, toPaatostosite, "
+                  "toAutomaatti) SELECT MAX(toNumero) + 1, MAX(toPvm), 'Vino', 0, 0, 0 FROM \"to\""),
+                QStringLiteral(
+                    "INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) SELECT MAX(toID), "
+                    "(SELECT MIN(tlID) FROM tl), 'D', 10000, 'Vino' FROM \"to\""),
+                QStringLiteral(
+                    "INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) VALUES (999999, 1, "
+                    "'D', 1, 'x')") });
         const int numero = count(books, QStringLiteral("SELECT MAX(toNumero) FROM \"to\""));
 
         // Read-only books are checked without the repair.
         QFile::setPermissions(books, QFileDevice::ReadOwner);
         r = check(books);
         QCOMPARE(r.code, 1);
-        QCOMPARE(r.lines, QStringList { QStringLiteral("Tositteen no: %1 debet ja kredit saldo ei täsmää.").arg(numero) });
+        QCOMPARE(r.lines,
+            QStringList { QStringLiteral("Tositteen no: %1 debet ja kredit saldo ei täsmää.").arg(numero) });
         QCOMPARE(count(books, QStringLiteral("SELECT COUNT(*) FROM vi WHERE vitoID = 999999")), 1);
 
         QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::WriteOwner);

@@ -67,9 +67,13 @@ class tst_VoucherTools : public QObject {
         f->exec(QStringLiteral("INSERT INTO tpPohjat (Nimi, Selite, Pikavalinta) VALUES (?, ?, ?)"),
             { nimi, QStringLiteral("Toimiston vuokra"), pikavalinta });
         const int tp = f->value(QStringLiteral("SELECT MAX(tpID) FROM tpPohjat")).toInt();
-        f->exec(QStringLiteral("INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, 'K', 4000000)"),
+        f->exec(
+            QStringLiteral(
+                "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, 'K', 4000000)"),
             { tp, pankki });
-        f->exec(QStringLiteral("INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, 'D', 4000000)"),
+        f->exec(
+            QStringLiteral(
+                "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, 'D', 4000000)"),
             { tp, vuokra });
         return tp;
     }
@@ -160,13 +164,15 @@ private slots:
             yes ? dialogs->answerYes() : dialogs->answerNo();
         child<QPushButton>(w, "cSulje")->click();
         QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Question),
-            faulty ? QStringList { QStringLiteral("Tositteissa puutteita, haluatko avata tositteiden tarkistusikkunan?") }
+            faulty ? QStringList { QStringLiteral(
+                "Tositteissa puutteita, haluatko avata tositteiden tarkistusikkunan?") }
                    : QStringList());
         QCOMPARE(w.isVisible(), yes);
         auto* lista = w.findChild<QListWidget*>(QStringLiteral("lstVirheet"));
         QCOMPARE(lista != nullptr, yes);
         if (yes)
-            QCOMPARE(items(lista), QStringList { QStringLiteral("Tositteen no: 1 debet ja kredit saldo ei täsmää.") });
+            QCOMPARE(items(lista),
+                QStringList { QStringLiteral("Tositteen no: 1 debet ja kredit saldo ei täsmää.") });
         // The program's own close asks nothing.
         if (yes)
             QVERIFY(w.close());
@@ -244,7 +250,8 @@ private slots:
         combo->setFocus();
         QTest::keyClick(combo, Qt::Key_Down);
         QTest::keyClick(combo, Qt::Key_Down);
-        QCOMPARE(dialogs->transcript(), QStringList { QStringLiteral("information: Pikavalinta 2 on jo käytössä.") });
+        QCOMPARE(dialogs->transcript(),
+            QStringList { QStringLiteral("information: Pikavalinta 2 on jo käytössä.") });
         QCOMPARE(combo->currentText(), QStringLiteral("1"));
         QTest::keyClick(combo, Qt::Key_3);
         QCOMPARE(combo->currentText(), QStringLiteral("3"));
@@ -253,7 +260,8 @@ private slots:
         for (QAction* a : quickSelect(w))
             if (a->isVisible())
                 shown << a->text();
-        QCOMPARE(shown, (QStringList { QStringLiteral("(&2) Vuokra && vastike"), QStringLiteral("(&3) Ilman") }));
+        QCOMPARE(
+            shown, (QStringList { QStringLiteral("(&2) Vuokra && vastike"), QStringLiteral("(&3) Ilman") }));
 
         // Deleting the template in use takes its item away.
         lista->setCurrentRow(1);
@@ -292,10 +300,12 @@ private slots:
             QTest::keyClick(editor, Qt::Key_Return);
         }
         QVERIFY(w.close());
-        QCOMPARE(f->value(QStringLiteral("SELECT Selite FROM tpPohjat WHERE Nimi = 'Pankkimaksu'")).toString(),
+        QCOMPARE(
+            f->value(QStringLiteral("SELECT Selite FROM tpPohjat WHERE Nimi = 'Pankkimaksu'")).toString(),
             QStringLiteral("Pankin palvelumaksu"));
         QCOMPARE(f->count(QStringLiteral("vipPohjat"), QStringLiteral("vipArvo = 125000")), 2);
-        QCOMPARE(f->value(QStringLiteral("SELECT viptlID FROM vipPohjat WHERE vipTyyppi = 'D'")).toInt(), vuokra);
+        QCOMPARE(
+            f->value(QStringLiteral("SELECT viptlID FROM vipPohjat WHERE vipTyyppi = 'D'")).toInt(), vuokra);
     }
 };
 

@@ -5,6 +5,7 @@
 //                 [--kind normal|opening|closing] [--template NAME] [--accounts] [--groups-only]
 //                 (--pdf F | --csv F | --xlsx F)
 //   vorkam_report OLD.mdb muunna      converts old Jet books into Vorkam's format
+//   vorkam_report BOOKS.mdb tarkistus prints the findings of the voucher check (exit 1 with any)
 #include "DatabaseError.h"
 #include "DatabaseFile.h"
 #include "Dates.h"
@@ -17,6 +18,7 @@
 #include "ReportError.h"
 #include "ReportExport.h"
 #include "Schema.h"
+#include "cTositeTarkistus.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -29,6 +31,7 @@ namespace {
 enum Exit { Ok = 0, Failed = 1, Usage = 2, BadBooks = 3 };
 
 const QString ConvertCommand = QStringLiteral("muunna");
+const QString CheckCommand = QStringLiteral("tarkistus");
 
 void say(FILE* stream, const QString& text)
 {
@@ -62,6 +65,8 @@ QString usage()
         "[--groups-only]\n"
         "                      (--pdf TIEDOSTO | --csv TIEDOSTO | --xlsx TIEDOSTO)\n"
         "       vorkam_report VANHA.mdb muunna  (muuntaa vanhan Jet-tietokannan Vorkamin muotoon)\n"
+        "       vorkam_report KIRJANPITO.mdb tarkistus  (tositteiden tarkistus; paluuarvo 1, kun puutteita "
+        "on)\n"
         "Raportit:\n");
     for (const ReportCatalog::Entry& e : ReportCatalog::entries())
         text += QStringLiteral("  %1  %2\n").arg(e.name, -10).arg(e.description);
@@ -126,11 +131,12 @@ QString parse(const QStringList& args, Arguments& a)
         return QStringLiteral("Anna kirjanpidon tiedosto ja raportin nimi.");
     a.books = positional.at(0);
     a.report = positional.at(1);
+    const bool noOptions = a.format.isEmpty() && !a.options.from.isValid() && !a.options.account
+        && a.options.kind.isEmpty() && !a.options.to.isValid();
     if (a.report == ConvertCommand)
-        return a.format.isEmpty() && !a.options.from.isValid() && !a.options.account
-                && a.options.kind.isEmpty()
-            ? QString()
-            : QStringLiteral("Muunnos ei käytä valitsimia.");
+        return noOptions ? QString() : QStringLiteral("Muunnos ei käytä valitsimia.");
+    if (a.report == CheckCommand)
+        return noOptions ? QString() : QStringLiteral("Tarkistus ei käytä valitsimia.");
     if (a.format.isEmpty())
         return QStringLiteral("Anna tulostiedosto: --pdf, --csv tai --xlsx.");
     if (a.options.from.isValid() != a.options.to.isValid())
@@ -202,10 +208,58 @@ int convert(const QString& path)
     return Ok;
 }
 
+// Prints each finding of the voucher check on its own line, as the findings window lists them.
+// Orphan entries are removed as the window does, unless the books are open for reading only.
+int check(const QString& path)
+{
+    const QString books = QFileInfo(path).absoluteFilePath();
+    if (const QString problem = booksProblem(books); !problem.isEmpty()) {
+        say(stderr, problem);
+        return BadBooks;
+    }
+    const bool readOnly = DatabaseFile::isReadOnly(books);
+    const QString connection = QStringLiteral("vorkam_report");
+    const OpenResult opened = DatabaseFile::open(books, connection, readOnly);
+    if (!opened) {
+        say(stderr,
+            QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito tai se on vioittunut.\n%2")
+                .arg(books, opened.message));
+        return BadBooks;
+    }
+    int rc = Ok;
+    {
+        const QSqlDatabase db = QSqlDatabase::database(connection, false);
+        const QStringList missing = Schema::missingCoreTables(db);
+        if (!missing.isEmpty()) {
+            say(stderr,
+                QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito (taulut %2 puuttuvat).")
+                    .arg(books, missing.join(QStringLiteral(", "))));
+            rc = BadBooks;
+        } else {
+            ProgramSettings::loadBookkeeping(db, books);
+            try {
+                const std::vector<cTositeTarkistusVirhe> virheet = cTositeTarkistus(db).Tarkista(!readOnly);
+                for (const cTositeTarkistusVirhe& v : virheet)
+                    say(stdout, v.rivi());
+                if (virheet.empty())
+                    say(stdout, cTositeTarkistus::virheeton());
+                rc = virheet.empty() ? Ok : Failed;
+            } catch (const DatabaseError& e) {
+                say(stderr, e.message(QStringLiteral("Tositteiden tarkistus ei onnistunut.")));
+                rc = BadBooks;
+            }
+        }
+    }
+    QSqlDatabase::removeDatabase(connection);
+    return rc;
+}
+
 int run(const Arguments& a)
 {
     if (a.report == ConvertCommand)
         return convert(a.books);
+    if (a.report == CheckCommand)
+        return check(a.books);
     const ReportCatalog::Entry* entry = ReportCatalog::find(a.report);
     if (!entry) {
         say(stderr, QStringLiteral("Raporttia %1 ei ole.").arg(a.report));

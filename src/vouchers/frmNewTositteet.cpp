@@ -10,18 +10,24 @@
 #include "PrintOptions.h"
 #include "ReportRunner.h"
 #include "TositeListModel.h"
+#include "TositepohjaMuokkaus.h"
 #include "VientiDelegate.h"
 #include "VientiModel.h"
 #include "WaitCursor.h"
+#include "cTositeTarkistus.h"
 #include "frmDates2.h"
 #include "frmPaivaSaldot.h"
 #include "frmTilienSaldot.h"
 #include "frmTilitarkastelu.h"
+#include "frmTositeHaku.h"
+#include "frmTositeTarkistusVirheet.h"
+#include "frmTositepohja.h"
 
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QIntValidator>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QScrollBar>
 #include <QTimer>
 
@@ -41,14 +47,6 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     setWindowTitle(laji == Laji::Avaus ? QStringLiteral("Tositteet - Avausviennit")
             : laji == Laji::Paatos     ? QStringLiteral("Tositteet - Tilinpäätösviennit")
                                        : QStringLiteral("Tositteet"));
-
-    // Windows of later versions: present, not yet available.
-    for (QAction* a : { ui->mHaku, ui->mTositteidenTarkistus, ui->mMuokkaaTositepohjia })
-        a->setEnabled(false);
-    ui->mTositepohjat->setEnabled(false);
-    ui->mTositepohjat->menuAction()->setEnabled(false);
-    ui->cHaku->setEnabled(false);
-    ui->cTositePohja->setEnabled(false);
 
     ui->tTositenumero->setValidator(new QIntValidator(0, 999999999, ui->tTositenumero));
     ui->tTositepvm->installEventFilter(this);
@@ -118,7 +116,15 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     connectCommand(ui->cViimeinen, ui->mViimeiseen, this, &frmNewTositteet::Viimeinen);
     connectCommand(ui->cLisaaVienteja, nullptr, this, &frmNewTositteet::LisaaVienteja);
     connectCommand(ui->cSelaa, ui->mSelaa, this, &frmNewTositteet::Selaa);
-    connectCommand(ui->cSulje, ui->mSulje, this, [this] { close(); });
+    connectCommand(ui->cSulje, ui->mSulje, this, [this] {
+        m_kayttajaSulkee = true;
+        close();
+        m_kayttajaSulkee = false;
+    });
+    connectCommand(ui->cHaku, ui->mHaku, this, &frmNewTositteet::Haku);
+    connectCommand(nullptr, ui->mTositteidenTarkistus, this, &frmNewTositteet::TositteidenTarkistus);
+    connectCommand(nullptr, ui->mMuokkaaTositepohjia, this, &frmNewTositteet::Tositepohjat);
+    connectCommand(ui->cTositePohja, nullptr, this, &frmNewTositteet::valitsePohja);
     connect(ui->mTilienSaldot, &QAction::triggered, this, [this] {
         auto* saldot = new frmTilienSaldot(m_muokkaus->database(), this);
         saldot->setWindowFlag(Qt::Window);
@@ -133,6 +139,7 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     if (m_muokkaus->avaa())
         grid->setItemDelegate(new VientiDelegate(m_muokkaus->tilit().texts(), grid));
     taytaLuettelo();
+    rakennaPikavalinnat();
     naytaTosite();
     EnterAsTab::install(ui->frameTosite);
 }
@@ -172,6 +179,8 @@ void frmNewTositteet::naytaTosite()
         a->setEnabled(editable);
     ui->cUusi->setEnabled(!m_muokkaus->vainLuku());
     ui->mUusi->setEnabled(!m_muokkaus->vainLuku());
+    ui->cTositePohja->setEnabled(!m_muokkaus->vainLuku());
+    ui->mTositepohjat->menuAction()->setEnabled(!m_muokkaus->vainLuku());
     paivitaSummat();
 }
 
@@ -478,10 +487,170 @@ bool frmNewTositteet::eventFilter(QObject* watched, QEvent* event)
 void frmNewTositteet::closeEvent(QCloseEvent* event)
 {
     sulkeEditori(true);
+    // The user leaving the vouchers is the moment to hear of faults in them; the window stays
+    // open when the user wants to see them. Closing on the program's behalf (its end, a
+    // maintenance command) asks nothing.
+    if (!m_muokkaus->vainLuku() && (m_kayttajaSulkee || event->spontaneous())) {
+        if (!m_muokkaus->tallenna()) {
+            naytaVirhePaikka();
+            event->ignore();
+            return;
+        }
+        if (TarkistusTarjous()) {
+            event->ignore();
+            return;
+        }
+    }
     if (!m_muokkaus->sulje()) {
         naytaVirhePaikka();
         event->ignore();
         return;
     }
     event->accept();
+}
+
+bool frmNewTositteet::korjaaOrvot() const { return !m_muokkaus->vainLuku(); }
+
+void frmNewTositteet::Haku()
+{
+    sulkeEditori(true);
+    // The voucher on screen passes the account check before another is looked for.
+    if (m_muokkaus->tarkistaTilit()) {
+        naytaVirhePaikka();
+        return;
+    }
+    frmTositeHaku haku(m_muokkaus->database(), this);
+    haku.exec();
+    if (haku.valittuTosite() != 0 && !m_muokkaus->lataa(haku.valittuTosite()))
+        naytaVirhePaikka();
+}
+
+void frmNewTositteet::TositteidenTarkistus()
+{
+    sulkeEditori(true);
+    // The voucher on screen is checked as it is shown.
+    if (!m_muokkaus->vainLuku() && !m_muokkaus->tallenna()) {
+        naytaVirhePaikka();
+        return;
+    }
+    if (m_tarkistus) {
+        m_tarkistus->Tarkista();
+    } else {
+        m_tarkistus = new frmTositeTarkistusVirheet(m_muokkaus->database(), korjaaOrvot(), this);
+        m_tarkistus->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_tarkistus, &frmTositeTarkistusVirheet::avaaTosite, this, [this](qint32 toId) {
+            sulkeEditori(true);
+            if (m_muokkaus->lataa(toId) || m_muokkaus->tosite().ToId() == toId) {
+                activateWindow();
+                ui->tTositepvm->setFocus();
+            } else {
+                naytaVirhePaikka();
+            }
+        });
+    }
+    m_tarkistus->show();
+    m_tarkistus->raise();
+    m_tarkistus->activateWindow();
+}
+
+bool frmNewTositteet::TarkistusTarjous()
+{
+    std::vector<cTositeTarkistusVirhe> virheet;
+    if (!tellIfFails(QStringLiteral("Tositteiden tarkistus ei onnistunut."),
+            [&] { virheet = cTositeTarkistus(m_muokkaus->database()).Tarkista(korjaaOrvot()); }))
+        return false;
+    if (virheet.empty()
+        || !Dialogs::instance().question(
+            QStringLiteral("Tositteissa puutteita, haluatko avata tositteiden tarkistusikkunan?")))
+        return false;
+    TositteidenTarkistus();
+    return true;
+}
+
+void frmNewTositteet::Tositepohjat()
+{
+    if (!m_pohjat) {
+        m_pohjat = new frmTositepohja(m_muokkaus->database(), this);
+        m_pohjat->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_pohjat, &frmTositepohja::pohjatMuuttuivat, this, &frmNewTositteet::rakennaPikavalinnat);
+    }
+    m_pohjat->show();
+    m_pohjat->raise();
+    m_pohjat->activateWindow();
+}
+
+void frmNewTositteet::rakennaPikavalinnat()
+{
+    if (m_pikavalinnat.isEmpty()) {
+        for (int numero = 1; numero <= 4; ++numero) {
+            auto* a = new QAction(this);
+            a->setObjectName(QStringLiteral("mTositepohjaX"));
+            a->setData(numero);
+            ui->mTositepohjat->addAction(a);
+            connect(a, &QAction::triggered, this, [this, a] { UusiPohjasta(a->property("tpID").toInt()); });
+            m_pikavalinnat.append(a);
+        }
+    }
+    // A number no template uses has no item.
+    for (QAction* a : m_pikavalinnat) {
+        const int numero = a->data().toInt();
+        qint32 tpId = 0;
+        QString nimi;
+        tellIfFails(QStringLiteral("Tositepohjia ei voitu lukea."), [&] {
+            tpId = cTositePohjat::Pikavalinnalla(m_muokkaus->database(), numero);
+            if (tpId != 0) {
+                cTositePohja pohja(m_muokkaus->database());
+                pohja.Load(tpId);
+                nimi = pohja.Nimi().trimmed();
+            }
+        });
+        a->setProperty("tpID", tpId);
+        a->setText(QStringLiteral("(&%1) %2").arg(numero).arg(nimi.replace(u'&', QStringLiteral("&&"))));
+        a->setVisible(tpId != 0);
+    }
+}
+
+void frmNewTositteet::valitsePohja()
+{
+    std::vector<cTositePohjat::Rivi> pohjat;
+    if (!tellIfFails(QStringLiteral("Tositepohjia ei voitu lukea."),
+            [&] { pohjat = cTositePohjat::Kaikki(m_muokkaus->database()); }))
+        return;
+    QMenu valikko(this);
+    valikko.setObjectName(QStringLiteral("mTositepohjaValinta"));
+    for (const cTositePohjat::Rivi& r : pohjat) {
+        const QString nimi = QString(r.nimi.trimmed()).replace(u'&', QStringLiteral("&&"));
+        QAction* a = valikko.addAction(
+            r.pikavalinta > 0 ? QStringLiteral("(&%1) %2").arg(r.pikavalinta).arg(nimi) : nimi);
+        a->setData(r.tpId);
+    }
+    if (!pohjat.empty())
+        valikko.addSeparator();
+    valikko.addAction(ui->mMuokkaaTositepohjia);
+    QAction* valittu = valikko.exec(ui->cTositePohja->mapToGlobal(QPoint(0, ui->cTositePohja->height())));
+    if (valittu && valittu != ui->mMuokkaaTositepohjia)
+        UusiPohjasta(valittu->data().toInt());
+}
+
+void frmNewTositteet::UusiPohjasta(qint32 tpId)
+{
+    sulkeEditori(true);
+    std::optional<TositepohjaMuokkaus::Tosite> tosite;
+    if (!tellIfFails(QStringLiteral("Tositepohjaa ei voitu lukea."), [&] {
+            tosite = TositepohjaMuokkaus::tositteeksi(m_muokkaus->database(), m_muokkaus->tilit(), tpId);
+        }))
+        return;
+    if (!tosite) {
+        Dialogs::instance().beep();
+        rakennaPikavalinnat();
+        return;
+    }
+    if (!m_muokkaus->uusiMallista(tosite->selite, tosite->viennit)) {
+        naytaVirhePaikka();
+        return;
+    }
+    if (tosite->tiliPuuttuu)
+        showInformation(QStringLiteral("Valitse tili, jolle vienti tehdään."));
+    ui->tTositepvm->setFocus();
+    ui->tTositepvm->selectAll();
 }

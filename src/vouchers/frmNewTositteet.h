@@ -3,6 +3,7 @@
 #include "TositeMuokkaus.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <memory>
 
 namespace Ui {
@@ -11,6 +12,8 @@ class frmNewTositteet;
 class VientiModel;
 class TositeListModel;
 class QModelIndex;
+class frmTositeTarkistusVirheet;
+class frmTositepohja;
 
 // The window in which vouchers of the current fiscal year are typed, browsed, corrected and
 // deleted. One window shows one kind of voucher for as long as it is open. The rules live in
@@ -52,6 +55,14 @@ public:
     // The account of the entry row the cursor is on (the other side's, or the first one with an
     // account, when that row has none); 0 when the voucher has no account.
     qint32 valittuTili() const;
+    void Haku();
+    void TositteidenTarkistus();
+    void Tositepohjat();
+    // A new voucher from the template `tpId`.
+    void UusiPohjasta(qint32 tpId);
+    // Runs the voucher check; with findings asks whether to open the findings window and opens
+    // it on Yes. True when it was opened.
+    bool TarkistusTarjous();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -76,7 +87,16 @@ private:
     void pvmValmis();
     void riviMuuttui(int row, int column);
 
+    // The quick-select items of the templates menu, and the template button's choice.
+    void rakennaPikavalinnat();
+    void valitsePohja();
+    bool korjaaOrvot() const;
+
     std::unique_ptr<Ui::frmNewTositteet> ui;
+    QPointer<frmTositeTarkistusVirheet> m_tarkistus;
+    QPointer<frmTositepohja> m_pohjat;
+    QList<QAction*> m_pikavalinnat;
+    bool m_kayttajaSulkee = false;
     std::unique_ptr<TositeMuokkaus> m_muokkaus;
     VientiModel* m_model = nullptr;
     TositeListModel* m_list = nullptr;

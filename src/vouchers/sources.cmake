@@ -2,13 +2,19 @@
 set(VORKAM_VOUCHERS_CORE
   vouchers/AmountInput.cpp
   vouchers/KirjaTulostus.cpp
+  vouchers/TositeHaku.cpp
   vouchers/TositeMuokkaus.cpp
   vouchers/TositeRecord.cpp
+  vouchers/TositepohjaMuokkaus.cpp
   vouchers/VientiRecord.cpp
   vouchers/VoucherAccounts.cpp
   vouchers/VoucherLayout.cpp
   vouchers/cTosite.cpp
   vouchers/cTositeEd.cpp
+  vouchers/cTositePohja.cpp
+  vouchers/cTositePohjat.cpp
+  vouchers/cTositeTarkistus.cpp
+  vouchers/cVientiPohja.cpp
 )
 set(VORKAM_VOUCHERS_UI
   vouchers/TositeListModel.cpp
@@ -16,4 +22,7 @@ set(VORKAM_VOUCHERS_UI
   vouchers/VientiModel.cpp
   vouchers/frmNewTositteet.cpp
   vouchers/frmNewTositteet.ui
+  vouchers/frmTositeHaku.cpp
+  vouchers/frmTositeTarkistusVirheet.cpp
+  vouchers/frmTositepohja.cpp
 )

@@ -1,0 +1,195 @@
+#include "ScriptedDialogs.h"
+#include "TositeMuokkaus.h"
+#include "TositepohjaMuokkaus.h"
+#include "VoucherFixture.h"
+#include "cTositePohja.h"
+#include "cTositePohjat.h"
+
+#include <QTest>
+#include <memory>
+
+using Puoli = TositeMuokkaus::Puoli;
+
+// Voucher templates: the records, the rules of the template window, and a voucher made from a
+// template.
+class tst_Tositepohjat : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<VoucherFixture> f;
+    std::unique_ptr<ScriptedDialogs> dialogs;
+    int pankki = 0, vuokra = 0, kassa = 0;
+
+    int addPohja(
+        const QString& nimi, const QVariant& pikavalinta, const QString& selite = QStringLiteral("Vuokra"))
+    {
+        f->exec(QStringLiteral("INSERT INTO tpPohjat (Nimi, Selite, Pikavalinta) VALUES (?, ?, ?)"),
+            { nimi, selite, pikavalinta });
+        return f->value(QStringLiteral("SELECT MAX(tpID) FROM tpPohjat")).toInt();
+    }
+    void addRivi(int tpId, int tlId, const QString& tyyppi, qint64 raw)
+    {
+        f->exec(QStringLiteral(
+                    "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, ?, ?)"),
+            { tpId, tlId, tyyppi, raw });
+    }
+
+private slots:
+    void init()
+    {
+        f = std::make_unique<VoucherFixture>();
+        QVERIFY(f->ok);
+        dialogs = std::make_unique<ScriptedDialogs>();
+        pankki = f->addTili(1910, QStringLiteral("Pankkitili"));
+        kassa = f->addTili(1900, QStringLiteral("Kassa"));
+        vuokra = f->addTili(7100, QStringLiteral("Vuokrat"));
+    }
+    void cleanup()
+    {
+        QCOMPARE(dialogs->failures(), QStringList());
+        dialogs.reset();
+        f.reset();
+    }
+
+    void recordRoundTrip()
+    {
+        cTositePohja pohja(f->db());
+        pohja.setNimi(QString(60, u'n'));
+        pohja.setSelite(QStringLiteral("Toimiston vuokra"));
+        pohja.setPikavalinta(3);
+        pohja.Save();
+        QVERIFY(pohja.tpID() > 0);
+        cTositePohja luettu(f->db());
+        QVERIFY(luettu.Load(pohja.tpID()));
+        QCOMPARE(luettu.Nimi(), QString(50, u'n'));
+        QCOMPARE(luettu.Pikavalinta(), 3);
+        luettu.setPikavalinta(0);
+        luettu.Save();
+        QVERIFY(f->value(QStringLiteral("SELECT Pikavalinta FROM tpPohjat")).isNull());
+        QCOMPARE(cTositePohjat::Pikavalinnalla(f->db(), 3), 0);
+    }
+
+    void deletingATemplateRemovesItsRows()
+    {
+        const int pidettava = addPohja(QStringLiteral("Kassa"), 1);
+        addRivi(pidettava, kassa, QStringLiteral("D"), 100);
+        const int poistettava = addPohja(QStringLiteral("Vuokra"), 2);
+        addRivi(poistettava, vuokra, QStringLiteral("D"), 100);
+        addRivi(poistettava, pankki, QStringLiteral("K"), 100);
+        TositepohjaMuokkaus m(f->db());
+        QVERIFY(m.avaa());
+        QCOMPARE(m.pohja().tpID(), pidettava); // first by name
+        QVERIFY(m.lataa(poistettava));
+        dialogs->answerNo();
+        QVERIFY(!m.poista());
+        QCOMPARE(f->count(QStringLiteral("vipPohjat")), 3);
+        dialogs->answerYes();
+        QVERIFY(m.poista());
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Question).last(),
+            QStringLiteral("Haluatko varmasti poistaa valitun tositepohjan?"));
+        QCOMPARE(f->count(QStringLiteral("tpPohjat")), 1);
+        QCOMPARE(f->count(QStringLiteral("vipPohjat")), 1);
+        QCOMPARE(m.pohja().tpID(), pidettava);
+    }
+
+    void quickSelectNumberTakenTwice()
+    {
+        addPohja(QStringLiteral("Vuokra"), 2);
+        const int toinen = addPohja(QStringLiteral("Ylläpito"), 1);
+        TositepohjaMuokkaus m(f->db());
+        QVERIFY(m.avaa());
+        QVERIFY(m.lataa(toinen));
+        QVERIFY(!m.setPikavalinta(2));
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information),
+            QStringList { QStringLiteral("Pikavalinta 2 on jo käytössä.") });
+        QCOMPARE(m.pohja().Pikavalinta(), 1);
+        QVERIFY(m.setPikavalinta(0));
+        QVERIFY(m.setPikavalinta(4));
+        QVERIFY(m.tallenna());
+        QCOMPARE(cTositePohjat::Pikavalinnalla(f->db(), 4), toinen);
+    }
+
+    void typingATemplate()
+    {
+        TositepohjaMuokkaus m(f->db());
+        QVERIFY(m.avaa());
+        QCOMPARE(m.riviMaara(), TositeMuokkaus::VahimmaisRivit);
+        m.setNimi(QStringLiteral("Vuokra"));
+        m.setSelite(QStringLiteral("Toimiston vuokra"));
+        QVERIFY(m.setTiliTeksti(Puoli::Debet, 0, QStringLiteral("7100")));
+        QVERIFY(m.setArvoTeksti(Puoli::Debet, 0, QStringLiteral("450,50")));
+        QVERIFY(!m.setArvoTeksti(Puoli::Kredit, 0, QStringLiteral("abc")));
+        QVERIFY(m.setArvoTeksti(Puoli::Kredit, 0, QStringLiteral("450,50")));
+        // An amount without an account is refused when saving, and nothing is stored.
+        QVERIFY(!m.tallenna());
+        QCOMPARE(m.virhePaikka()->puoli, Puoli::Kredit);
+        QCOMPARE(f->count(QStringLiteral("tpPohjat")), 0);
+        QVERIFY(m.setTiliTeksti(Puoli::Kredit, 0, QStringLiteral("pank")));
+        QVERIFY(m.tallenna());
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information).last(),
+            QStringLiteral("Valitse tili, jolle vienti tehdään."));
+        QCOMPARE(f->count(QStringLiteral("vipPohjat")), 2);
+        QCOMPARE(f->value(QStringLiteral(
+                              "SELECT SUM(vipArvo) FROM vipPohjat WHERE vipTyyppi = 'K' AND viptlID = ?"),
+                      { pankki })
+                     .toLongLong(),
+            4505000);
+        // Clearing a row takes its pattern out.
+        QVERIFY(m.setArvoTeksti(Puoli::Kredit, 0, QString()));
+        QVERIFY(m.setTiliTeksti(Puoli::Kredit, 0, QString()));
+        QVERIFY(m.tallenna());
+        QCOMPARE(f->count(QStringLiteral("vipPohjat")), 1);
+    }
+
+    void voucherFromATemplate()
+    {
+        const int tp = addPohja(QStringLiteral("Vuokra"), 1, QStringLiteral("Toimiston vuokra"));
+        addRivi(tp, pankki, QStringLiteral("K"), 4500000);
+        addRivi(tp, vuokra, QStringLiteral("D"), 4000000);
+        addRivi(tp, kassa, QStringLiteral("D"), 500000);
+        VoucherAccounts tilit;
+        tilit.load(f->db());
+        const auto tosite = TositepohjaMuokkaus::tositteeksi(f->db(), tilit, tp);
+        QVERIFY(tosite);
+        QCOMPARE(tosite->selite, QStringLiteral("Toimiston vuokra"));
+        QVERIFY(!tosite->tiliPuuttuu);
+        QCOMPARE(int(tosite->viennit.size()), 3);
+        // Debit patterns first.
+        QCOMPARE(tosite->viennit[0].puoli, Puoli::Debet);
+        QCOMPARE(tosite->viennit[0].tlId, vuokra);
+        QCOMPARE(tosite->viennit[1].tlId, kassa);
+        QCOMPARE(tosite->viennit[2].puoli, Puoli::Kredit);
+        QCOMPARE(tosite->viennit[2].arvo, Money::fromRaw(4500000));
+
+        TositeMuokkaus m(f->db(), TositeMuokkaus::Laji::Tavallinen);
+        QVERIFY(m.avaa());
+        QVERIFY(m.uusiMallista(tosite->selite, tosite->viennit));
+        QCOMPARE(f->count(QStringLiteral("\"to\""), QStringLiteral("toSelite = 'Toimiston vuokra'")), 1);
+        QCOMPARE(f->count(QStringLiteral("vi"), QStringLiteral("viSelite = 'Toimiston vuokra'")), 3);
+        QCOMPARE(m.tiliTeksti(Puoli::Debet, 0), QStringLiteral("7100 Vuokrat"));
+        QCOMPARE(m.arvoTeksti(Puoli::Kredit, 0), QStringLiteral("450,00"));
+        QVERIFY(m.erotus().isZero());
+    }
+
+    void templateWithADeletedAccountOrNoPatterns()
+    {
+        const int tp = addPohja(QStringLiteral("Vanha"), QVariant());
+        const int poistettu = f->addTili(8000, QStringLiteral("Poistettu"));
+        addRivi(tp, poistettu, QStringLiteral("D"), 100000);
+        addRivi(tp, pankki, QStringLiteral("K"), 100000);
+        f->exec(QStringLiteral("DELETE FROM tl WHERE tlID = ?"), { poistettu });
+        VoucherAccounts tilit;
+        tilit.load(f->db());
+        const auto tosite = TositepohjaMuokkaus::tositteeksi(f->db(), tilit, tp);
+        QVERIFY(tosite && tosite->tiliPuuttuu);
+        QCOMPARE(tosite->viennit[0].tlId, 0);
+        QCOMPARE(tosite->viennit[0].arvo, Money::fromRaw(100000));
+
+        const int tyhja = addPohja(QStringLiteral("Tyhjä"), QVariant(), QStringLiteral(" "));
+        const auto blank = TositepohjaMuokkaus::tositteeksi(f->db(), tilit, tyhja);
+        QVERIFY(blank && blank->viennit.empty() && blank->selite.isEmpty());
+        QVERIFY(!TositepohjaMuokkaus::tositteeksi(f->db(), tilit, 9999));
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_Tositepohjat)
+#include "tst_Tositepohjat.moc"

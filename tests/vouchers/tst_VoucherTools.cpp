@@ -1,0 +1,313 @@
+#include "ScriptedDialogs.h"
+#include "VoucherFixture.h"
+#include "frmNewTositteet.h"
+#include "frmTositepohja.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+#include <memory>
+
+using Laji = frmNewTositteet::Laji;
+
+namespace {
+
+template <typename T> T* child(QObject& w, const char* name)
+{
+    auto* c = w.findChild<T*>(QString::fromUtf8(name));
+    if (!c)
+        qWarning("no child %s", name);
+    return c;
+}
+
+QStringList items(QListWidget* list)
+{
+    QStringList out;
+    for (int i = 0; i < list->count(); ++i)
+        out << list->item(i)->text();
+    return out;
+}
+
+// Runs `work` on the modal dialog that the next step opens.
+void onModal(std::function<void(QWidget&)> work)
+{
+    QTimer::singleShot(0, [work] {
+        QWidget* modal = QApplication::activeModalWidget();
+        QVERIFY(modal);
+        work(*modal);
+    });
+}
+
+} // namespace
+
+// The voucher window's tools through their windows, by keyboard where the user would type.
+class tst_VoucherTools : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<VoucherFixture> f;
+    std::unique_ptr<ScriptedDialogs> dialogs;
+    int pankki = 0, vuokra = 0;
+
+    int balanced(int numero, const QString& selite, qint64 raw = 1000000)
+    {
+        const int id = f->addTosite(numero, {}, QStringLiteral("2011-03-01"), selite);
+        f->addVienti(id, vuokra, QStringLiteral("D"), raw);
+        f->addVienti(id, pankki, QStringLiteral("K"), raw);
+        return id;
+    }
+    int addPohja(const QString& nimi, const QVariant& pikavalinta)
+    {
+        f->exec(QStringLiteral("INSERT INTO tpPohjat (Nimi, Selite, Pikavalinta) VALUES (?, ?, ?)"),
+            { nimi, QStringLiteral("Toimiston vuokra"), pikavalinta });
+        const int tp = f->value(QStringLiteral("SELECT MAX(tpID) FROM tpPohjat")).toInt();
+        f->exec(
+            QStringLiteral(
+                "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, 'K', 4000000)"),
+            { tp, pankki });
+        f->exec(
+            QStringLiteral(
+                "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, 'D', 4000000)"),
+            { tp, vuokra });
+        return tp;
+    }
+    static QList<QAction*> quickSelect(QWidget& w)
+    {
+        return w.findChildren<QAction*>(QStringLiteral("mTositepohjaX"));
+    }
+
+private slots:
+    void init()
+    {
+        f = std::make_unique<VoucherFixture>();
+        QVERIFY(f->ok);
+        dialogs = std::make_unique<ScriptedDialogs>();
+        pankki = f->addTili(1910, QStringLiteral("Pankkitili"));
+        vuokra = f->addTili(7100, QStringLiteral("Vuokrat"));
+    }
+    void cleanup()
+    {
+        QCOMPARE(dialogs->failures(), QStringList());
+        dialogs.reset();
+        f.reset();
+    }
+
+    void findingsOpenTheirVoucher()
+    {
+        balanced(1, QStringLiteral("Kunnossa"));
+        const int viisi = f->addTosite(5, {}, QStringLiteral("2010-12-31"), QStringLiteral("Väärä päivä"));
+        f->addVienti(viisi, vuokra, QStringLiteral("D"), 1000000);
+        f->addVienti(viisi, pankki, QStringLiteral("K"), 900000);
+        frmNewTositteet w(f->db(), Laji::Tavallinen);
+        w.show();
+        QCOMPARE(w.curTosite().Numero(), 5);
+        w.Ensimmainen();
+        child<QAction>(w, "mTositteidenTarkistus")->trigger();
+        auto* lista = child<QListWidget>(w, "lstVirheet");
+        QVERIFY(lista);
+        QCOMPARE(items(lista),
+            (QStringList { QStringLiteral("Tositteen no: 5 päivä ei kuulu tilikauteen."),
+                QStringLiteral("Tositteen no: 5 debet ja kredit saldo ei täsmää.") }));
+        QCOMPARE(w.curTosite().Numero(), 1);
+        // Enter on a finding shows its voucher in the voucher window.
+        lista->setFocus();
+        lista->setCurrentRow(1);
+        QTest::keyClick(lista, Qt::Key_Return);
+        QCOMPARE(w.curTosite().Numero(), 5);
+        QCOMPARE(child<QLineEdit>(w, "tTositeSelite")->text(), QStringLiteral("Väärä päivä"));
+
+        // Corrected, the check runs clean.
+        f->exec(QStringLiteral("UPDATE vi SET viArvo = 1000000"));
+        f->exec(QStringLiteral("UPDATE \"to\" SET toPvm = '2011-01-01'"));
+        child<QPushButton>(w, "cTarkista")->click();
+        QCOMPARE(items(lista), QStringList { QStringLiteral("Tarkistus suoritettu virheettömästi.") });
+        QTest::keyClick(lista, Qt::Key_Return);
+        QCOMPARE(w.curTosite().Numero(), 5);
+    }
+
+    void findingsWindowRefusesWithoutDatabaseSettings()
+    {
+        balanced(1, QStringLiteral("Kunnossa"));
+        frmNewTositteet w(f->db(), Laji::Tavallinen);
+        ProgramSettings::installation().Database = QStringLiteral("unknown");
+        child<QAction>(w, "mTositteidenTarkistus")->trigger();
+        QCOMPARE(dialogs->transcript(),
+            QStringList { QStringLiteral("information: Tarkista tietokanta asetukset asetusikkunasta!") });
+        QCOMPARE(child<QListWidget>(w, "lstVirheet")->count(), 0);
+    }
+
+    void checkOfferWhenTheUserLeaves_data()
+    {
+        QTest::addColumn<bool>("faulty");
+        QTest::addColumn<bool>("yes");
+        QTest::newRow("clean books: no question") << false << false;
+        QTest::newRow("faults, no") << true << false;
+        QTest::newRow("faults, yes") << true << true;
+    }
+    void checkOfferWhenTheUserLeaves()
+    {
+        QFETCH(bool, faulty);
+        QFETCH(bool, yes);
+        balanced(1, QStringLiteral("Vuokra"), 1000000);
+        if (faulty)
+            f->exec(QStringLiteral("UPDATE vi SET viArvo = 5 WHERE viTyyppi = 'K'"));
+        frmNewTositteet w(f->db(), Laji::Tavallinen);
+        w.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        if (faulty)
+            yes ? dialogs->answerYes() : dialogs->answerNo();
+        child<QPushButton>(w, "cSulje")->click();
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Question),
+            faulty ? QStringList { QStringLiteral(
+                "Tositteissa puutteita, haluatko avata tositteiden tarkistusikkunan?") }
+                   : QStringList());
+        QCOMPARE(w.isVisible(), yes);
+        auto* lista = w.findChild<QListWidget*>(QStringLiteral("lstVirheet"));
+        QCOMPARE(lista != nullptr, yes);
+        if (yes)
+            QCOMPARE(items(lista),
+                QStringList { QStringLiteral("Tositteen no: 1 debet ja kredit saldo ei täsmää.") });
+        // The program's own close asks nothing.
+        if (yes)
+            QVERIFY(w.close());
+    }
+
+    void searchHandsTheVoucherOver()
+    {
+        balanced(1, QStringLiteral("Toimiston vuokra maaliskuu"), 125000);
+        balanced(2, QStringLiteral("Sähkö"));
+        frmNewTositteet w(f->db(), Laji::Tavallinen);
+        w.show();
+        QCOMPARE(w.curTosite().Numero(), 2);
+        QString tulos;
+        QStringList rivit;
+        onModal([&](QWidget& haku) {
+            auto* arvo = child<QLineEdit>(haku, "tVienninArvo");
+            arvo->setFocus();
+            QTest::keyClicks(arvo, QStringLiteral("abc"));
+            child<QPushButton>(haku, "cSearch")->click();
+            arvo->clear();
+            QTest::keyClicks(arvo, QStringLiteral("12,50"));
+            child<QPushButton>(haku, "cSearch")->click();
+            tulos = child<QLabel>(haku, "lblTulos")->text();
+            auto* lista = child<QListWidget>(haku, "lstTositteet");
+            rivit = items(lista);
+            QTest::keyClick(lista, Qt::Key_Return);
+        });
+        child<QPushButton>(w, "cHaku")->click();
+        QCOMPARE(dialogs->transcript(),
+            QStringList { QStringLiteral("information: Viennin arvon tulee olla numeerinen.") });
+        QCOMPARE(tulos, QStringLiteral("Löytyi 2 tositetta."));
+        QCOMPARE(rivit.size(), 2);
+        QCOMPARE(rivit.first(), QStringLiteral("1 - 1.3.2011 - Toimiston vuokra maaliskuu"));
+        QCOMPARE(w.curTosite().Numero(), 1);
+
+        // Cancel keeps the voucher on screen.
+        onModal([&](QWidget& haku) {
+            child<QLineEdit>(haku, "tSelite")->setText(QStringLiteral("SÄHKÖ"));
+            child<QPushButton>(haku, "cSearch")->click();
+            child<QPushButton>(haku, "cUndo")->click();
+        });
+        child<QAction>(w, "mHaku")->trigger();
+        QCOMPARE(w.curTosite().Numero(), 1);
+    }
+
+    void quickSelectMakesVouchersAndFollowsChanges()
+    {
+        balanced(1, QStringLiteral("Vanha"));
+        const int tp = addPohja(QStringLiteral("Vuokra & vastike"), 2);
+        addPohja(QStringLiteral("Ilman"), QVariant());
+        frmNewTositteet w(f->db(), Laji::Tavallinen);
+        w.show();
+        QList<QAction*> actions = quickSelect(w);
+        QCOMPARE(actions.size(), 4);
+        QStringList shown;
+        for (QAction* a : actions)
+            if (a->isVisible())
+                shown << a->text();
+        QCOMPARE(shown, QStringList { QStringLiteral("(&2) Vuokra && vastike") });
+        actions[1]->trigger();
+        QCOMPARE(w.curTosite().Numero(), 2);
+        QCOMPARE(w.curTosite().Selite(), QStringLiteral("Toimiston vuokra"));
+        QCOMPARE(f->count(QStringLiteral("vi"), QStringLiteral("vitoID = %1").arg(w.curTosite().ToId())), 2);
+        QVERIFY(w.muokkaus().erotus().isZero());
+
+        // The template window: number 2 is taken, 3 is free; the menu follows the save.
+        child<QAction>(w, "mMuokkaaTositepohjia")->trigger();
+        auto* pohjat = w.findChild<frmTositepohja*>();
+        QVERIFY(pohjat);
+        auto* lista = child<QListWidget>(*pohjat, "lstTositepohjat");
+        QCOMPARE(items(lista), (QStringList { QStringLiteral("Ilman"), QStringLiteral("Vuokra & vastike") }));
+        QVERIFY(pohjat->muokkaus().pohja().tpID() != tp);
+        auto* combo = child<QComboBox>(*pohjat, "cmbPikavalinta");
+        QCOMPARE(combo->count(), 5);
+        combo->setFocus();
+        QTest::keyClick(combo, Qt::Key_Down);
+        QTest::keyClick(combo, Qt::Key_Down);
+        QCOMPARE(dialogs->transcript(),
+            QStringList { QStringLiteral("information: Pikavalinta 2 on jo käytössä.") });
+        QCOMPARE(combo->currentText(), QStringLiteral("1"));
+        QTest::keyClick(combo, Qt::Key_3);
+        QCOMPARE(combo->currentText(), QStringLiteral("3"));
+        child<QPushButton>(*pohjat, "cTallenna")->click();
+        shown.clear();
+        for (QAction* a : quickSelect(w))
+            if (a->isVisible())
+                shown << a->text();
+        QCOMPARE(
+            shown, (QStringList { QStringLiteral("(&2) Vuokra && vastike"), QStringLiteral("(&3) Ilman") }));
+
+        // Deleting the template in use takes its item away.
+        lista->setCurrentRow(1);
+        QTest::keyClick(lista, Qt::Key_Return);
+        QCOMPARE(pohjat->muokkaus().pohja().tpID(), tp);
+        dialogs->answerYes();
+        child<QPushButton>(*pohjat, "cPoista")->click();
+        QCOMPARE(f->count(QStringLiteral("vipPohjat"), QStringLiteral("viptpID = %1").arg(tp)), 0);
+        shown.clear();
+        for (QAction* a : quickSelect(w))
+            if (a->isVisible())
+                shown << a->text();
+        QCOMPARE(shown, QStringList { QStringLiteral("(&3) Ilman") });
+        QVERIFY(pohjat->close());
+    }
+
+    void templateRowsTypedByKeyboard()
+    {
+        frmTositepohja w(f->db());
+        w.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&w));
+        auto* nimi = child<QLineEdit>(w, "tNimi");
+        nimi->setFocus();
+        QTest::keyClicks(nimi, QStringLiteral("Pankkimaksu"));
+        QTest::keyClick(nimi, Qt::Key_Return);
+        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("Pankin palvelumaksu"));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return); // past the quick select
+        auto* grid = w.findChild<QAbstractItemView*>(QStringLiteral("grdViennit"));
+        grid->setCurrentIndex(grid->model()->index(0, 0));
+        for (const QString& typed : { QStringLiteral("vuok"), QStringLiteral("12,5"), QStringLiteral("1910"),
+                 QStringLiteral("12,50") }) {
+            QLineEdit* editor = nullptr;
+            QTRY_VERIFY((editor = qobject_cast<QLineEdit*>(QApplication::focusWidget())) != nullptr);
+            QTest::keyClicks(editor, typed);
+            QTest::keyClick(editor, Qt::Key_Return);
+        }
+        QVERIFY(w.close());
+        QCOMPARE(
+            f->value(QStringLiteral("SELECT Selite FROM tpPohjat WHERE Nimi = 'Pankkimaksu'")).toString(),
+            QStringLiteral("Pankin palvelumaksu"));
+        QCOMPARE(f->count(QStringLiteral("vipPohjat"), QStringLiteral("vipArvo = 125000")), 2);
+        QCOMPARE(
+            f->value(QStringLiteral("SELECT viptlID FROM vipPohjat WHERE vipTyyppi = 'D'")).toInt(), vuokra);
+    }
+};
+
+QTEST_MAIN(tst_VoucherTools)
+#include "tst_VoucherTools.moc"

@@ -10,8 +10,12 @@ set(VORKAM_STATEMENTS_CORE
   statements/ProfitEntries.h
   statements/StatementAccounts.cpp
   statements/StatementAccounts.h
-  statements/StatementExport.cpp
-  statements/StatementExport.h
+  statements/StatementPrint.cpp
+  statements/StatementPrint.h
+  statements/TemplateEditor.cpp
+  statements/TemplateEditor.h
+  statements/TemplateChecks.cpp
+  statements/TemplateChecks.h
   statements/StatementOptions.cpp
   statements/StatementOptions.h
   statements/Statements.cpp
@@ -20,6 +24,7 @@ set(VORKAM_STATEMENTS_CORE
   statements/TemplateText.h
   statements/TemplateTree.cpp
   statements/TemplateTree.h
+  statements/cMalliVirhe.h
   statements/cMalli.cpp
   statements/cMalli.h
   statements/cMalliRivi.cpp

@@ -280,6 +280,27 @@ bool drop(const QSqlDatabase& db, const Node& dragged, const Node& target)
     Sql::run(db, QStringLiteral("UPDATE mr SET mrBelongsToGroup = ?, mrGroupOrder = ? WHERE mrID = ?"),
         { parent, (last.isNull() ? 0 : last.toInt()) + 1, dragged.id });
     renumber(db, siblings(db, *from));
+    // In a balance sheet the row and its rows take the side of the group they now belong to.
+    const QString group = mainGroupCaption(db, dragged.id);
+    const int kind
+        = Sql::scalar(db, QStringLiteral("SELECT maTyyppi FROM ma WHERE maID = ?"), { maId }).toInt();
+    if (kind == cMalli::Tase && (group == u"Vastaavaa" || group == u"Vastattavaa")) {
+        const QString side = group == u"Vastaavaa" ? QStringLiteral("D") : QStringLiteral("K");
+        std::vector<qint32> rows { dragged.id };
+        QSet<qint32> done;
+        while (!rows.empty()) {
+            const qint32 id = rows.back();
+            rows.pop_back();
+            if (done.contains(id))
+                continue;
+            done.insert(id);
+            Sql::run(db, QStringLiteral("UPDATE mr SET mrSaldoPuoli = ? WHERE mrID = ?"), { side, id });
+            QSqlQuery q
+                = Sql::run(db, QStringLiteral("SELECT mrID FROM mr WHERE mrBelongsToGroup = ?"), { id });
+            while (q.next())
+                rows.push_back(q.value(0).toInt());
+        }
+    }
     t.commitOrThrow();
     return true;
 }

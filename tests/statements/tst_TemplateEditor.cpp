@@ -275,6 +275,11 @@ private slots:
         const QString moved = all();
         QVERIFY(!TemplateEditor::drop(f->db(), Node::ofRow(20), Node::ofRow(21)));
         QCOMPARE(all(), moved);
+        // In a balance sheet the row takes the side of its new main group.
+        QVERIFY(TemplateEditor::drop(f->db(), Node::ofRow(32), Node::ofRow(30)));
+        QCOMPARE(
+            StatementFixture::value(QStringLiteral("SELECT mrSaldoPuoli FROM mr WHERE mrID = 32")).toString(),
+            QStringLiteral("D"));
     }
 
     void sideLists()

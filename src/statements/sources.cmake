@@ -30,3 +30,12 @@ set(VORKAM_STATEMENTS_CORE
   statements/cMalliRivi.cpp
   statements/cMalliRivi.h
 )
+# The statement window and the check window, in vorkam_ui.
+set(VORKAM_STATEMENTS_UI
+  statements/frmNewTulosJaTase.cpp
+  statements/frmNewTulosJaTase.h
+  statements/frmNewTulosJaTase.ui
+  statements/frmTarkistusVirheet.cpp
+  statements/frmTarkistusVirheet.h
+  statements/frmTarkistusVirheet.ui
+)

@@ -72,14 +72,14 @@ void tst_frmMain::commandsFollowTheDatabase()
     frmMain& w = started.window;
     QCOMPARE(w.windowTitle(), caption);
     // Windows and commands of the books need a database; later features stay disabled either way.
-    for (const char* name : { "mTositteet", "mTilit", "mAvausviennit", "mTilinpaatosviennit", "mVarmistus",
-             "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta" })
+    for (const char* name : { "mTositteet", "mTilit", "mTulosJaTase", "mAvausviennit", "mTilinpaatosviennit",
+             "mVarmistus", "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta" })
         QVERIFY2(w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled() == withDatabase, name);
     QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->isEnabled(), withDatabase);
     for (const char* name :
         { "mKopiotikkuVarmistus", "mKopiotikkuPalautus", "mKopioTikkuHallinta", "mService" })
         QVERIFY2(!w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled(), name);
-    QVERIFY(!w.findChild<QPushButton*>(QStringLiteral("cTulosJaTase"))->isEnabled());
+    QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTulosJaTase"))->isEnabled(), withDatabase);
     // The settings window also mends a database name that leads nowhere; models need no books.
     for (const char* name :
         { "mPalautus", "mSulje", "mTietoja", "mAsetukset", "mLuoTietokantaMallistaYhdistys",
@@ -103,6 +103,9 @@ void tst_frmMain::workingWindowsOpenOnce_data()
     QTest::newRow("cTilit") << "cTilit"
                             << "frmTilitNew"
                             << "Tilit";
+    QTest::newRow("mTulosJaTase") << "mTulosJaTase"
+                                  << "frmNewTulosJaTase"
+                                  << "Tuloslaskelma ja tase";
 }
 
 void tst_frmMain::workingWindowsOpenOnce()

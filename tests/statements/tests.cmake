@@ -15,3 +15,5 @@ vorkam_add_test(tst_TemplateChecks SOURCES statements/tst_TemplateChecks.cpp)
 add_dependencies(tst_TemplateChecks vorkam_data)
 vorkam_add_test(tst_StatementPrint SOURCES statements/tst_StatementPrint.cpp)
 add_dependencies(tst_StatementPrint vorkam_data vorkam_reports)
+# The statement window and the check window, offscreen.
+vorkam_add_test(tst_frmNewTulosJaTase UI SOURCES statements/tst_frmNewTulosJaTase.cpp)

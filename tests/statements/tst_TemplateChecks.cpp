@@ -157,7 +157,8 @@ private slots:
                 findings[0].param);
             QVERIFY(
                 TemplateChecks::reportText(findings).startsWith(QLatin1String("Tarkistus suoritettu.\n")));
-            QVERIFY(TemplateChecks::reportText(findings).contains(QStringLiteral("\nKohdassa:\n") + findings[0].param));
+            QVERIFY(TemplateChecks::reportText(findings).contains(
+                QStringLiteral("\nKohdassa:\n") + findings[0].param));
         }
     }
 

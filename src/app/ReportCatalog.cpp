@@ -7,7 +7,7 @@
 #include "PeriodCheck.h"
 #include "ProgramSettings.h"
 #include "ReportError.h"
-#include "StatementExport.h"
+#include "StatementPrint.h"
 #include "Statements.h"
 #include "TiliRaportit.h"
 #include "Tilikartta.h"
@@ -27,9 +27,8 @@ qint32 ensimmainenMalli(const QSqlDatabase& db, int tyyppi)
 }
 
 // A statement of the template named (or the first of its kind) for the period given (or the
-// fiscal year), computed as the statement window computes it before printing.
-std::unique_ptr<ReportDocument> statement(
-    const QSqlDatabase& db, const ReportCatalog::Options& options, int kind)
+// fiscal year), computed and printed as the statement window does it.
+ReportJob statement(const QSqlDatabase& db, const ReportCatalog::Options& options, int kind)
 {
     const bool income = kind == cMalli::Tuloslaskelma;
     qint32 id = 0;
@@ -58,9 +57,7 @@ std::unique_ptr<ReportDocument> statement(
     if (!Statements::compute(db, o))
         throw ReportError(
             income ? QStringLiteral("Tuloslaskelmaa ei laskettu.") : QStringLiteral("Tasetta ei laskettu."));
-    return income ? StatementExport::incomeStatement(
-               db, StatementExport::incomeHeading(from, to, s.TilikausiAlku, s.TilikausiLoppu))
-                  : StatementExport::balanceSheet(db, StatementExport::balanceHeading(to));
+    return StatementPrint::job(kind, !options.narrow, from, to, s);
 }
 
 KirjaTulostus::Laji laji(const QString& kind)
@@ -101,14 +98,13 @@ const std::vector<Entry>& entries()
                 saldot.Laske();
                 return TiliRaportit::tilienSaldot();
             } },
-        { QStringLiteral("tuloslaskelma"), QStringLiteral("tuloslaskelma mallista (vain --csv ja --xlsx)"),
-            true, true, false, false, {}, true,
-            [](const QSqlDatabase& db, const Options& o) {
-                return statement(db, o, cMalli::Tuloslaskelma);
-            } },
-        { QStringLiteral("tase"), QStringLiteral("tase mallista (vain --csv ja --xlsx)"), true, true, false,
-            false, {}, true,
-            [](const QSqlDatabase& db, const Options& o) { return statement(db, o, cMalli::Tase); } },
+        { QStringLiteral("tuloslaskelma"), QStringLiteral("tuloslaskelma mallista (--narrow: suppea)"), true,
+            true, false, false,
+            [](const QSqlDatabase& db, const Options& o) { return statement(db, o, cMalli::Tuloslaskelma); },
+            true },
+        { QStringLiteral("tase"), QStringLiteral("tase mallista (--narrow: suppea)"), true, true, false,
+            false, [](const QSqlDatabase& db, const Options& o) { return statement(db, o, cMalli::Tase); },
+            true },
         { QStringLiteral("tilitark"), QStringLiteral("tilitarkastelu (--account tilinumero)"), true, false,
             true, false,
             [](const QSqlDatabase& db, const Options& o) {

@@ -24,6 +24,7 @@ struct Options {
     QString templateName; // a statement template's name; empty: the first of its kind
     bool perAccount = false; // a statement's lines account by account
     bool groupsOnly = false; // a statement's main-level lines only
+    bool narrow = false; // a statement's narrow form
 };
 
 struct Entry {

@@ -14,6 +14,7 @@
 #include "frmBackupManagement.h"
 #include "frmBackupRestore.h"
 #include "frmNewTositteet.h"
+#include "frmNewTulosJaTase.h"
 #include "frmOhje.h"
 #include "frmTilitNew.h"
 
@@ -76,6 +77,9 @@ frmMain::frmMain(QWidget* parent)
     connect(ui->mTilinpaatosviennit, &QAction::triggered, this,
         [this] { openWindow(Window::Tilinpaatosviennit); });
     connect(ui->cTilit, &QPushButton::clicked, this, [this] { openWindow(Window::Tilit); });
+    // The statement window opens whatever VanhatMallit says, as the voucher window does.
+    connect(ui->cTulosJaTase, &QPushButton::clicked, this, [this] { openWindow(Window::TulosJaTase); });
+    connect(ui->mTulosJaTase, &QAction::triggered, this, [this] { openWindow(Window::TulosJaTase); });
     connect(ui->mTilit, &QAction::triggered, this, [this] { openWindow(Window::Tilit); });
     connect(ui->cKayttotuki, &QPushButton::clicked, this, &frmMain::openManual);
     connect(ui->cSulje, &QPushButton::clicked, this, &frmMain::endProgram);
@@ -109,10 +113,11 @@ void frmMain::startUp()
     m_startup = startup.run();
     showBooks();
     const bool open = m_startup.databaseOpen;
-    for (QWidget* w : { static_cast<QWidget*>(ui->cTositteet), static_cast<QWidget*>(ui->cTilit) })
+    for (QWidget* w : { static_cast<QWidget*>(ui->cTositteet), static_cast<QWidget*>(ui->cTilit),
+             static_cast<QWidget*>(ui->cTulosJaTase) })
         w->setEnabled(open);
-    for (QAction* a : { ui->mTositteet, ui->mTilit, ui->mAvausviennit, ui->mTilinpaatosviennit,
-             ui->mLuoTietokantaNykyisesta })
+    for (QAction* a : { ui->mTositteet, ui->mTilit, ui->mTulosJaTase, ui->mAvausviennit,
+             ui->mTilinpaatosviennit, ui->mLuoTietokantaNykyisesta })
         a->setEnabled(open);
     // The reorganisation and the maintenance commands rewrite the books: not for books open for
     // reading only.
@@ -166,6 +171,9 @@ void frmMain::openWindow(Window which)
             break;
         case Window::Tilit:
             slot = new frmTilitNew(db, this);
+            break;
+        case Window::TulosJaTase:
+            slot = new frmNewTulosJaTase(db, this);
             break;
         case Window::Count:
             return;

@@ -3,7 +3,7 @@
 //
 //   vorkam_report BOOKS.mdb REPORT [--from d.M.yyyy --to d.M.yyyy] [--account N]
 //                 [--kind normal|opening|closing] [--template NAME] [--accounts] [--groups-only]
-//                 (--pdf F | --csv F | --xlsx F)
+//                 [--narrow] (--pdf F | --csv F | --xlsx F)
 //   vorkam_report OLD.mdb muunna      converts old Jet books into Vorkam's format
 //   vorkam_report BOOKS.mdb tarkistus prints the findings of the voucher check (exit 1 with any)
 #include "DatabaseError.h"
@@ -62,7 +62,7 @@ QString usage()
     QString text = QStringLiteral(
         "Käyttö: vorkam_report KIRJANPITO.mdb RAPORTTI [--from p.k.vvvv --to p.k.vvvv] [--account N]\n"
         "                      [--kind normal|opening|closing] [--template MALLI] [--accounts] "
-        "[--groups-only]\n"
+        "[--groups-only] [--narrow]\n"
         "                      (--pdf TIEDOSTO | --csv TIEDOSTO | --xlsx TIEDOSTO)\n"
         "       vorkam_report VANHA.mdb muunna  (muuntaa vanhan Jet-tietokannan Vorkamin muotoon)\n"
         "       vorkam_report KIRJANPITO.mdb tarkistus  (tositteiden tarkistus; paluuarvo 1, kun puutteita "
@@ -93,8 +93,11 @@ QString parse(const QStringList& args, Arguments& a)
         }
         if (arg == u"--help")
             return QStringLiteral("help");
-        if (arg == u"--accounts" || arg == u"--groups-only") {
-            (arg == u"--accounts" ? a.options.perAccount : a.options.groupsOnly) = true;
+        if (arg == u"--accounts" || arg == u"--groups-only" || arg == u"--narrow") {
+            (arg == u"--accounts"        ? a.options.perAccount
+                    : arg == u"--narrow" ? a.options.narrow
+                                         : a.options.groupsOnly)
+                = true;
             continue;
         }
         if (i + 1 >= args.size())
@@ -157,8 +160,8 @@ QString unusedOption(const ReportCatalog::Entry& e, const ReportCatalog::Options
         return refuse("--account");
     if (!o.kind.isEmpty() && !e.takesKind)
         return refuse("--kind");
-    if (!e.takesTemplate && (!o.templateName.isEmpty() || o.perAccount || o.groupsOnly))
-        return refuse("--template/--accounts/--groups-only");
+    if (!e.takesTemplate && (!o.templateName.isEmpty() || o.perAccount || o.groupsOnly || o.narrow))
+        return refuse("--template/--accounts/--groups-only/--narrow");
     return {};
 }
 

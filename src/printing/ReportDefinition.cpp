@@ -242,6 +242,25 @@ ReportDefinition ReportDefinition::parse(const QByteArray& json, const QString& 
             d.fields.insert(it.key(), r.format(holder));
         }
     }
+    const QJsonValue rowStyle = root.value(QLatin1String("rowStyle"));
+    if (!rowStyle.isUndefined()) {
+        const QJsonObject o = r.object(rowStyle, QStringLiteral("Kohta \"rowStyle\""));
+        if (o.contains(QLatin1String("indent"))) {
+            const QJsonObject indent
+                = r.object(o.value(QLatin1String("indent")), QStringLiteral("Kohta \"indent\""));
+            d.rowStyle.indentField = r.text(indent, "field", true);
+            d.rowStyle.indentColumn = r.text(indent, "column", true);
+            d.rowStyle.indentStep = indent.value(QLatin1String("step")).toDouble(10);
+            if (d.rowStyle.indentStep < 0 || d.rowStyle.indentStep > 72)
+                r.fail(QStringLiteral("sisennyksen tulee olla 0–72 pistettä."));
+        }
+        d.rowStyle.boldField = r.text(o, "bold");
+        d.rowStyle.ruleField = r.text(o, "rule");
+        // The style's fields are read with the rows like any field no column shows.
+        for (const QString& f : { d.rowStyle.indentField, d.rowStyle.boldField, d.rowStyle.ruleField })
+            if (!f.isEmpty() && !d.fields.contains(f))
+                d.fields.insert(f, CellFormat::Integer);
+    }
     // Every cell starts in a column of the report, and a span runs left to right.
     const auto columnOf = [&d](const QString& field) {
         for (int i = 0; i < int(d.columns.size()); ++i)
@@ -257,6 +276,8 @@ ReportDefinition ReportDefinition::parse(const QByteArray& json, const QString& 
     for (const QList<ReportCell>& line : d.summary)
         for (const ReportCell& c : line)
             all.append(&c);
+    if (!d.rowStyle.indentColumn.isEmpty() && columnOf(d.rowStyle.indentColumn) < 0)
+        r.fail(QStringLiteral("sisennettävää saraketta %1 ei ole.").arg(d.rowStyle.indentColumn));
     for (const ReportCell* c : all) {
         const int from = columnOf(c->column);
         if (from < 0)

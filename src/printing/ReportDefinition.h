@@ -15,7 +15,7 @@ enum class CellAlign { Left, Right, Center };
 
 struct ReportColumn {
     QString field; // a column of the query's result
-    QString caption;
+    QString caption; // "{Formula}" is replaced
     double width = 1; // share of the printable width, relative to the other columns
     CellAlign align = CellAlign::Left;
     CellFormat format = CellFormat::Text;
@@ -54,6 +54,17 @@ struct ReportGroup {
 
 enum class Orientation { Portrait, Landscape, Setting };
 
+// How detail rows vary by their own values: a statement indents its captions by level and
+// prints its totals in bold with a rule above the amounts. Each names an integer field of the
+// query; empty: not used.
+struct ReportRowStyle {
+    QString indentField; // the level: the caption moves right by `indentStep` points per level
+    QString indentColumn; // the column whose text is indented
+    double indentStep = 0;
+    QString boldField; // not 0: the row is printed in bold
+    QString ruleField; // not 0: a rule above the row's amounts
+};
+
 // A report definition file (*.rpt): Vorkam's own JSON description of a report's data and layout.
 //
 //   {
@@ -72,7 +83,9 @@ enum class Orientation { Portrait, Landscape, Setting };
 //     "grandTotal": "Yhteensä",
 //     "summary": [ [ { "column": "Numero", "text": "Tositteita {Tositteita}" } ], … ],
 //     "fields": { "Selite": "text" },
-//     "fonts": { "detail": { "face": "Times New Roman", "size": 10, "bold": false } }
+//     "fonts": { "detail": { "face": "Times New Roman", "size": 10, "bold": false } },
+//     "rowStyle": { "indent": { "field": "Taso", "column": "Rivi", "step": 10 },
+//                   "bold": "Korostus", "rule": "Viiva" }
 //   }
 //
 // The selection formula and sort fields may name only the tables listed in "tables"; the query's
@@ -103,6 +116,7 @@ public:
     // balance) and are read at the group's first row only.
     QMap<QString, CellFormat> fields;
     SectionFontTable fonts;
+    ReportRowStyle rowStyle;
 
     bool hasTotals() const;
     // The formula of a name as the definition spells it, case-insensitively; "" when it has none.

@@ -46,6 +46,7 @@ ReportDocument::ReportDocument(
     m_totalFont = fontIndex(Section::Total, spec(Section::Total).bold, spec(Section::Total).italic);
     m_footerFont = fontIndex(Section::Footer, spec(Section::Footer).bold, spec(Section::Footer).italic);
     m_runningFont = fontIndex(Section::Footer, false, true);
+    m_detailBoldFont = fontIndex(Section::Detail, true, spec(Section::Detail).italic);
     m_titleLine = font(m_titleFont).size * 1.35f;
     m_headerLine = font(m_headerFont).size * 1.5f;
     m_detailLine = font(m_detailFont).size * 1.3f;
@@ -103,6 +104,15 @@ ReportDocument::ReportDocument(
     }
     m_grandTotal = compile(m_definition.grandTotal);
     m_runningTitle = title();
+    for (const ReportColumn& c : m_definition.columns)
+        m_captions.push_back(WinAnsi::fromUnicode(expand(c.caption, -1)));
+    const ReportRowStyle& style = m_definition.rowStyle;
+    m_indentField = style.indentField.isEmpty() ? -1 : m_data->fieldIndex(style.indentField);
+    m_boldField = style.boldField.isEmpty() ? -1 : m_data->fieldIndex(style.boldField);
+    m_ruleField = style.ruleField.isEmpty() ? -1 : m_data->fieldIndex(style.ruleField);
+    for (int c = 0; c < int(m_definition.columns.size()); ++c)
+        if (m_definition.columns[c].field.compare(style.indentColumn, Qt::CaseInsensitive) == 0)
+            m_indentColumn = c;
 
     buildItems();
     paginate();
@@ -447,12 +457,13 @@ void ReportDocument::placeCell(ReportPage& page, int column, float y, quint8 f, 
     placeSpan(page, column, column, m_definition.columns[column].align, y, f, offset);
 }
 
-void ReportDocument::placeSpan(
-    ReportPage& page, int from, int to, CellAlign align, float y, quint8 f, quint32 offset) const
+void ReportDocument::placeSpan(ReportPage& page, int from, int to, CellAlign align, float y, quint8 f,
+    quint32 offset, float indent) const
 {
     // The text was appended to page.text at `offset`; it is cut to the columns and aligned.
     const PageFont& pf = font(f);
-    const float left = m_columnLeft[size_t(from)];
+    const float left
+        = std::min(m_columnLeft[size_t(from)] + indent, m_columnRight[size_t(to)] - 2 * m_padding);
     const float right = m_columnRight[size_t(to)];
     const float available = right - left - 2 * m_padding;
     quint32 length = quint32(page.text.size()) - offset;
@@ -475,6 +486,29 @@ void ReportDocument::placeSpan(
     else if (align == CellAlign::Center)
         x = (left + right - w) / 2;
     page.runs.push_back({ x, y, offset, length, f, quint8(align) });
+}
+
+void ReportDocument::addDetail(ReportPage& page, float top, float h, int row) const
+{
+    const float b = baseline(top, h);
+    const quint8 f
+        = m_boldField >= 0 && m_data->number(row, m_boldField) != 0 ? m_detailBoldFont : m_detailFont;
+    const bool rule = m_ruleField >= 0 && m_data->number(row, m_ruleField) != 0;
+    const float indent = m_indentField >= 0
+        ? float(m_data->number(row, m_indentField) * m_definition.rowStyle.indentStep)
+        : 0;
+    for (const int c : m_detailColumns) {
+        const quint32 offset = quint32(page.text.size());
+        m_data->appendDisplay(page.text, row, m_columnField[size_t(c)]);
+        if (quint32(page.text.size()) == offset)
+            continue;
+        const ReportColumn& column = m_definition.columns[c];
+        placeSpan(page, c, c, column.align, b, f, offset, c == m_indentColumn ? std::max(indent, 0.0f) : 0);
+        // A total's amounts are set off from the lines they sum.
+        if (rule && column.format == CellFormat::Money)
+            page.rules.push_back({ m_columnLeft[size_t(c)] + m_padding, top + 0.5f,
+                m_columnRight[size_t(c)] - m_padding, top + 0.5f, 0.5f });
+    }
 }
 
 void ReportDocument::addCell(ReportPage& page, int column, float y, quint8 f, const QByteArray& text) const
@@ -542,8 +576,7 @@ ReportPage ReportDocument::page(int index) const
         y += m_footerLine + 4;
     }
     for (int c = 0; c < int(m_definition.columns.size()); ++c)
-        addCell(page, c, baseline(y, m_headerLine), m_headerFont,
-            WinAnsi::fromUnicode(m_definition.columns[c].caption));
+        addCell(page, c, baseline(y, m_headerLine), m_headerFont, m_captions[size_t(c)]);
     y += m_headerLine;
     page.rules.push_back({ m_left, y + 1, m_right, y + 1, 0.75f });
     y += 3;
@@ -552,16 +585,9 @@ ReportPage ReportDocument::page(int index) const
         const Item& item = m_items[size_t(i)];
         const float h = height(item);
         switch (item.kind) {
-        case Kind::Detail: {
-            const float b = baseline(y, h);
-            for (const int c : m_detailColumns) {
-                const quint32 offset = quint32(page.text.size());
-                m_data->appendDisplay(page.text, item.index, m_columnField[size_t(c)]);
-                if (quint32(page.text.size()) > offset)
-                    placeCell(page, c, b, m_detailFont, offset);
-            }
+        case Kind::Detail:
+            addDetail(page, y, h, item.index);
             break;
-        }
         case Kind::GroupHeader: {
             const float b = baseline(y + 3, m_groupLine - 3);
             const Line& cells = m_headerCells[item.level];

@@ -42,6 +42,8 @@ public:
     const QStringList& titleLines() const { return m_titleLines; }
     // "Esimerkkiyhdistys ry - Tilien saldot": for the window caption, the PDF and spreadsheets.
     QString title() const;
+    // A column's caption with its formulas filled in ("Loppusaldo 0512").
+    QString columnCaption(int column) const { return WinAnsi::toUnicode(m_captions[size_t(column)]); }
 
     // The rows as a spreadsheet gets them, in printing order: group headers, detail rows, group
     // and grand totals. Each cell is a number, a date, a text or null.
@@ -106,8 +108,9 @@ private:
     float otherBodyTop() const;
     void addText(ReportPage& page, float x, float y, quint8 font, const QByteArray& text) const;
     void placeCell(ReportPage& page, int column, float y, quint8 font, quint32 offset) const;
-    void placeSpan(
-        ReportPage& page, int from, int to, CellAlign align, float y, quint8 font, quint32 offset) const;
+    void placeSpan(ReportPage& page, int from, int to, CellAlign align, float y, quint8 font, quint32 offset,
+        float indent = 0) const;
+    void addDetail(ReportPage& page, float top, float height, int row) const;
     void addCell(ReportPage& page, int column, float y, quint8 font, const QByteArray& text) const;
     void addTotals(ReportPage& page, float top, float line, quint8 font, int block, const QByteArray& caption,
         bool columnRules) const;
@@ -125,6 +128,9 @@ private:
     std::vector<int> m_columnField; // data field of each column
     std::vector<int> m_groupField;
     std::vector<int> m_detailColumns; // the columns drawn in detail rows
+    std::vector<QByteArray> m_captions; // the column captions with their formulas
+    // The row style's fields and the indented column; -1 when not used.
+    int m_indentField = -1, m_indentColumn = -1, m_boldField = -1, m_ruleField = -1;
     std::vector<Template> m_groupHeaders, m_groupTotals;
     std::vector<Line> m_headerCells, m_footerCells; // per group level
     std::vector<Line> m_summary;
@@ -139,7 +145,7 @@ private:
     float m_padding = 3;
     // Font indexes of the sections.
     quint8 m_titleFont = 0, m_headerFont = 0, m_detailFont = 0, m_groupFont = 0, m_totalFont = 0,
-           m_footerFont = 0, m_runningFont = 0;
+           m_footerFont = 0, m_runningFont = 0, m_detailBoldFont = 0;
     float m_titleLine = 0, m_headerLine = 0, m_detailLine = 0, m_groupLine = 0, m_totalLine = 0,
           m_footerLine = 0;
     float m_groupTextLine = 0; // each further line of a wrapped group header

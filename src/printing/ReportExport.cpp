@@ -49,8 +49,8 @@ void writeCsv(const ReportDocument& document, const QString& path)
     const auto line = [&out](const QStringList& cells) { out += cells.join(u';').toUtf8() + "\r\n"; };
     line({ csvCell(document.title(), CellFormat::Text) });
     QStringList heads;
-    for (const ReportColumn& c : d.columns)
-        heads.append(csvCell(c.caption, CellFormat::Text));
+    for (int c = 0; c < int(d.columns.size()); ++c)
+        heads.append(csvCell(document.columnCaption(c), CellFormat::Text));
     line(heads);
     for (const ReportDocument::TableRow& row : document.tableRows()) {
         QStringList cells;
@@ -116,7 +116,8 @@ void writeXlsx(const ReportDocument& document, const QString& path)
     for (int c = 0; c < int(d.columns.size()); ++c) {
         check(worksheet_set_column(
             ws, lxw_col_t(c), lxw_col_t(c), std::max(8.0, 90.0 * d.columns[c].width / weights), nullptr));
-        check(worksheet_write_string(ws, 2, lxw_col_t(c), d.columns[c].caption.toUtf8().constData(), bold));
+        check(worksheet_write_string(
+            ws, 2, lxw_col_t(c), document.columnCaption(int(c)).toUtf8().constData(), bold));
     }
     lxw_row_t r = 3;
     for (const ReportDocument::TableRow& row : document.tableRows()) {

@@ -10,8 +10,12 @@ set(VORKAM_STATEMENTS_CORE
   statements/ProfitEntries.h
   statements/StatementAccounts.cpp
   statements/StatementAccounts.h
-  statements/StatementExport.cpp
-  statements/StatementExport.h
+  statements/StatementPrint.cpp
+  statements/StatementPrint.h
+  statements/TemplateEditor.cpp
+  statements/TemplateEditor.h
+  statements/TemplateChecks.cpp
+  statements/TemplateChecks.h
   statements/StatementOptions.cpp
   statements/StatementOptions.h
   statements/Statements.cpp
@@ -20,8 +24,18 @@ set(VORKAM_STATEMENTS_CORE
   statements/TemplateText.h
   statements/TemplateTree.cpp
   statements/TemplateTree.h
+  statements/cMalliVirhe.h
   statements/cMalli.cpp
   statements/cMalli.h
   statements/cMalliRivi.cpp
   statements/cMalliRivi.h
+)
+# The statement window and the check window, in vorkam_ui.
+set(VORKAM_STATEMENTS_UI
+  statements/frmNewTulosJaTase.cpp
+  statements/frmNewTulosJaTase.h
+  statements/frmNewTulosJaTase.ui
+  statements/frmTarkistusVirheet.cpp
+  statements/frmTarkistusVirheet.h
+  statements/frmTarkistusVirheet.ui
 )

@@ -72,12 +72,12 @@ void tst_frmMain::commandsFollowTheDatabase()
     frmMain& w = started.window;
     QCOMPARE(w.windowTitle(), caption);
     // Windows and commands of the books need a database; later features stay disabled either way.
-    for (const char* name : { "mTositteet", "mTilit", "mAvausviennit", "mTilinpaatosviennit", "mVarmistus",
-             "mKopiotikkuVarmistus", "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta" })
+    for (const char* name : { "mTositteet", "mTilit", "mTulosJaTase", "mAvausviennit", "mTilinpaatosviennit",
+             "mVarmistus", "mKopiotikkuVarmistus", "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta" })
         QVERIFY2(w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled() == withDatabase, name);
     QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->isEnabled(), withDatabase);
     QVERIFY(!w.findChild<QAction*>(QStringLiteral("mService"))->isEnabled());
-    QVERIFY(!w.findChild<QPushButton*>(QStringLiteral("cTulosJaTase"))->isEnabled());
+    QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTulosJaTase"))->isEnabled(), withDatabase);
     // The settings window also mends a database name that leads nowhere; models need no books.
     for (const char* name : { "mPalautus", "mKopiotikkuPalautus", "mKopioTikkuHallinta", "mSulje", "mTietoja",
              "mAsetukset", "mLuoTietokantaMallistaYhdistys", "mLuoTietokantaMallistaAOY",
@@ -101,6 +101,9 @@ void tst_frmMain::workingWindowsOpenOnce_data()
     QTest::newRow("cTilit") << "cTilit"
                             << "frmTilitNew"
                             << "Tilit";
+    QTest::newRow("mTulosJaTase") << "mTulosJaTase"
+                                  << "frmNewTulosJaTase"
+                                  << "Tuloslaskelma ja tase";
 }
 
 void tst_frmMain::workingWindowsOpenOnce()

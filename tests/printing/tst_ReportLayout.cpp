@@ -134,6 +134,18 @@ private slots:
         QTest::newRow("a parameter not handed")
             << QByteArray(ok).replace(R"("tables")", R"("parameters": ["id"], "tables")") << none << ""
             << "Raportille kokeilu.rpt ei annettu tietoa id.";
+        QTest::newRow("indent of a column the report lacks") << QByteArray(ok).replace(
+            R"("columns")", R"("rowStyle": { "indent": { "field": "Numero", "column": "Rivi" } }, "columns")")
+                                                             << none << ""
+                                                             << "sisennettävää saraketta Rivi ei ole";
+        QTest::newRow("bold by a field the query lacks")
+            << QByteArray(ok).replace(R"("columns")", R"("rowStyle": { "bold": "Korostus" }, "columns")")
+            << none << ""
+            << "kenttää Korostus ei ole sen kyselyssä";
+        QTest::newRow("an unknown formula in a caption") << QByteArray(ok).replace(
+            R"("format": "integer")", R"("format": "integer", "caption": "{Jakso2}")")
+                                                         << none << ""
+                                                         << "tuntematon kaava tai kenttä {Jakso2}";
         QTest::newRow("query the database refuses")
             << QByteArray(ok).replace("FROM tl", "FROM eiTaulua") << none << ""
             << "Raportin kokeilu.rpt tietoja ei voitu lukea.";

@@ -1,0 +1,238 @@
+#include "ModelChecks.h"
+#include "ScriptedDialogs.h"
+#include "StatementFixture.h"
+#include "TemplateChecks.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTest>
+#include <memory>
+
+namespace {
+
+using Row = StatementFixture::Row;
+
+// Accounts 1–4; an income statement 1 over 3 and 4 and a balance sheet 2 over 1 and 2, both
+// clean: every check passes.
+void cleanPair()
+{
+    for (int i = 1; i <= 4; ++i)
+        StatementFixture::account(i, 1000 * i);
+    StatementFixture::malli(1, QStringLiteral("Tulos"), 1);
+    StatementFixture::malli(2, QStringLiteral("Tase"), 2, 1);
+    StatementFixture::row({ .id = 10, .ma = 1, .teksti = "Tuotot", .tilit = "3," });
+    StatementFixture::row({ .id = 11, .ma = 1, .teksti = "Kulut", .tilit = "4," });
+    StatementFixture::row(
+        { .id = 12, .ma = 1, .teksti = "Tulos", .kaava = "+10,+11,", .equation = true, .profit = true });
+    StatementFixture::row({ .id = 20, .ma = 2, .teksti = "Vastaavaa", .side = "D" });
+    StatementFixture::row({ .id = 21, .ma = 2, .teksti = "Rahat", .parent = 20, .tilit = "1,", .side = "D" });
+    StatementFixture::row({ .id = 22, .ma = 2, .teksti = "Vastattavaa", .side = "K" });
+    StatementFixture::row(
+        { .id = 23, .ma = 2, .teksti = "Pääoma", .parent = 22, .tilit = "2,", .side = "K" });
+}
+
+QStringList lines(const std::vector<cMalliVirhe>& findings) { return TemplateChecks::listLines(findings); }
+
+} // namespace
+
+class tst_TemplateChecks : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<StatementFixture> f;
+    std::unique_ptr<ScriptedDialogs> dialogs;
+
+private slots:
+    void init()
+    {
+        f = std::make_unique<StatementFixture>();
+        QVERIFY(f->ok);
+        dialogs = std::make_unique<ScriptedDialogs>();
+        cleanPair();
+    }
+    void cleanup()
+    {
+        QVERIFY2(dialogs->failures().isEmpty(), qPrintable(dialogs->failures().join(u'\n')));
+        dialogs.reset();
+        f.reset();
+    }
+
+    // A clean pair has no findings, whatever order the balance sheet's two groups are in; the
+    // findings table is emptied on every run.
+    void cleanPairPasses()
+    {
+        StatementFixture::exec(
+            QStringLiteral("INSERT INTO tk (tkTeksti, tkTyyppi, tkParam) VALUES ('vanha', 1, 0)"));
+        QCOMPARE(lines(TemplateChecks::run(f->db(), { 1, 2 })), QStringList());
+        QCOMPARE(StatementFixture::count(QStringLiteral("tk")), 0);
+        StatementFixture::exec(QStringLiteral("UPDATE mr SET mrGroupOrder = 1 WHERE mrID = 22"));
+        StatementFixture::exec(QStringLiteral("UPDATE mr SET mrGroupOrder = 2 WHERE mrID = 20"));
+        QCOMPARE(lines(TemplateChecks::run(f->db(), { 1, 2 })), QStringList());
+        QCOMPARE(TemplateChecks::reportText({}), QStringLiteral("Tarkistus suoritettu virheettömästi."));
+    }
+
+    void withoutPairAccountChecksAreNotRun()
+    {
+        StatementFixture::exec(QStringLiteral("UPDATE mr SET mrTilit = '3,1,' WHERE mrID = 10"));
+        const QStringList expected { "Ei tarkistettu: Onko kaikki tilit käytössä.",
+            "Ei tarkistettu: Onko sama tili useampaan kertaan taseessa tai tuloslaskelmassa." };
+        QCOMPARE(lines(TemplateChecks::run(f->db(), { 1, 0 })), expected);
+        QCOMPARE(StatementFixture::count(QStringLiteral("tk"), QStringLiteral("tkTyyppi = 10")), 2);
+    }
+
+    // Each check on a small change of the clean pair: its message and where it points.
+    void eachCheck_data()
+    {
+        QTest::addColumn<QStringList>("sql");
+        QTest::addColumn<QStringList>("expected");
+        QTest::newRow("formula names a later row")
+            << QStringList { "UPDATE mr SET mrGroupOrder = 20 WHERE mrID = 11" }
+            << QStringList { "Kaavassa summausjärjestys on väärin. -- Tarkista: "
+                             "Tulos / Tulos" };
+        QTest::newRow("formula names itself")
+            << QStringList { "UPDATE mr SET mrKaava = '+10,+12,' WHERE mrID = 12" }
+            << QStringList { "Kaavassa summausjärjestys on väärin. -- Tarkista: Tulos / Tulos" };
+        QTest::newRow("same account twice")
+            << QStringList { "UPDATE mr SET mrTilit = '3,1,' WHERE mrID = 10" }
+            << QStringList { "Sama tili on mallissa useampaan kertaan. -- Tarkista: 1000 Tili 1000" };
+        QTest::newRow("unused account")
+            << QStringList { "UPDATE mr SET mrTilit = '' WHERE mrID = 11" }
+            << QStringList { "Kaikki tilit eivät ole käytössä. -- Tarkista: 4000 Tili 4000" };
+        QTest::newRow("unused formula")
+            << QStringList { "UPDATE mr SET mrKaava = '+10,' WHERE mrID = 11" }
+            << QStringList { "Mallissa on luotu kaava, joka ei ole käytössä. -- Tarkista: "
+                             "Tulos / Kulut" };
+        QTest::newRow("a lone comma is no formula")
+            << QStringList { "UPDATE mr SET mrKaava = ',' WHERE mrID = 11" } << QStringList {};
+        QTest::newRow("two profit rows")
+            << QStringList { "UPDATE mr SET mrIsVoitto = 1 WHERE mrID = 11" }
+            << QStringList {
+                   "Mallissa on 2 riviä, jotka on merkitty Voitto / Tappio riviksi. -- Tarkista: Tulos"
+               };
+        QTest::newRow("accounts on a group") << QStringList {
+            "UPDATE mr SET mrTilit = '1,' WHERE mrID = 20", "UPDATE mr SET mrTilit = '' WHERE mrID = 21"
+        } << QStringList { "Mallissa on valittuna tilejä pääryhmään. -- Tarkista: Tase / Vastaavaa" };
+        QTest::newRow("-1, on a group is no finding")
+            << QStringList { "UPDATE mr SET mrTilit = '-1,' WHERE mrID = 20" } << QStringList {};
+        QTest::newRow("formula row with accounts")
+            << QStringList { "UPDATE mr SET mrTilit = '4,' WHERE mrID = 12",
+                   "UPDATE mr SET mrTilit = '' WHERE mrID = 11" }
+            << QStringList {
+                   "Mallissa on valittuna sekä tilejä, että käytä kaavaa. -- Tarkista: Tulos / Tulos"
+               };
+        QTest::newRow("income row on debit") << QStringList {
+            "UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID = 11"
+        } << QStringList { "Tuloslaskelmassa on valittuna saldopuoleksi debet. -- Tarkista: Tulos / Kulut" };
+        QTest::newRow("debit under Vastattavaa")
+            << QStringList { "UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID = 23" }
+            << QStringList {
+                   "Vastattavaa-puolella on valittuna saldopuoleksi debet. -- Tarkista: Tase / Vastattavaa / "
+                   "Pääoma"
+               };
+        QTest::newRow("credit under Vastaavaa")
+            << QStringList { "UPDATE mr SET mrSaldoPuoli = 'K' WHERE mrID = 21" }
+            << QStringList {
+                   "Vastaavaa-puolella on valittuna saldopuoleksi kredit. -- Tarkista: Tase / Vastaavaa / "
+                   "Rahat"
+               };
+        QTest::newRow("a group's side without accounts is no finding")
+            << QStringList { "UPDATE mr SET mrSaldoPuoli = 'K' WHERE mrID = 20" } << QStringList {};
+        QTest::newRow("not standard")
+            << QStringList { "UPDATE mr SET mrTeksti = 'Varat' WHERE mrID = 20" }
+            << QStringList { "Tasemalli ei ole standardi. Suoraan mallin alla pitää olla vain 'Vastaavaa' ja "
+                             "'Vastattavaa' ryhmät. -- Tarkista: Tase / Varat" };
+    }
+    void eachCheck()
+    {
+        QFETCH(QStringList, sql);
+        QFETCH(QStringList, expected);
+        for (const QString& s : sql)
+            QVERIFY(StatementFixture::exec(s));
+        const std::vector<cMalliVirhe> findings = TemplateChecks::run(f->db(), { 1, 2 });
+        QCOMPARE(lines(findings), expected);
+        QCOMPARE(StatementFixture::count(QStringLiteral("tk")), int(expected.size()));
+        if (!findings.empty()) {
+            QCOMPARE(StatementFixture::value(QStringLiteral("SELECT tkTeksti FROM tk")).toString(),
+                findings[0].teksti);
+            QCOMPARE(StatementFixture::value(QStringLiteral("SELECT tkParam FROM tk")).toString(),
+                findings[0].param);
+            QVERIFY(
+                TemplateChecks::reportText(findings).startsWith(QLatin1String("Tarkistus suoritettu.\n")));
+            QVERIFY(TemplateChecks::reportText(findings).contains(
+                QStringLiteral("\nKohdassa:\n") + findings[0].param));
+        }
+    }
+
+    // Only the template asked for is looked at; the pair's checks still run.
+    void oneTemplateOnly()
+    {
+        StatementFixture::exec(QStringLiteral("UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID = 11"));
+        StatementFixture::exec(QStringLiteral("UPDATE mr SET mrTeksti = 'Varat' WHERE mrID = 20"));
+        QCOMPARE(TemplateChecks::run(f->db(), { 1, 2 }, 2).size(), size_t(1));
+        QCOMPARE(TemplateChecks::run(f->db(), { 1, 2 }, 1).size(), size_t(1));
+        QCOMPARE(TemplateChecks::run(f->db(), { 1, 2 }).size(), size_t(2));
+    }
+
+    void pairOfASelectedTemplate()
+    {
+        QCOMPARE(TemplateChecks::pairFor(f->db(), 2).tulos, 1);
+        QCOMPARE(TemplateChecks::pairFor(f->db(), 1).tase, 2);
+        StatementFixture::exec(QStringLiteral("UPDATE ma SET maTulosMaID = 0 WHERE maID = 2"));
+        QVERIFY(!TemplateChecks::pairFor(f->db(), 1).complete());
+        QVERIFY(!TemplateChecks::pairFor(f->db(), 2).complete());
+    }
+
+    // Every model and the demo association pass every check, the pair's account checks too.
+    void shippedBooksPass_data()
+    {
+        QTest::addColumn<QString>("file");
+        for (const ModelChecks::ShippedBook& book : ModelChecks::shippedBooks())
+            QTest::newRow(qPrintable(book.name)) << book.file;
+    }
+    void shippedBooksPass()
+    {
+        QFETCH(QString, file);
+        f.reset();
+        TestEnv env;
+        const QString copy = env.path(QFileInfo(file).fileName());
+        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/") + file, copy));
+        QFile::setPermissions(copy, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        ProgramSettings::installation().Database = copy;
+        const QSqlDatabase db = DBC::instance().AvaaDB();
+        QVERIFY(db.isOpen());
+        const qint32 balance
+            = StatementFixture::value(QStringLiteral("SELECT MIN(maID) FROM ma WHERE maTyyppi = 2")).toInt();
+        const TemplateChecks::Pair pair = TemplateChecks::pairFor(db, balance);
+        QVERIFY(pair.complete());
+        const std::vector<cMalliVirhe> findings = TemplateChecks::run(db, pair);
+        DBC::instance().SuljeDB();
+        QCOMPARE(TemplateChecks::listLines(findings), QStringList());
+    }
+
+    void balanceSideCorrection()
+    {
+        StatementFixture::exec(
+            QStringLiteral("UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID IN (10, 11, 22, 23)"));
+        StatementFixture::exec(QStringLiteral("UPDATE mr SET mrSaldoPuoli = 'K' WHERE mrID = 21"));
+        dialogs->answerNo();
+        QCOMPARE(TemplateChecks::korjaaSaldopuolet(f->db(), { 1, 2 }), std::nullopt);
+        QCOMPARE(
+            StatementFixture::value(QStringLiteral("SELECT mrSaldoPuoli FROM mr WHERE mrID = 10")).toString(),
+            QStringLiteral("D"));
+        dialogs->answerYes();
+        QCOMPARE(TemplateChecks::korjaaSaldopuolet(f->db(), { 1, 2 }), std::optional<int>(5));
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information), QStringList { "Korjaukset tehty." });
+        QCOMPARE(StatementFixture::value(QStringLiteral("SELECT GROUP_CONCAT(mrSaldoPuoli, '') FROM "
+                                                        "(SELECT mrSaldoPuoli FROM mr ORDER BY mrID)"))
+                     .toString(),
+            QStringLiteral("KKKDDKK"));
+        QCOMPARE(lines(TemplateChecks::run(f->db(), { 1, 2 })), QStringList());
+        dialogs->clear();
+        dialogs->answerYes();
+        QCOMPARE(TemplateChecks::korjaaSaldopuolet(f->db(), { 0, 0 }), std::nullopt);
+        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information),
+            QStringList { "Valitse korjattava tulos- ja / tai tasemalli." });
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_TemplateChecks)
+#include "tst_TemplateChecks.moc"

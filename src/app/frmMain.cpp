@@ -10,6 +10,7 @@
 #include "ProgramSettings.h"
 #include "frmAbout.h"
 #include "frmAsetukset.h"
+#include "frmKaudenVaihto.h"
 #include "frmNewTositteet.h"
 #include "frmOhje.h"
 #include "frmTilitNew.h"
@@ -60,10 +61,10 @@ frmMain::frmMain(QWidget* parent)
     for (QWidget* w : { static_cast<QWidget*>(ui->cTositteet), static_cast<QWidget*>(ui->cTilit),
              static_cast<QWidget*>(ui->cTulosJaTase) })
         w->setEnabled(false);
-    for (QAction* a :
-        { ui->mTositteet, ui->mTulosJaTase, ui->mTilit, ui->mAvausviennit, ui->mTilinpaatosviennit,
-            ui->mVarmistus, ui->mKopiotikkuVarmistus, ui->mKopiotikkuPalautus, ui->mKopioTikkuHallinta,
-            ui->mVarmistusKansioon, ui->mMuokkaaTietokantaa, ui->mLuoTietokantaNykyisesta, ui->mService })
+    for (QAction* a : { ui->mTositteet, ui->mTulosJaTase, ui->mTilit, ui->mAvausviennit,
+             ui->mTilinpaatosviennit, ui->mVarmistus, ui->mKopiotikkuVarmistus, ui->mKopiotikkuPalautus,
+             ui->mKopioTikkuHallinta, ui->mVarmistusKansioon, ui->mMuokkaaTietokantaa,
+             ui->mLuoTietokantaNykyisesta, ui->mService, ui->mTilikaudenVaihto })
         a->setEnabled(false);
 
     // The voucher command opens the current voucher window whatever VanhatTositteet says:
@@ -84,6 +85,7 @@ frmMain::frmMain(QWidget* parent)
     connect(ui->mPalautus, &QAction::triggered, this, &frmMain::restore);
     connect(ui->mAsetukset, &QAction::triggered, this, &frmMain::openSettings);
     connect(ui->mMuokkaaTietokantaa, &QAction::triggered, this, &frmMain::editDatabase);
+    connect(ui->mTilikaudenVaihto, &QAction::triggered, this, &frmMain::changeFiscalYear);
     using Source = DatabaseCreation::Source;
     const std::pair<QAction*, Source> creations[] = {
         { ui->mLuoTietokantaMallistaYhdistys, Source::Yhdistys },
@@ -113,6 +115,7 @@ void frmMain::startUp()
     // reading only.
     ui->mVarmistus->setEnabled(open && !m_startup.readOnly);
     ui->mMuokkaaTietokantaa->setEnabled(open && !m_startup.readOnly);
+    ui->mTilikaudenVaihto->setEnabled(open && !m_startup.readOnly);
     (open ? ui->cTositteet : ui->cKayttotuki)->setFocus();
 }
 
@@ -227,6 +230,16 @@ void frmMain::editDatabase()
 {
     // Windows showing rows that a command deletes are left first, each with its leave check.
     DatabaseMaintenance::run(DBC::instance().AvaaDB(), [this] { return closeWorkingWindows(); });
+}
+
+void frmMain::changeFiscalYear()
+{
+    // The working windows hold the year's vouchers: they are left, each with its leave check,
+    // before the year moves into the history.
+    if (!closeWorkingWindows())
+        return;
+    frmKaudenVaihto window(DBC::instance().AvaaDB(), this);
+    window.exec();
 }
 
 void frmMain::createDatabase(DatabaseCreation::Source source)

@@ -4,12 +4,16 @@
 #include "ScriptedDialogs.h"
 #include "TilikaudenVaihto.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
+#include <csignal>
 #include <stdexcept>
+#include <unistd.h>
 
 namespace {
 
@@ -125,6 +129,25 @@ public:
     }
 };
 
+// The program killed in the middle of the change: a second process runs it on `file` and is
+// killed when stage `stage` is done, before the transaction is committed.
+int changeAndDie(const QString& file, const QString& dataDir, int stage)
+{
+    Paths::setDataDir(dataDir);
+    ProgramSettings::installation().Database = file;
+    const QSqlDatabase db = DBC::instance().AvaaDB();
+    if (!db.isOpen())
+        return 2;
+    ProgramSettings::loadBookkeeping(db, file);
+    TilikaudenVaihto vaihto(db);
+    vaihto.setEdistyminen([stage](const QString& teksti, int valmiina) {
+        if (valmiina == stage && teksti == TilikaudenVaihto::vaiheTeksti(stage))
+            ::kill(::getpid(), SIGKILL);
+    });
+    vaihto.suorita(2, true);
+    return 3;
+}
+
 } // namespace
 
 class tst_TilikaudenVaihto : public QObject {
@@ -143,6 +166,8 @@ private slots:
     void fullDiskLeavesBooks();
     void readOnlyBooks();
     void safetyCopyImpossible();
+    void killedLeavesBooks_data();
+    void killedLeavesBooks();
 };
 
 void tst_TilikaudenVaihto::dates_data()
@@ -499,5 +524,49 @@ void tst_TilikaudenVaihto::safetyCopyImpossible()
     QCOMPARE(books(), before);
 }
 
-QTEST_GUILESS_MAIN(tst_TilikaudenVaihto)
+void tst_TilikaudenVaihto::killedLeavesBooks_data()
+{
+    QTest::addColumn<int>("stage");
+    QTest::newRow("after the copy") << 3;
+    QTest::newRow("after the new dates") << 5;
+    QTest::newRow("after the opening voucher") << 6;
+}
+
+// The engine's journal brings the books back when they are next opened.
+void tst_TilikaudenVaihto::killedLeavesBooks()
+{
+    QFETCH(int, stage);
+    F f;
+    QVERIFY(f.ok);
+    chart();
+    templates();
+    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
+    booksOf2011();
+    const QStringList before = books();
+    const QString file = F::db().databaseName();
+    DBC::instance().SuljeDB();
+
+    QProcess child;
+    child.start(QCoreApplication::applicationFilePath(),
+        { QStringLiteral("--kesken"), file, f.env.path(QStringLiteral("data")), QString::number(stage) });
+    QVERIFY(child.waitForFinished(120000));
+    QCOMPARE(child.exitStatus(), QProcess::CrashExit);
+    QVERIFY2(QFileInfo::exists(file + QStringLiteral("-journal")), "killed inside its transaction");
+
+    QVERIFY(DBC::instance().AvaaDB().isOpen());
+    QCOMPARE(books(), before);
+    QCOMPARE(F::value(QStringLiteral("PRAGMA quick_check")).toString(), QStringLiteral("ok"));
+}
+
+int main(int argc, char** argv)
+{
+    if (argc == 5 && qstrcmp(argv[1], "--kesken") == 0) {
+        QCoreApplication app(argc, argv);
+        return changeAndDie(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]), std::atoi(argv[4]));
+    }
+    QCoreApplication app(argc, argv);
+    tst_TilikaudenVaihto test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_TilikaudenVaihto.moc"

@@ -148,6 +148,8 @@ int reportBench(const QSqlDatabase& db, const QString& binDir);
 int statementBench(const QSqlDatabase& db);
 // The journal, the ledger and the per-account windows, in ledgerbench.cpp.
 int ledgerBench(const QSqlDatabase& db, const QString& binDir);
+// The fiscal year change on a copy of the file (yearchangebench.cpp).
+int yearChangeBench(const QString& stressFile);
 
 int run(const QString& file, int runs)
 {
@@ -407,6 +409,8 @@ int main(int argc, char** argv)
         rc = statementBench(DBC::instance().AvaaDB());
     if (rc == 0)
         rc = ledgerBench(DBC::instance().AvaaDB(), QStringLiteral(VORKAM_BIN_DIR));
+    if (rc == 0)
+        rc = yearChangeBench(QFileInfo(args.at(1)).absoluteFilePath());
     DBC::instance().SuljeDB();
     return rc;
 }

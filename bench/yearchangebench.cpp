@@ -39,7 +39,7 @@ qint64 count(const QSqlDatabase& db, const QString& table)
 {
     QSqlQuery q(db);
     return q.exec(QStringLiteral("SELECT COUNT(*) FROM %1").arg(table)) && q.next() ? q.value(0).toLongLong()
-                                                                                   : -1;
+                                                                                    : -1;
 }
 
 // Account keys of the chart whose numbers lie in [from, to), as a template's account list.
@@ -64,18 +64,22 @@ qint32 makeTemplates(const QSqlDatabase& db)
     constexpr int Balance = 910002;
     Transaction t(db);
     const QString incomeRows = accounts(db, 3000, 9990);
-    run(db, QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (9990, 'Tulos (tuloslaskelma)', ' ')"));
+    run(db,
+        QStringLiteral(
+            "INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (9990, 'Tulos (tuloslaskelma)', ' ')"));
     const QString incomeProfit = accounts(db, 9990, 9991);
     run(db, QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (2999, 'Tulos (tase)', ' ')"));
     const QString balanceProfit = accounts(db, 2999, 3000);
     ProgramSettings::bookkeeping().VoittoTaseella = balanceProfit.chopped(1).toInt();
-    run(db, QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'Tuloslaskelma', 1, 0)"),
+    run(db,
+        QStringLiteral(
+            "INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'Tuloslaskelma', 1, 0)"),
         { Income });
     run(db, QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'Tase', 2, ?)"),
         { Balance, Income });
-    const QString insertRow = QStringLiteral(
-        "INSERT INTO mr (mrID, mrmaID, mrTeksti, mrTilit, mrSaldoPuoli, mrIsVoitto, mrBelongsToGroup, mrGroupOrder) "
-        "VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
+    const QString insertRow = QStringLiteral("INSERT INTO mr (mrID, mrmaID, mrTeksti, mrTilit, mrSaldoPuoli, "
+                                             "mrIsVoitto, mrBelongsToGroup, mrGroupOrder) "
+                                             "VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
     int id = 910000;
     const auto row = [&](int ma, const QString& teksti, const QString& tilit, const QString& side, int parent,
                          bool profit = false) {
@@ -87,7 +91,8 @@ qint32 makeTemplates(const QSqlDatabase& db)
     const int vastaavaa = row(Balance, QStringLiteral("Vastaavaa"), QString(), QStringLiteral("D"), 0);
     row(Balance, QStringLiteral("Vastaavat"), accounts(db, 1000, 2000), QStringLiteral("D"), vastaavaa);
     const int vastattavaa = row(Balance, QStringLiteral("Vastattavaa"), QString(), QStringLiteral("K"), 0);
-    row(Balance, QStringLiteral("Pääoma ja velat"), accounts(db, 2000, 2999), QStringLiteral("K"), vastattavaa);
+    row(Balance, QStringLiteral("Pääoma ja velat"), accounts(db, 2000, 2999), QStringLiteral("K"),
+        vastattavaa);
     row(Balance, QStringLiteral("Tilikauden tulos"), balanceProfit, QStringLiteral("K"), vastattavaa);
     t.commit();
     return Balance;
@@ -109,10 +114,11 @@ double bareInsertMs(const QString& file)
             QElapsedTimer t;
             t.start();
             if (run(db,
-                    QStringLiteral(
-                        "INSERT INTO viE (viEID, viEtlID, viEtoID, viETyyppi, viEArvo, viESelite, viEAvausvienti, "
-                        "viEPaatosvienti, viEAutomaatti) SELECT viID, vitlID, vitoID, viTyyppi, viArvo, viSelite, "
-                        "viAvausvienti, viPaatosvienti, viAutomaatti FROM vi")))
+                    QStringLiteral("INSERT INTO viE (viEID, viEtlID, viEtoID, viETyyppi, viEArvo, viESelite, "
+                                   "viEAvausvienti, "
+                                   "viEPaatosvienti, viEAutomaatti) SELECT viID, vitlID, vitoID, viTyyppi, "
+                                   "viArvo, viSelite, "
+                                   "viAvausvienti, viPaatosvienti, viAutomaatti FROM vi")))
                 ms = double(t.nsecsElapsed()) / 1e6;
             run(db, QStringLiteral("ROLLBACK"));
             db.close();
@@ -188,8 +194,9 @@ int yearChangeBench(const QString& stressFile)
             std::fprintf(stderr, "the year change failed\n");
             rc = 1;
         } else {
-            std::printf("\nfiscal year change on a copy of the file: %lld entries this year, %lld the previous "
-                        "year, %lld opening entries\n",
+            std::printf(
+                "\nfiscal year change on a copy of the file: %lld entries this year, %lld the previous "
+                "year, %lld opening entries\n",
                 static_cast<long long>(entries), static_cast<long long>(previous),
                 static_cast<long long>(count(db, QStringLiteral("vi"))));
             std::printf("%-44s %12s %12s %9s   %s\n", "year change", "Vorkam", "baseline", "ratio", "target");
@@ -202,7 +209,8 @@ int yearChangeBench(const QString& stressFile)
                 else
                     line(name.constData(), stages[i], 0, "");
             }
-            const double commit = all - stages[0] - stages[1] - stages[2] - stages[3] - stages[4] - stages[5] - stages[6];
+            const double commit
+                = all - stages[0] - stages[1] - stages[2] - stages[3] - stages[4] - stages[5] - stages[6];
             line("  commit and the rest", commit, 0, "");
         }
     }

@@ -1,4 +1,5 @@
 #include "../statements/StatementFixture.h"
+#include "Dates.h"
 #include "Paths.h"
 #include "PrintOptions.h"
 #include "ScriptedDialogs.h"
@@ -206,9 +207,9 @@ void tst_TilikaudenVaihto::dates()
     QVERIFY(vaihto.suorita(0, false));
     QCOMPARE(dialogs.transcript(), QStringList());
     const TilikaudenVaihto::Kaudet k = TilikaudenVaihto::nykyiset();
-    const auto text = [](const TilikaudenVaihto::Kaudet& k) {
-        return QStringList { Dates::format(k.alku), Dates::format(k.loppu), Dates::format(k.edAlku),
-            Dates::format(k.edLoppu) }
+    const auto text = [](const TilikaudenVaihto::Kaudet& d) {
+        return QStringList { Dates::format(d.alku), Dates::format(d.loppu), Dates::format(d.edAlku),
+            Dates::format(d.edLoppu) }
             .join(u' ');
     };
     QCOMPARE(text(k), expected);
@@ -562,7 +563,8 @@ int main(int argc, char** argv)
 {
     if (argc == 5 && qstrcmp(argv[1], "--kesken") == 0) {
         QCoreApplication app(argc, argv);
-        return changeAndDie(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]), std::atoi(argv[4]));
+        return changeAndDie(
+            QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]), std::atoi(argv[4]));
     }
     QCoreApplication app(argc, argv);
     tst_TilikaudenVaihto test;

@@ -17,6 +17,7 @@
 #include "cTosite.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QSqlQuery>
 #include <QVariant>
 

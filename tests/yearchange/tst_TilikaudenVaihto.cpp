@@ -162,6 +162,7 @@ private slots:
     void withoutOpeningEntries();
     void openingEntries();
     void historyReplaced();
+    void unbalancedSheetStillOpens();
     void failureLeavesBooks_data();
     void failureLeavesBooks();
     void fullDiskLeavesBooks();
@@ -401,6 +402,28 @@ void tst_TilikaudenVaihto::historyReplaced()
     // Account 9 is at zero: no entry.
     QCOMPARE(F::count(QStringLiteral("vi")), 4);
     QCOMPARE(F::count(QStringLiteral("vi"), QStringLiteral("vitlID = 9")), 0);
+}
+
+// A balance sheet that leaves an account out does not balance: the voucher is written all the
+// same, with what the sheet gives, and the change says nothing of it.
+void tst_TilikaudenVaihto::unbalancedSheetStillOpens()
+{
+    F f;
+    QVERIFY(f.ok);
+    chart();
+    templates();
+    F::exec(QStringLiteral("UPDATE mr SET mrTilit = '8,' WHERE mrID = 21"));
+    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
+    booksOf2011();
+    ScriptedDialogs dialogs;
+    TilikaudenVaihto vaihto(F::db());
+    QVERIFY(vaihto.suorita(2, true));
+    QCOMPARE(dialogs.transcript(), QStringList());
+    QCOMPARE(F::count(QStringLiteral("\"to\"")), 1);
+    QCOMPARE(
+        F::value(QStringLiteral("SELECT SUM(viArvo) FROM vi WHERE viTyyppi = 'D'")).toLongLong(), 18000000);
+    QCOMPARE(
+        F::value(QStringLiteral("SELECT SUM(viArvo) FROM vi WHERE viTyyppi = 'K'")).toLongLong(), 13000000);
 }
 
 void tst_TilikaudenVaihto::failureLeavesBooks_data()

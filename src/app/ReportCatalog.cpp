@@ -61,6 +61,7 @@ std::unique_ptr<ReportDocument> statement(
     return income ? StatementExport::incomeStatement(
                db, StatementExport::incomeHeading(from, to, s.TilikausiAlku, s.TilikausiLoppu))
                   : StatementExport::balanceSheet(db, StatementExport::balanceHeading(to));
+}
 
 KirjaTulostus::Laji laji(const QString& kind)
 {

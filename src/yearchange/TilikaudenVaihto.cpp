@@ -7,6 +7,7 @@
 #include "Dates.h"
 #include "Dialogs.h"
 #include "Money.h"
+#include "PageCache.h"
 #include "PrintOptions.h"
 #include "ProgramSettings.h"
 #include "SettingsStore.h"
@@ -163,6 +164,9 @@ bool TilikaudenVaihto::suorita(std::optional<qint32> tasemalli, bool avausvienni
     const Kaudet uudet = seuraavat(nykyiset());
     const QString virhe = QStringLiteral("Tilikauden vaihto ei onnistunut. Kirjanpito on ennallaan.");
     try {
+        // The whole year is rewritten in one transaction: its pages stay in memory until the
+        // commit.
+        PageCache cache(m_db, 256);
         Transaction t(m_db);
         vaihe(1, [&] {
             Sql::run(m_db, QStringLiteral("DELETE FROM tula"));

@@ -150,6 +150,8 @@ int statementBench(const QSqlDatabase& db);
 int ledgerBench(const QSqlDatabase& db, const QString& binDir);
 // The voucher tools' figures, in toolsbench.cpp.
 int toolsBench(const QSqlDatabase& db);
+// The fiscal year change on a copy of the file (yearchangebench.cpp).
+int yearChangeBench(const QString& stressFile);
 
 int run(const QString& file, int runs)
 {
@@ -411,6 +413,8 @@ int main(int argc, char** argv)
         rc = ledgerBench(DBC::instance().AvaaDB(), QStringLiteral(VORKAM_BIN_DIR));
     if (rc == 0)
         rc = toolsBench(DBC::instance().AvaaDB());
+    if (rc == 0)
+        rc = yearChangeBench(QFileInfo(args.at(1)).absoluteFilePath());
     DBC::instance().SuljeDB();
     return rc;
 }

@@ -13,6 +13,7 @@
 #include "frmBackup.h"
 #include "frmBackupManagement.h"
 #include "frmBackupRestore.h"
+#include "frmKaudenVaihto.h"
 #include "frmNewTositteet.h"
 #include "frmNewTulosJaTase.h"
 #include "frmOhje.h"
@@ -66,7 +67,7 @@ frmMain::frmMain(QWidget* parent)
         w->setEnabled(false);
     for (QAction* a : { ui->mTositteet, ui->mTulosJaTase, ui->mTilit, ui->mAvausviennit,
              ui->mTilinpaatosviennit, ui->mVarmistus, ui->mKopiotikkuVarmistus, ui->mVarmistusKansioon,
-             ui->mMuokkaaTietokantaa, ui->mLuoTietokantaNykyisesta, ui->mService })
+             ui->mMuokkaaTietokantaa, ui->mLuoTietokantaNykyisesta, ui->mService, ui->mTilikaudenVaihto })
         a->setEnabled(false);
 
     // The voucher command opens the current voucher window whatever VanhatTositteet says:
@@ -93,6 +94,7 @@ frmMain::frmMain(QWidget* parent)
     connect(ui->mKopiotikkuPalautus, &QAction::triggered, this, &frmMain::stickRestore);
     connect(ui->mAsetukset, &QAction::triggered, this, &frmMain::openSettings);
     connect(ui->mMuokkaaTietokantaa, &QAction::triggered, this, &frmMain::editDatabase);
+    connect(ui->mTilikaudenVaihto, &QAction::triggered, this, &frmMain::changeFiscalYear);
     using Source = DatabaseCreation::Source;
     const std::pair<QAction*, Source> creations[] = {
         { ui->mLuoTietokantaMallistaYhdistys, Source::Yhdistys },
@@ -124,6 +126,7 @@ void frmMain::startUp()
     ui->mVarmistus->setEnabled(open && !m_startup.readOnly);
     ui->mKopiotikkuVarmistus->setEnabled(open);
     ui->mMuokkaaTietokantaa->setEnabled(open && !m_startup.readOnly);
+    ui->mTilikaudenVaihto->setEnabled(open && !m_startup.readOnly);
     (open ? ui->cTositteet : ui->cKayttotuki)->setFocus();
 }
 
@@ -267,6 +270,16 @@ void frmMain::editDatabase()
 {
     // Windows showing rows that a command deletes are left first, each with its leave check.
     DatabaseMaintenance::run(DBC::instance().AvaaDB(), [this] { return closeWorkingWindows(); });
+}
+
+void frmMain::changeFiscalYear()
+{
+    // The working windows hold the year's vouchers: they are left, each with its leave check,
+    // before the year moves into the history.
+    if (!closeWorkingWindows())
+        return;
+    frmKaudenVaihto window(DBC::instance().AvaaDB(), this);
+    window.exec();
 }
 
 void frmMain::createDatabase(DatabaseCreation::Source source)

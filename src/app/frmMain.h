@@ -40,6 +40,7 @@ private:
     void stickRestore();
     void openSettings();
     void editDatabase();
+    void changeFiscalYear();
     void createDatabase(DatabaseCreation::Source source);
     // The caption and the association's name and file, as the settings now have them.
     void showBooks();

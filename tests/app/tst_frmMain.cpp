@@ -1,3 +1,5 @@
+#include "Dates.h"
+#include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
 #include "TestEnv.h"
 #include "frmMain.h"
@@ -8,6 +10,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSqlQuery>
@@ -53,6 +56,7 @@ private slots:
     void settingsChangeTheCaptionAtOnce();
     void newBooksFromModelAfterWorkingWindows();
     void maintenanceLeavesWorkingWindowsFirst();
+    void yearChangeLeavesWorkingWindowsFirst();
 };
 
 void tst_frmMain::commandsFollowTheDatabase_data()
@@ -72,8 +76,9 @@ void tst_frmMain::commandsFollowTheDatabase()
     frmMain& w = started.window;
     QCOMPARE(w.windowTitle(), caption);
     // Windows and commands of the books need a database; later features stay disabled either way.
-    for (const char* name : { "mTositteet", "mTilit", "mTulosJaTase", "mAvausviennit", "mTilinpaatosviennit",
-             "mVarmistus", "mKopiotikkuVarmistus", "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta" })
+    for (const char* name :
+        { "mTositteet", "mTilit", "mTulosJaTase", "mAvausviennit", "mTilinpaatosviennit", "mVarmistus",
+            "mKopiotikkuVarmistus", "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta", "mTilikaudenVaihto" })
         QVERIFY2(w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled() == withDatabase, name);
     QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->isEnabled(), withDatabase);
     QVERIFY(!w.findChild<QAction*>(QStringLiteral("mService"))->isEnabled());
@@ -249,6 +254,7 @@ void tst_frmMain::readOnlyBooksAreShownNotChanged()
     QVERIFY(w.windowTitle().endsWith(QStringLiteral("(vain luku)")));
     QVERIFY(!w.findChild<QAction*>(QStringLiteral("mVarmistus"))->isEnabled());
     QVERIFY(!w.findChild<QAction*>(QStringLiteral("mMuokkaaTietokantaa"))->isEnabled());
+    QVERIFY(!w.findChild<QAction*>(QStringLiteral("mTilikaudenVaihto"))->isEnabled());
     w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
     w.findChild<QPushButton*>(QStringLiteral("cTilit"))->click();
     auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
@@ -360,6 +366,29 @@ void tst_frmMain::maintenanceLeavesWorkingWindowsFirst()
     });
     QCOMPARE(vouchers, 0);
     QCOMPARE(env.programEnds(), 0);
+}
+
+// The year change leaves the working windows first and opens its own window over the books.
+void tst_frmMain::yearChangeLeavesWorkingWindowsFirst()
+{
+    TestEnv env;
+    StartedWindow started(env, true);
+    frmMain& w = started.window;
+    w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
+    QVERIFY(w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
+    QString shown;
+    QTimer::singleShot(0, &w, [&] {
+        QWidget* window = QApplication::activeModalWidget();
+        if (!window)
+            return;
+        shown = window->objectName() + u' '
+            + window->findChild<QLabel*>(QStringLiteral("lblTilikausiAlku"))->text();
+        QVERIFY(!w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
+        window->findChild<QPushButton*>(QStringLiteral("cPeru"))->click();
+    });
+    w.findChild<QAction*>(QStringLiteral("mTilikaudenVaihto"))->trigger();
+    QCOMPARE(shown,
+        QStringLiteral("frmKaudenVaihto ") + Dates::format(ProgramSettings::bookkeeping().TilikausiAlku));
 }
 
 QTEST_MAIN(tst_frmMain)

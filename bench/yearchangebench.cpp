@@ -1,0 +1,226 @@
+// Times the fiscal year change on a copy of the stress association (see README.md): the whole
+// change with its safety copy, and each of its stages, beside a bare INSERT INTO viE SELECT …
+// FROM vi of the same rows on another copy. The stress association has no templates, so a
+// balance sheet over its accounts, its income statement and the two profit accounts are made
+// on the copy first. The file named on the command line is not changed.
+#include "DBC.h"
+#include "Paths.h"
+#include "ProgramSettings.h"
+#include "TilikaudenVaihto.h"
+#include "Transaction.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <QVariant>
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <map>
+
+namespace {
+
+bool run(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {})
+{
+    QSqlQuery q(db);
+    q.prepare(sql);
+    for (const QVariant& v : values)
+        q.addBindValue(v);
+    if (!q.exec()) {
+        std::fprintf(stderr, "%s: %s\n", qPrintable(sql), qPrintable(q.lastError().text()));
+        return false;
+    }
+    return true;
+}
+
+qint64 count(const QSqlDatabase& db, const QString& table)
+{
+    QSqlQuery q(db);
+    return q.exec(QStringLiteral("SELECT COUNT(*) FROM %1").arg(table)) && q.next() ? q.value(0).toLongLong()
+                                                                                    : -1;
+}
+
+// Account keys of the chart whose numbers lie in [from, to), as a template's account list.
+QString accounts(const QSqlDatabase& db, int from, int to)
+{
+    QString list;
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT tlID FROM tl WHERE tlNumero >= ? AND tlNumero < ? ORDER BY tlNumero"));
+    q.addBindValue(from);
+    q.addBindValue(to);
+    q.exec();
+    while (q.next())
+        list += q.value(0).toString() + u',';
+    return list;
+}
+
+// An income statement over 3000–9989 with its profit row, and a balance sheet over 1000–2999 whose
+// profit row holds the balance sheet's profit account. Gives the balance sheet's key.
+qint32 makeTemplates(const QSqlDatabase& db)
+{
+    constexpr int Income = 910001;
+    constexpr int Balance = 910002;
+    Transaction t(db);
+    const QString incomeRows = accounts(db, 3000, 9990);
+    run(db,
+        QStringLiteral(
+            "INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (9990, 'Tulos (tuloslaskelma)', ' ')"));
+    const QString incomeProfit = accounts(db, 9990, 9991);
+    run(db, QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (2999, 'Tulos (tase)', ' ')"));
+    const QString balanceProfit = accounts(db, 2999, 3000);
+    ProgramSettings::bookkeeping().VoittoTaseella = balanceProfit.chopped(1).toInt();
+    run(db,
+        QStringLiteral(
+            "INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'Tuloslaskelma', 1, 0)"),
+        { Income });
+    run(db, QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'Tase', 2, ?)"),
+        { Balance, Income });
+    const QString insertRow = QStringLiteral("INSERT INTO mr (mrID, mrmaID, mrTeksti, mrTilit, mrSaldoPuoli, "
+                                             "mrIsVoitto, mrBelongsToGroup, mrGroupOrder) "
+                                             "VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
+    int id = 910000;
+    const auto row = [&](int ma, const QString& teksti, const QString& tilit, const QString& side, int parent,
+                         bool profit = false) {
+        run(db, insertRow, { ++id, ma, teksti, tilit, side, profit ? 1 : 0, parent, id });
+        return id;
+    };
+    row(Income, QStringLiteral("Tuotot ja kulut"), incomeRows, QStringLiteral("K"), 0);
+    row(Income, QStringLiteral("Tilikauden tulos"), incomeProfit, QStringLiteral("K"), 0, true);
+    const int vastaavaa = row(Balance, QStringLiteral("Vastaavaa"), QString(), QStringLiteral("D"), 0);
+    row(Balance, QStringLiteral("Vastaavat"), accounts(db, 1000, 2000), QStringLiteral("D"), vastaavaa);
+    const int vastattavaa = row(Balance, QStringLiteral("Vastattavaa"), QString(), QStringLiteral("K"), 0);
+    row(Balance, QStringLiteral("Pääoma ja velat"), accounts(db, 2000, 2999), QStringLiteral("K"),
+        vastattavaa);
+    row(Balance, QStringLiteral("Tilikauden tulos"), balanceProfit, QStringLiteral("K"), vastattavaa);
+    t.commit();
+    return Balance;
+}
+
+// The bare copy of the entries into the history, after the same deletion the change makes.
+double bareInsertMs(const QString& file)
+{
+    const QString name = QStringLiteral("yearchange_baseline");
+    double ms = -1;
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(file);
+        if (db.open()) {
+            run(db, QStringLiteral("PRAGMA synchronous=FULL"));
+            run(db, QStringLiteral("BEGIN"));
+            run(db, QStringLiteral("DELETE FROM viE"));
+            run(db, QStringLiteral("DELETE FROM toE"));
+            QElapsedTimer t;
+            t.start();
+            if (run(db,
+                    QStringLiteral("INSERT INTO viE (viEID, viEtlID, viEtoID, viETyyppi, viEArvo, viESelite, "
+                                   "viEAvausvienti, "
+                                   "viEPaatosvienti, viEAutomaatti) SELECT viID, vitlID, vitoID, viTyyppi, "
+                                   "viArvo, viSelite, "
+                                   "viAvausvienti, viPaatosvienti, viAutomaatti FROM vi")))
+                ms = double(t.nsecsElapsed()) / 1e6;
+            run(db, QStringLiteral("ROLLBACK"));
+            db.close();
+        }
+    }
+    QSqlDatabase::removeDatabase(name);
+    return ms;
+}
+
+void line(const char* name, double vorkam, double baseline, const char* target)
+{
+    if (baseline > 0)
+        std::printf("%-44s %9.2f ms %9.2f ms %8.2fx   %s\n", name, vorkam, baseline,
+            vorkam / std::max(baseline, 1e-3), target);
+    else
+        std::printf("%-44s %9.2f ms %12s %9s   %s\n", name, vorkam, "", "", target);
+}
+
+} // namespace
+
+// Leaves the program's database closed.
+int yearChangeBench(const QString& stressFile)
+{
+    DBC::instance().SuljeDB();
+    QTemporaryDir dir;
+    const QString copy = dir.filePath(QStringLiteral("stress-vaihto.mdb"));
+    const QString baseCopy = dir.filePath(QStringLiteral("stress-perus.mdb"));
+    if (!QFile::copy(stressFile, copy) || !QFile::copy(stressFile, baseCopy)) {
+        std::fprintf(stderr, "the stress file could not be copied into %s\n", qPrintable(dir.path()));
+        return 1;
+    }
+    const double bare = bareInsertMs(baseCopy);
+    QFile::remove(baseCopy);
+
+    const QString savedDatabase = ProgramSettings::installation().Database;
+    const QString savedDataDir = Paths::dataDir();
+    Paths::setDataDir(dir.path());
+    ProgramSettings::installation().Database = copy;
+    const QSqlDatabase db = DBC::instance().AvaaDB();
+    int rc = 0;
+    if (!db.isOpen()) {
+        std::fprintf(stderr, "the copy of the stress file could not be opened\n");
+        rc = 1;
+    } else {
+        ProgramSettings::loadBookkeeping(db, copy);
+        const qint32 malli = makeTemplates(db);
+        const qint64 entries = count(db, QStringLiteral("vi"));
+        const qint64 previous = count(db, QStringLiteral("viE"));
+
+        // Each stage's time, from its start to its end, and the safety copy's before them.
+        std::map<int, double> stages;
+        QElapsedTimer total;
+        QElapsedTimer stage;
+        TilikaudenVaihto vaihto(db);
+        vaihto.setEdistyminen([&](const QString& teksti, int valmiina) {
+            for (int i = 1; i <= TilikaudenVaihto::Vaiheet; ++i) {
+                if (teksti != TilikaudenVaihto::vaiheTeksti(i))
+                    continue;
+                if (valmiina == i - 1 && !stages.count(-i)) {
+                    stages[-i] = 1;
+                    stage.start();
+                } else if (valmiina == i) {
+                    stages[i] = double(stage.nsecsElapsed()) / 1e6;
+                }
+                return;
+            }
+            stages[0] = double(total.nsecsElapsed()) / 1e6; // the safety copy is written
+        });
+        total.start();
+        const std::clock_t cpuStart = std::clock();
+        const bool done = vaihto.suorita(malli, true);
+        const double all = double(total.nsecsElapsed()) / 1e6;
+        const double cpu = double(std::clock() - cpuStart) * 1000.0 / CLOCKS_PER_SEC;
+        if (!done) {
+            std::fprintf(stderr, "the year change failed\n");
+            rc = 1;
+        } else {
+            std::printf(
+                "\nfiscal year change on a copy of the file: %lld entries this year, %lld the previous "
+                "year, %lld opening entries\n",
+                static_cast<long long>(entries), static_cast<long long>(previous),
+                static_cast<long long>(count(db, QStringLiteral("vi"))));
+            std::printf("%-44s %12s %12s %9s   %s\n", "year change", "Vorkam", "baseline", "ratio", "target");
+            line("whole change, safety copy included", all, 0, "< 5000 ms");
+            // On a machine shared with other work the wall time is mostly waiting for the disk.
+            line("  of which processor time", cpu, 0, "");
+            line("  safety copy", stages[0], 0, "");
+            for (int i = 1; i <= TilikaudenVaihto::Vaiheet; ++i) {
+                const QByteArray name = ("  " + TilikaudenVaihto::vaiheTeksti(i)).toUtf8();
+                if (i == 3)
+                    line(name.constData(), stages[i], bare, "ratio <= 3 (INSERT INTO viE SELECT … FROM vi)");
+                else
+                    line(name.constData(), stages[i], 0, "");
+            }
+            const double commit
+                = all - stages[0] - stages[1] - stages[2] - stages[3] - stages[4] - stages[5] - stages[6];
+            line("  commit and the rest", commit, 0, "");
+        }
+    }
+    DBC::instance().SuljeDB();
+    ProgramSettings::installation().Database = savedDatabase;
+    Paths::setDataDir(savedDataDir);
+    return rc;
+}

@@ -8,6 +8,7 @@
 #include "ReportDefinition.h"
 #include "ReportDocument.h"
 #include "ReportEngine.h"
+#include "Timing.h"
 #include "cTiliTarkastelut.h"
 #include "frmPaivaSaldot.h"
 #include "frmTilitarkastelu.h"
@@ -28,19 +29,6 @@
 #include <vector>
 
 namespace {
-
-double median(int runs, const std::function<void()>& work)
-{
-    std::vector<double> ms;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer t;
-        t.start();
-        work();
-        ms.push_back(double(t.nsecsElapsed()) / 1e6);
-    }
-    std::sort(ms.begin(), ms.end());
-    return ms[ms.size() / 2];
-}
 
 void line(const char* name, double vorkam, double baseline, const char* target)
 {
@@ -113,7 +101,7 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
 
     // The journal of the whole year: laid out and written to PDF, and its first page previewed.
     int pages = 0;
-    const double journalPdf = median(3, [&] {
+    const double journalPdf = medianMs(3, [&] {
         const auto doc = ReportEngine::run(
             db, KirjaTulostus::paivakirja(db, KirjaTulostus::Laji::Tavallinen, alku, loppu));
         pages = doc->pageCount();
@@ -128,7 +116,7 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
                          "\"to\".toPaatostosite = 0 ORDER BY "
                          "\"to\".toNumero, \"to\".toID, vi.viTyyppi, vi.viID");
     const QVariantList year { alku.toString(Qt::ISODate), loppu.toString(Qt::ISODate) };
-    const double journalText = median(3, [&] { plainRows(db, journalRows, year, text); });
+    const double journalText = medianMs(3, [&] { plainRows(db, journalRows, year, text); });
     // Where the time goes: the sums and the job, reading the rows, the layout, the PDF.
     {
         QElapsedTimer t;
@@ -161,7 +149,7 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
 
     QImage image(794, 1123, QImage::Format_RGB32); // A4 at 96 dpi
     std::unique_ptr<ReportDocument> kept;
-    const double preview = median(3, [&] {
+    const double preview = medianMs(3, [&] {
         kept = ReportEngine::run(
             db, KirjaTulostus::paivakirja(db, KirjaTulostus::Laji::Tavallinen, alku, loppu));
         image.fill(Qt::white);
@@ -169,7 +157,7 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
         p.scale(96.0 / 72.0, 96.0 / 72.0);
         PagePainter::paint(p, *kept, 0);
     });
-    const double paintOnly = median(3, [&] {
+    const double paintOnly = medianMs(3, [&] {
         image.fill(Qt::white);
         QPainter p(&image);
         p.scale(96.0 / 72.0, 96.0 / 72.0);
@@ -180,11 +168,11 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
 
     // The general ledger: the balance preparation alone, and the whole ledger to PDF.
     QList<qint32> faulty;
-    const double prepare = median(5, [&] {
+    const double prepare = medianMs(5, [&] {
         faulty = KirjaTulostus::valmistelePaakirja(db, KirjaTulostus::Laji::Tavallinen, alku, loppu);
     });
     check(faulty.isEmpty(), "the stress association's entries are all in order");
-    const double sums = median(5, [&] {
+    const double sums = medianMs(5, [&] {
         plainRows(db,
             QStringLiteral("SELECT vi.vitlID, SUM(CASE WHEN vi.viTyyppi = 'D' THEN vi.viArvo ELSE -vi.viArvo "
                            "END) FROM vi "
@@ -194,14 +182,14 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
     });
     line("ledger: balance preparation", prepare, sums, "< 500 ms");
 
-    const double ledgerPdf = median(3, [&] {
+    const double ledgerPdf = medianMs(3, [&] {
         KirjaTulostus::valmistelePaakirja(db, KirjaTulostus::Laji::Tavallinen, alku, loppu);
         const auto doc
             = ReportEngine::run(db, KirjaTulostus::paakirja(KirjaTulostus::Laji::Tavallinen, alku, loppu));
         pages = doc->pageCount();
         PdfWriter::write(*doc, pdf);
     });
-    const double ledgerText = median(3, [&] {
+    const double ledgerText = medianMs(3, [&] {
         plainRows(db,
             QStringLiteral(
                 "SELECT tl.tlNumero, tl.tlNimi, \"to\".toNumero, \"to\".toPvm, \"to\".toSelite, vi.viTyyppi, "
@@ -217,7 +205,7 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
     frmTilitarkastelu tarkastelu(db, busiest);
     tarkastelu.show();
     QApplication::processEvents();
-    const double inspect = median(5, [&] {
+    const double inspect = medianMs(5, [&] {
         tarkastelu.Paivita();
         tarkastelu.repaint();
     });
@@ -225,7 +213,7 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
         "SELECT \"to\".toID, \"to\".toNumero, \"to\".toPvm, \"to\".toSelite, vi.viTyyppi, vi.viArvo "
         "FROM vi INNER JOIN \"to\" ON \"to\".toID = vi.vitoID WHERE \"to\".toNumero >= 0 AND vi.vitlID "
         "= ? ORDER BY \"to\".toPvm, \"to\".toNumero, vi.viID");
-    const double entriesPlain = median(5, [&] { plainRows(db, entries, { busiest }, {}); });
+    const double entriesPlain = medianMs(5, [&] { plainRows(db, entries, { busiest }, {}); });
     std::printf("(account %d, %d entries)\n", busiest, busiestEntries);
     check(tarkastelu.findChild<QAbstractItemView*>(QStringLiteral("grdTarkastelut"))->model()->rowCount()
             == busiestEntries,
@@ -236,12 +224,12 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
     frmPaivaSaldot paivat(db, busiest);
     paivat.show();
     QApplication::processEvents();
-    const double daily = median(5, [&] {
+    const double daily = medianMs(5, [&] {
         paivat.Paivita();
         paivat.repaint();
     });
     check(paivat.rivit().size() > 300, "the daily balances have a row per day");
-    const double days = median(5, [&] {
+    const double days = medianMs(5, [&] {
         plainRows(db,
             QStringLiteral(
                 "SELECT \"to\".toPvm, SUM(CASE WHEN vi.viTyyppi = 'D' THEN vi.viArvo ELSE 0 END), "

@@ -7,6 +7,7 @@
 #include "IncomeStatement.h"
 #include "ProfitEntries.h"
 #include "ProgramSettings.h"
+#include "Timing.h"
 #include "Transaction.h"
 
 #include <QElapsedTimer>
@@ -19,19 +20,6 @@
 #include <vector>
 
 namespace {
-
-double medianMs(int runs, const std::function<void()>& work)
-{
-    std::vector<double> ms;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer t;
-        t.start();
-        work();
-        ms.push_back(double(t.nsecsElapsed()) / 1e6);
-    }
-    std::sort(ms.begin(), ms.end());
-    return ms[ms.size() / 2];
-}
 
 void line(const char* name, double vorkam, double baseline, const char* target)
 {

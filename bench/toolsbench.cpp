@@ -5,6 +5,7 @@
 #include "Dates.h"
 #include "Money.h"
 #include "ProgramSettings.h"
+#include "Timing.h"
 #include "TositeHaku.h"
 #include "cTositeTarkistus.h"
 
@@ -17,19 +18,6 @@
 #include <vector>
 
 namespace {
-
-double median(int runs, const std::function<void()>& work)
-{
-    std::vector<double> ms;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer t;
-        t.start();
-        work();
-        ms.push_back(double(t.nsecsElapsed()) / 1e6);
-    }
-    std::sort(ms.begin(), ms.end());
-    return ms[ms.size() / 2];
-}
 
 void figure(const char* name, double vorkam, double baseline, const char* target)
 {
@@ -55,8 +43,8 @@ int toolsBench(const QSqlDatabase& db)
         const BookkeepingSettings& s = ProgramSettings::bookkeeping();
         std::size_t found = 0;
         std::printf("\nvoucher tools\n");
-        const double check = median(runs, [&] { found = cTositeTarkistus(db).Tarkista().size(); });
-        const double checkBase = median(runs, [&] {
+        const double check = medianMs(runs, [&] { found = cTositeTarkistus(db).Tarkista().size(); });
+        const double checkBase = medianMs(runs, [&] {
             readAll(db,
                 QStringLiteral(
                     "SELECT toID FROM \"to\" WHERE toNumero >= 0 AND toAutomaatti = 0 AND (toPvm IS NULL "
@@ -77,15 +65,16 @@ int toolsBench(const QSqlDatabase& db)
             = Sql::scalar(db, QStringLiteral("SELECT viArvo FROM vi ORDER BY viID LIMIT 1 OFFSET 1000"))
                   .toLongLong();
         const QString amount = Money::fromRaw(raw).toString();
-        const double byAmount = median(runs, [&] { found = TositeHaku::hae(db, amount, {}).osumat.size(); });
-        const double byAmountBase = median(
+        const double byAmount
+            = medianMs(runs, [&] { found = TositeHaku::hae(db, amount, {}).osumat.size(); });
+        const double byAmountBase = medianMs(
             runs, [&] { readAll(db, QStringLiteral("SELECT vitoID FROM vi WHERE viArvo = ?"), { raw }); });
         figure("search by amount", byAmount, byAmountBase, "< 200 ms");
         std::printf("  found: %zu\n", found);
 
         const QString word = QStringLiteral("tosite 777");
-        const double byWord = median(runs, [&] { found = TositeHaku::hae(db, {}, word).osumat.size(); });
-        const double byWordBase = median(runs, [&] {
+        const double byWord = medianMs(runs, [&] { found = TositeHaku::hae(db, {}, word).osumat.size(); });
+        const double byWordBase = medianMs(runs, [&] {
             readAll(
                 db, QStringLiteral("SELECT toID FROM \"to\" WHERE toSelite LIKE ?"), { u'%' + word + u'%' });
         });

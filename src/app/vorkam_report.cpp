@@ -25,6 +25,7 @@
 #include <QGuiApplication>
 #include <QSqlDatabase>
 #include <cstdio>
+#include <functional>
 
 namespace {
 
@@ -212,15 +213,11 @@ int convert(const QString& path)
 }
 
 // Prints each finding of the voucher check on its own line, as the findings window lists them.
-// Orphan entries are removed as the window does, unless the books are open for reading only.
-int check(const QString& path)
+// Opens the books (for reading only when asked), refuses a file that is not Vorkam's books,
+// loads their settings and runs `work` on them; the connection is closed afterwards.
+int withBooks(const QString& books, bool readOnly, const std::function<int(const QSqlDatabase&)>& work,
+    const QString& neededTable = {})
 {
-    const QString books = QFileInfo(path).absoluteFilePath();
-    if (const QString problem = booksProblem(books); !problem.isEmpty()) {
-        say(stderr, problem);
-        return BadBooks;
-    }
-    const bool readOnly = DatabaseFile::isReadOnly(books);
     const QString connection = QStringLiteral("vorkam_report");
     const OpenResult opened = DatabaseFile::open(books, connection, readOnly);
     if (!opened) {
@@ -238,23 +235,43 @@ int check(const QString& path)
                 QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito (taulut %2 puuttuvat).")
                     .arg(books, missing.join(QStringLiteral(", "))));
             rc = BadBooks;
+        } else if (!neededTable.isEmpty() && Schema::tableMissing(db, neededTable)) {
+            say(stderr,
+                QStringLiteral("Kirjanpito %1 on vanhempaa muotoa. Avaa se kerran Vorkamissa, joka päivittää "
+                               "sen, ja aja raportti sitten uudelleen.")
+                    .arg(books));
+            rc = BadBooks;
         } else {
             ProgramSettings::loadBookkeeping(db, books);
-            try {
-                const std::vector<cTositeTarkistusVirhe> virheet = cTositeTarkistus(db).Tarkista(!readOnly);
-                for (const cTositeTarkistusVirhe& v : virheet)
-                    say(stdout, v.rivi());
-                if (virheet.empty())
-                    say(stdout, cTositeTarkistus::virheeton());
-                rc = virheet.empty() ? Ok : Failed;
-            } catch (const DatabaseError& e) {
-                say(stderr, e.message(QStringLiteral("Tositteiden tarkistus ei onnistunut.")));
-                rc = BadBooks;
-            }
+            rc = work(db);
         }
     }
-    QSqlDatabase::removeDatabase(connection);
+    DatabaseFile::close(connection);
     return rc;
+}
+
+// Orphan entries are removed as the window does, unless the books are open for reading only.
+int check(const QString& path)
+{
+    const QString books = QFileInfo(path).absoluteFilePath();
+    if (const QString problem = booksProblem(books); !problem.isEmpty()) {
+        say(stderr, problem);
+        return BadBooks;
+    }
+    const bool readOnly = DatabaseFile::isReadOnly(books);
+    return withBooks(books, readOnly, [&](const QSqlDatabase& db) {
+        try {
+            const std::vector<cTositeTarkistusVirhe> virheet = cTositeTarkistus(db).Tarkista(!readOnly);
+            for (const cTositeTarkistusVirhe& v : virheet)
+                say(stdout, v.rivi());
+            if (virheet.empty())
+                say(stdout, cTositeTarkistus::virheeton());
+            return virheet.empty() ? int(Ok) : int(Failed);
+        } catch (const DatabaseError& e) {
+            say(stderr, e.message(QStringLiteral("Tositteiden tarkistus ei onnistunut.")));
+            return int(BadBooks);
+        }
+    });
 }
 
 int run(const Arguments& a)
@@ -292,31 +309,10 @@ int run(const Arguments& a)
                 .arg(books, entry->name));
         return BadBooks;
     }
-    const QString connection = QStringLiteral("vorkam_report");
-    const OpenResult opened = DatabaseFile::open(books, connection, !entry->writesWorkTable);
-    if (!opened) {
-        say(stderr,
-            QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito tai se on vioittunut.\n%2")
-                .arg(books, opened.message));
-        return BadBooks;
-    }
-    int rc = Ok;
-    {
-        const QSqlDatabase db = QSqlDatabase::database(connection, false);
-        const QStringList missing = Schema::missingCoreTables(db);
-        if (!missing.isEmpty()) {
-            say(stderr,
-                QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito (taulut %2 puuttuvat).")
-                    .arg(books, missing.join(QStringLiteral(", "))));
-            rc = BadBooks;
-        } else if (entry->writesWorkTable && Schema::tableMissing(db, QStringLiteral("tlSaldot"))) {
-            say(stderr,
-                QStringLiteral("Kirjanpito %1 on vanhempaa muotoa. Avaa se kerran Vorkamissa, joka päivittää "
-                               "sen, ja aja raportti sitten uudelleen.")
-                    .arg(books));
-            rc = BadBooks;
-        } else {
-            ProgramSettings::loadBookkeeping(db, books);
+    const QString neededTable = entry->writesWorkTable ? QStringLiteral("tlSaldot") : QString();
+    return withBooks(
+        books, !entry->writesWorkTable,
+        [&](const QSqlDatabase& db) {
             try {
                 std::unique_ptr<ReportDocument> document;
                 if (entry->document) {
@@ -339,18 +335,16 @@ int run(const Arguments& a)
                     QStringLiteral("Kirjoitettiin %1 (%2 sivua).")
                         .arg(QDir::toNativeSeparators(QFileInfo(a.output).absoluteFilePath()))
                         .arg(document->pageCount()));
+                return int(Ok);
             } catch (const DatabaseError& e) {
                 say(stderr,
                     e.message(QStringLiteral("Raportin %1 tietoja ei voitu laskea.").arg(entry->name)));
-                rc = Failed;
             } catch (const ReportError& e) {
                 say(stderr, e.text());
-                rc = Failed;
             }
-        }
-    }
-    DatabaseFile::close(connection);
-    return rc;
+            return int(Failed);
+        },
+        neededTable);
 }
 
 // Qt's remarks about the desktop session it runs without are of no use on a command line.

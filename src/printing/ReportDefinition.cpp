@@ -107,18 +107,18 @@ public:
         return list;
     }
 
-    void font(const QJsonObject& o, FontSpec& spec) const
+    void font(const QJsonObject& o, FontSpec& style) const
     {
         if (o.contains(QLatin1String("face")))
-            spec.face = text(o, "face");
+            style.face = text(o, "face");
         if (o.contains(QLatin1String("size"))) {
             const double size = o.value(QLatin1String("size")).toDouble();
             if (size < 4 || size > 72)
                 fail(QStringLiteral("kirjasinkoon tulee olla 4–72 pistettä."));
-            spec.size = size;
+            style.size = size;
         }
-        spec.bold = o.value(QLatin1String("bold")).toBool(spec.bold);
-        spec.italic = o.value(QLatin1String("italic")).toBool(spec.italic);
+        style.bold = o.value(QLatin1String("bold")).toBool(style.bold);
+        style.italic = o.value(QLatin1String("italic")).toBool(style.italic);
     }
 
 private:

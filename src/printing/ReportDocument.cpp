@@ -38,15 +38,21 @@ ReportDocument::ReportDocument(
     , m_options(std::move(options))
 {
     const auto& f = m_options.fonts;
-    const auto spec = [&](Section s) { return f[size_t(s)]; };
-    m_titleFont = fontIndex(Section::Title, spec(Section::Title).bold, spec(Section::Title).italic);
-    m_headerFont = fontIndex(Section::Header, spec(Section::Header).bold, spec(Section::Header).italic);
-    m_detailFont = fontIndex(Section::Detail, spec(Section::Detail).bold, spec(Section::Detail).italic);
-    m_groupFont = fontIndex(Section::Group, spec(Section::Group).bold, spec(Section::Group).italic);
-    m_totalFont = fontIndex(Section::Total, spec(Section::Total).bold, spec(Section::Total).italic);
-    m_footerFont = fontIndex(Section::Footer, spec(Section::Footer).bold, spec(Section::Footer).italic);
+    const auto sectionFont = [&](Section s) { return f[size_t(s)]; };
+    m_titleFont
+        = fontIndex(Section::Title, sectionFont(Section::Title).bold, sectionFont(Section::Title).italic);
+    m_headerFont
+        = fontIndex(Section::Header, sectionFont(Section::Header).bold, sectionFont(Section::Header).italic);
+    m_detailFont
+        = fontIndex(Section::Detail, sectionFont(Section::Detail).bold, sectionFont(Section::Detail).italic);
+    m_groupFont
+        = fontIndex(Section::Group, sectionFont(Section::Group).bold, sectionFont(Section::Group).italic);
+    m_totalFont
+        = fontIndex(Section::Total, sectionFont(Section::Total).bold, sectionFont(Section::Total).italic);
+    m_footerFont
+        = fontIndex(Section::Footer, sectionFont(Section::Footer).bold, sectionFont(Section::Footer).italic);
     m_runningFont = fontIndex(Section::Footer, false, true);
-    m_detailBoldFont = fontIndex(Section::Detail, true, spec(Section::Detail).italic);
+    m_detailBoldFont = fontIndex(Section::Detail, true, sectionFont(Section::Detail).italic);
     m_titleLine = font(m_titleFont).size * 1.35f;
     m_headerLine = font(m_headerFont).size * 1.5f;
     m_detailLine = font(m_detailFont).size * 1.3f;
@@ -120,8 +126,8 @@ ReportDocument::ReportDocument(
 
 quint8 ReportDocument::fontIndex(Section section, bool bold, bool italic)
 {
-    const FontSpec& spec = m_options.fonts[size_t(section)];
-    const PageFont f { SectionFonts::family(spec.face), bold, italic, float(spec.size) };
+    const FontSpec& style = m_options.fonts[size_t(section)];
+    const PageFont f { SectionFonts::family(style.face), bold, italic, float(style.size) };
     const auto it = std::find(m_fonts.begin(), m_fonts.end(), f);
     if (it != m_fonts.end())
         return quint8(it - m_fonts.begin());

@@ -4,6 +4,7 @@
 #include "Dialogs.h"
 #include "EntrySums.h"
 #include "StatementAccounts.h"
+#include "StatementRows.h"
 #include "TemplateText.h"
 #include "TemplateTree.h"
 #include "Transaction.h"
@@ -233,13 +234,7 @@ void write(const QSqlDatabase& db, const BalanceSheetLines& sheet)
     const QVariant noPercent(QMetaType(QMetaType::Double));
     for (const TaseLine& line : sheet.lines) {
         const bool separator = line.kind == TaseLine::Kind::Separator;
-        q.addBindValue(line.level);
-        q.addBindValue(separator ? noText : QVariant(line.teksti));
-        q.addBindValue(separator ? noNumber : QVariant(line.mrId));
-        q.addBindValue(separator
-                ? noText
-                : QVariant(line.kind == TaseLine::Kind::Total ? QStringLiteral("**") : QStringLiteral("")));
-        q.addBindValue(line.groupRow() ? 1 : 0);
+        StatementRows::bindHeading(q, line);
         q.addBindValue(separator ? noNumber : QVariant(line.tlId));
         q.addBindValue(separator ? noText : QVariant(line.viTyyppi));
         q.addBindValue(line.printGroup);

@@ -4,6 +4,7 @@
 #include "Dialogs.h"
 #include "EntrySums.h"
 #include "StatementAccounts.h"
+#include "StatementRows.h"
 #include "TemplateText.h"
 #include "TemplateTree.h"
 #include "Transaction.h"
@@ -257,18 +258,10 @@ void write(const QSqlDatabase& db, const IncomeStatementLines& statement)
             "tulaToteutunutEdellinenAlusta, tulaMuutosAlusta, tulaProsLvastaKuluva, tulaProsMuutos, "
             "tulaProsLvastaKuluvaAlusta, tulaProsMuutosAlusta) "
             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
-    const QVariant noText(QMetaType(QMetaType::QString));
     const QVariant noNumber(QMetaType(QMetaType::LongLong));
     const QVariant noPercent(QMetaType(QMetaType::Double));
     for (const TulaLine& line : statement.lines) {
-        const bool separator = line.kind == TulaLine::Kind::Separator;
-        q.addBindValue(line.level);
-        q.addBindValue(separator ? noText : QVariant(line.teksti));
-        q.addBindValue(separator ? noNumber : QVariant(line.mrId));
-        q.addBindValue(separator
-                ? noText
-                : QVariant(line.kind == TulaLine::Kind::Total ? QStringLiteral("**") : QStringLiteral("")));
-        q.addBindValue(line.groupRow() ? 1 : 0);
+        StatementRows::bindHeading(q, line);
         if (line.hasAmounts()) {
             q.addBindValue(money(line.kuluva));
             q.addBindValue(money(line.kuluvaAlusta));

@@ -18,6 +18,7 @@ set(VORKAM_STATEMENTS_CORE
   statements/TemplateChecks.h
   statements/StatementOptions.cpp
   statements/StatementOptions.h
+  statements/StatementRows.h
   statements/Statements.cpp
   statements/Statements.h
   statements/TemplateText.cpp

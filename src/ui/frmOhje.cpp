@@ -3,6 +3,8 @@
 #include "Dialogs.h"
 
 #include <QAction>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QKeySequence>
 #include <QLabel>
@@ -10,6 +12,8 @@
 #include <QTextBrowser>
 #include <QTextDocument>
 #include <QToolBar>
+
+#include <algorithm>
 
 frmOhje::frmOhje(const QUrl& page, QWidget* parent)
     : QMainWindow(parent)
@@ -81,9 +85,44 @@ bool frmOhje::etsi(const QString& text)
         return false;
     if (m_browser->find(text))
         return true;
-    // Past the last one: from the top again.
+    // Past the last one on this page: the following pages of the manual in the order of its
+    // contents, then this page again from the top.
+    const QStringList pages = sivut();
+    const QString current = QFileInfo(m_browser->source().path()).fileName();
+    const qsizetype at = std::max<qsizetype>(pages.indexOf(current), 0);
+    const QString folder = QFileInfo(m_home.toLocalFile()).absolutePath();
+    for (qsizetype step = 1; step < pages.size(); ++step) {
+        const QString file = folder + u'/' + pages[(at + step) % pages.size()];
+        QFile page(file);
+        if (!page.open(QIODevice::ReadOnly))
+            continue;
+        QTextDocument document;
+        document.setHtml(QString::fromUtf8(page.readAll()));
+        if (document.toPlainText().contains(text, Qt::CaseInsensitive)) {
+            m_browser->setSource(QUrl::fromLocalFile(file));
+            return m_browser->find(text);
+        }
+    }
     m_browser->moveCursor(QTextCursor::Start);
     return m_browser->find(text);
+}
+
+QStringList frmOhje::sivut() const
+{
+    const QFileInfo home(m_home.toLocalFile());
+    QFile index(home.absoluteFilePath());
+    const QString contents = index.open(QIODevice::ReadOnly) ? QString::fromUtf8(index.readAll()) : QString();
+    QStringList pages = home.absoluteDir().entryList({ QStringLiteral("*.html") }, QDir::Files, QDir::Name);
+    // The contents page first, then the chapters as the contents list them.
+    const auto place = [&](const QString& page) {
+        if (page == home.fileName())
+            return qsizetype(-1);
+        const qsizetype at = contents.indexOf(QStringLiteral("href=\"") + page);
+        return at < 0 ? contents.size() : at;
+    };
+    std::stable_sort(
+        pages.begin(), pages.end(), [&](const QString& a, const QString& b) { return place(a) < place(b); });
+    return pages;
 }
 
 void frmOhje::avaaSelaimessa()

@@ -16,12 +16,14 @@ public:
     // Opens `page` (a local HTML file of the manual).
     explicit frmOhje(const QUrl& page, QWidget* parent = nullptr);
 
-    // Finds the next occurrence of the search text, from the top again after the last one.
-    // False when the text does not occur at all.
+    // Finds the next occurrence of the search text: on this page, then on the following pages of
+    // the manual, and from the top again after the last one. False when the text does not occur.
     bool etsi(const QString& text);
 
 private:
     void avaaSelaimessa();
+    // The manual's pages: the contents page first, then the chapters in the contents' order.
+    QStringList sivut() const;
 
     QTextBrowser* m_browser = nullptr;
     QLineEdit* m_haku = nullptr;

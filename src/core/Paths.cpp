@@ -34,11 +34,16 @@ QString iniFile()
         + QStringLiteral("/Vorkam/lxvorkam.ini");
 }
 
-QString defaultDatabase()
+namespace {
+QString join(const QString& dir, const QString& name)
 {
-    const QString dir = programDir();
-    return dir.endsWith(u'/') ? dir + QStringLiteral("demo1.mdb") : dir + QStringLiteral("/demo1.mdb");
+    return dir.endsWith(u'/') ? dir + name : dir + u'/' + name;
 }
+} // namespace
+
+QString defaultDatabase() { return join(dataDir(), QStringLiteral("demo1.mdb")); }
+
+QString programDemo() { return join(programDir(), QStringLiteral("demo1.mdb")); }
 
 QString defaultBackupDir() { return dataDir() + QStringLiteral("/varmistukset/"); }
 

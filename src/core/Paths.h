@@ -13,8 +13,12 @@ QString dataDir();
 // The installation settings file: $XDG_CONFIG_HOME/Vorkam/lxvorkam.ini.
 QString iniFile();
 
-// The default database: the program's folder + "/demo1.mdb".
+// The default database: the user's own copy of the demo association, the data folder's
+// demo1.mdb. The program's folder may be read-only; nothing is ever written there.
 QString defaultDatabase();
+// The demo association shipped in the program's folder, copied to defaultDatabase() at the
+// first start.
+QString programDemo();
 // The default backup folder, with its trailing "/": the data folder's varmistukset/.
 QString defaultBackupDir();
 

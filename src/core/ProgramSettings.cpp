@@ -72,8 +72,8 @@ QString loadInstallation()
     InstallationSettings& s = g_installation;
     s.Database = ini.read(QStringLiteral("Database"), QString());
     if (s.Database.isEmpty()) {
-        // Deliberately a plain join: a folder that ends in "/" gives a doubled separator.
-        s.Database = Paths::programDir() + QStringLiteral("/demo1.mdb");
+        // The first start opens the user's own copy of the demo association.
+        s.Database = Paths::defaultDatabase();
         writeFailed |= !ini.write(QStringLiteral("Database"), s.Database);
     }
     s.DatabaseBackup = ini.read(QStringLiteral("DatabaseBackup"), QString());

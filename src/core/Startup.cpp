@@ -125,10 +125,38 @@ bool Startup::openAndCheck(QString& path, const QString& connection, bool offerD
     return true;
 }
 
+void Startup::provideDemo(QString& path, Result& result)
+{
+    const QString demo = Paths::programDemo();
+    const QString own = Paths::defaultDatabase();
+    const QFileInfo shipped(demo);
+    // Settings of an older start may still name the program's own demo: its folder is never
+    // written to, so the user's copy takes its place.
+    if (!path.isEmpty() && shipped.exists()
+        && QFileInfo(path).canonicalFilePath() == shipped.canonicalFilePath()) {
+        path = own;
+        result.defaultTaken = true;
+    }
+    if (path != own || QFileInfo::exists(own) || !shipped.isFile())
+        return;
+    FileOps& ops = FileOps::instance();
+    if (!QDir().mkpath(QFileInfo(own).absolutePath()) || !ops.copy(demo, own)) {
+        Dialogs::instance().information(
+            QStringLiteral("Esimerkkiyhdistyksen kirjanpitoa ei voi kopioida tiedostoksi %1.
+                           "
+                           "Tarkista, että kansioon voi kirjoittaa ja levyllä on tilaa.")
+                .arg(own));
+        return;
+    }
+    // An installed demo may be read-only; the user's copy is the user's to change.
+    ops.makeWritable(own);
+}
+
 bool Startup::openFile(QString& path, const QString& connection, bool offerDefault, Result& result)
 {
     Dialogs& dialogs = Dialogs::instance();
     OpenResult opened;
+    provideDemo(path, result);
     if (path.isEmpty()) {
         opened = OpenResult { DbError::FileNotFound, QString() };
     } else if (DatabaseFile::isJetFile(path)) {
@@ -193,6 +221,7 @@ bool Startup::openFile(QString& path, const QString& connection, bool offerDefau
             path = Paths::defaultDatabase();
             result.defaultTaken = true;
             result.readOnly = false;
+            provideDemo(path, result);
             // A missing default database asks again; No ends the loop.
             opened = DatabaseFile::open(path, connection);
             break;

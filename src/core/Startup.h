@@ -41,6 +41,9 @@ public:
     static bool openAndCheck(QString& path, const QString& connection, bool offerDefault, Result& result);
 
 private:
+    // The default database is the user's copy of the program's demo association, made when it
+    // is missing; settings naming the program's own demo are pointed at that copy.
+    static void provideDemo(QString& path, Result& result);
     static bool openFile(QString& path, const QString& connection, bool offerDefault, Result& result);
     // The user was asked about converting an old-format file; true when `path` now holds the
     // converted books.

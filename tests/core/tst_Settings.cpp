@@ -67,7 +67,7 @@ void tst_Settings::installationDefaultsAreStored()
     TestEnv env;
     QCOMPARE(ProgramSettings::loadInstallation(), QString());
     const InstallationSettings& s = ProgramSettings::installation();
-    QCOMPARE(s.Database, env.programDir() + QStringLiteral("/demo1.mdb"));
+    QCOMPARE(s.Database, env.path(QStringLiteral("data/demo1.mdb")));
     QCOMPARE(s.DatabaseBackup, env.path(QStringLiteral("data/varmistukset/")));
     QVERIFY(!s.MultiDb);
     IniSettingsStore ini(env.iniFile());
@@ -77,12 +77,11 @@ void tst_Settings::installationDefaultsAreStored()
     // MultiDb keeps its default without being written.
     QCOMPARE(ini.read(QStringLiteral("MultiDb"), QStringLiteral("puuttuu")), QStringLiteral("puuttuu"));
 
-    // The ini default joins plainly: a folder ending in "/" gives a doubled separator.
-    Paths::setProgramDir(env.programDir() + u'/');
+    // An empty value counts as missing; a folder ending in "/" is joined without doubling it.
+    Paths::setDataDir(env.path(QStringLiteral("data/")));
     env.writeIni("[VORKAM]\nDatabase=\n");
     ProgramSettings::loadInstallation();
-    QCOMPARE(ProgramSettings::installation().Database, env.programDir() + QStringLiteral("//demo1.mdb"));
-    QCOMPARE(Paths::defaultDatabase(), env.programDir() + QStringLiteral("/demo1.mdb"));
+    QCOMPARE(ProgramSettings::installation().Database, env.path(QStringLiteral("data/demo1.mdb")));
 }
 
 void tst_Settings::installationValuesAreRead_data()
@@ -116,7 +115,7 @@ void tst_Settings::unreadableIniGivesMessageAndDefaults()
     QVERIFY(QDir().mkpath(env.iniFile()));
     const QString problem = ProgramSettings::loadInstallation();
     QVERIFY2(problem.contains(QStringLiteral("ei voi lukea")), qPrintable(problem));
-    QCOMPARE(ProgramSettings::installation().Database, env.programDir() + QStringLiteral("/demo1.mdb"));
+    QCOMPARE(ProgramSettings::installation().Database, env.path(QStringLiteral("data/demo1.mdb")));
     QVERIFY(!ProgramSettings::saveDatabase());
 }
 

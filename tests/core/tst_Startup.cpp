@@ -97,6 +97,8 @@ private slots:
     void readOnlyFolder();
     void missingDatabase_data();
     void missingDatabase();
+    void firstStartOpensOwnDemoCopy_data();
+    void firstStartOpensOwnDemoCopy();
     void refusedDefaultLeavesNoDatabase();
     void missingDefaultAsksAgain();
     void damagedFileIsRepaired_data();
@@ -269,11 +271,76 @@ void tst_Startup::missingDatabase()
     QVERIFY(r.databaseOpen);
     QVERIFY(r.defaultTaken);
     QVERIFY(r.upgraded);
-    QCOMPARE(ProgramSettings::installation().Database, env.programDir() + QStringLiteral("/demo1.mdb"));
-    // The default is remembered once the database has been opened and upgraded.
-    QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}),
-        env.programDir() + QStringLiteral("/demo1.mdb"));
+    // The default is the user's copy of the demo, remembered once it has been opened and upgraded.
+    const QString own = env.path(QStringLiteral("data/demo1.mdb"));
+    QCOMPARE(ProgramSettings::installation().Database, own);
+    QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), own);
     QVERIFY(r.caption.endsWith(QStringLiteral(" - demo1.mdb")));
+}
+
+void tst_Startup::firstStartOpensOwnDemoCopy_data()
+{
+    QTest::addColumn<QByteArray>("ini");
+    QTest::addColumn<bool>("ownExists");
+    QTest::addColumn<bool>("shippedReadOnly");
+    QTest::addColumn<bool>("dataBlocked");
+    QTest::newRow("no settings yet") << QByteArray() << false << false << false;
+    QTest::newRow("installed demo is read-only") << QByteArray() << false << true << false;
+    QTest::newRow("settings name the program's demo") << QByteArray("PROGRAM") << false << false << false;
+    QTest::newRow("own copy is kept") << QByteArray() << true << false << false;
+    QTest::newRow("data folder cannot be made") << QByteArray() << false << false << true;
+}
+
+void tst_Startup::firstStartOpensOwnDemoCopy()
+{
+    QFETCH(QByteArray, ini);
+    QFETCH(bool, ownExists);
+    QFETCH(bool, shippedReadOnly);
+    QFETCH(bool, dataBlocked);
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    const QString shipped = env.programDir() + QStringLiteral("/demo1.mdb");
+    const QString own = env.path(QStringLiteral("data/demo1.mdb"));
+    QVERIFY(TestEnv::createDatabase(shipped));
+    if (ownExists) {
+        QVERIFY(TestEnv::createDatabase(own));
+        withDatabase(
+            own, [](QSqlDatabase& db) { QSqlQuery(db).exec(QStringLiteral("CREATE TABLE oma(x)")); });
+    }
+    if (dataBlocked)
+        QVERIFY(TestEnv::writeFile(env.path(QStringLiteral("data")), "tiedosto kansion paikalla"));
+    if (shippedReadOnly)
+        QVERIFY(QFile::setPermissions(shipped, QFileDevice::ReadOwner | QFileDevice::ReadGroup));
+    if (ini == "PROGRAM")
+        setDatabase(env, shipped);
+    const QByteArray shippedBytes = TestEnv::readFile(shipped);
+    const QDateTime shippedTime = QFileInfo(shipped).lastModified();
+    if (dataBlocked)
+        dialogs.answerNo();
+
+    const Startup::Result r = runStartup();
+    // Nothing is ever written into the program's folder.
+    QCOMPARE(TestEnv::readFile(shipped), shippedBytes);
+    QCOMPARE(QFileInfo(shipped).lastModified(), shippedTime);
+    QCOMPARE(QDir(env.programDir()).entryList(QDir::Files | QDir::Hidden), QStringList { "demo1.mdb" });
+    if (dataBlocked) {
+        QVERIFY(!r.databaseOpen);
+        QVERIFY2(
+            dialogs.transcript().value(0).contains(QStringLiteral("Esimerkkiyhdistyksen kirjanpitoa ei voi "
+                                                                  "kopioida")),
+            qPrintable(dialogs.transcript().join(u'\n')));
+        return;
+    }
+    QCOMPARE(dialogs.transcript(), QStringList());
+    QVERIFY(r.databaseOpen);
+    QVERIFY(!r.readOnly);
+    QVERIFY(writable(own));
+    QCOMPARE(ProgramSettings::installation().Database, own);
+    QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), own);
+    bool kept = false;
+    withDatabase(
+        own, [&](QSqlDatabase& db) { kept = QSqlQuery(db).exec(QStringLiteral("SELECT * FROM oma")); });
+    QCOMPARE(kept, ownExists);
 }
 
 void tst_Startup::refusedDefaultLeavesNoDatabase()

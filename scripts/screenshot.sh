@@ -1,23 +1,40 @@
 #!/usr/bin/env bash
-# Takes the README's picture of the main window: builds Vorkam, starts it on a copy of the demo
-# association in a neutral private home folder (~/Documents/Vorkam/demo1.mdb) under a virtual
-# display, and saves the window.
+# Takes the pictures of the README and the user manual: builds Vorkam (Release), starts it on a
+# copy of the demo association in a neutral private home folder under a virtual display, opens
+# its windows with the keyboard as a user would, and saves each window.
+# Usage: scripts/screenshot.sh            pictures into docs/ and docs/kayttoohje/kuvat/
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh xvfb xauth imagemagick
+scripts/install-deps.sh xvfb xauth imagemagick xdotool openbox
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DVORKAM_TESTS=OFF >/dev/null
 cmake --build build -j2 >/dev/null
 
 home=$(mktemp -d)
-trap 'rm -rf "$home"' EXIT
-mkdir -p "$home/Documents/Vorkam" "$home/.config/Vorkam"
-cp build/bin/demo1.mdb "$home/Documents/Vorkam/demo1.mdb"
-printf '[VORKAM]\nDatabase=%s\n' "$home/Documents/Vorkam/demo1.mdb" >"$home/.config/Vorkam/lxvorkam.ini"
-out=${1:-docs/paaikkuna.png}
-HOME="$home" XDG_CONFIG_HOME="$home/.config" xvfb-run -a -s "-screen 0 800x600x24" bash -c '
-  build/bin/vorkam & pid=$!
-  sleep 4
-  import -window root -trim +repage "$0"
-  kill $pid
-' "$out"
-echo "Kuva tallennettu: $out"
+trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$home"' EXIT
+mkdir -p "$home/.config/Vorkam"
+kuvat=docs/kayttoohje/kuvat
+mkdir -p "$kuvat"
+export HOME=$home XDG_CONFIG_HOME=$home/.config LANG=fi_FI.UTF-8
+
+display=:$((90 + RANDOM % 9))
+Xvfb "$display" -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
+export DISPLAY=$display
+sleep 1
+openbox >/dev/null 2>&1 &
+sleep 1
+build/bin/vorkam >/dev/null 2>&1 &
+sleep 4
+
+key() { xdotool key --delay 120 "$@"; sleep 1.5; }
+shot() { import -window "$(xdotool getactivewindow)" "$kuvat/$1.png"; echo "  $kuvat/$1.png"; }
+
+echo "Kuvat:"
+shot paaikkuna
+cp "$kuvat/paaikkuna.png" docs/paaikkuna.png
+key alt+t t; shot tositteet; key alt+F4
+key alt+t i; shot tilit; key alt+F4
+key alt+t u; shot tulos-ja-tase; key alt+F4
+key alt+t a; shot asetukset; key Escape
+# The last items of the Tietokanta menu: Tietoja, and the service file mail above it.
+key alt+i Up Return; shot tietoja; key Escape
+key alt+i Up Up Return; shot huoltotiedosto; key Escape

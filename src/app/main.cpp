@@ -1,9 +1,11 @@
 #include "DBC.h"
 #include "Dialogs.h"
+#include "ProgramInfo.h"
 #include "QtDialogs.h"
 #include "frmMain.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QLocale>
 
 int main(int argc, char* argv[])
@@ -11,7 +13,13 @@ int main(int argc, char* argv[])
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Vorkam"));
     QApplication::setApplicationDisplayName(QStringLiteral("Vorkam"));
-    QApplication::setApplicationVersion(QStringLiteral(VORKAM_VERSION));
+    QApplication::setApplicationVersion(ProgramInfo::version());
+    // The desktop entry's name lets the desktop match the window to its menu item and icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral("vorkam"));
+    QIcon icon;
+    for (int size : { 16, 32, 64, 256 })
+        icon.addFile(QStringLiteral(":/vorkam/vorkam-%1.png").arg(size), QSize(size, size));
+    QApplication::setWindowIcon(icon);
     // Amounts and dates are Finnish whatever the machine's own language.
     if (QLocale::system().territory() != QLocale::Finland)
         QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));

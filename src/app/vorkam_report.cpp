@@ -12,6 +12,7 @@
 #include "Dialogs.h"
 #include "JetConversion.h"
 #include "PdfWriter.h"
+#include "ProgramInfo.h"
 #include "ProgramSettings.h"
 #include "ReportCatalog.h"
 #include "ReportEngine.h"
@@ -94,6 +95,8 @@ QString parse(const QStringList& args, Arguments& a)
         }
         if (arg == u"--help")
             return QStringLiteral("help");
+        if (arg == u"--version")
+            return QStringLiteral("version");
         if (arg == u"--accounts" || arg == u"--groups-only" || arg == u"--narrow") {
             (arg == u"--accounts"        ? a.options.perAccount
                     : arg == u"--narrow" ? a.options.narrow
@@ -372,6 +375,10 @@ int main(int argc, char* argv[])
     int rc = Ok;
     if (problem == u"help") {
         say(stdout, usage());
+    } else if (problem == u"version") {
+        say(stdout,
+            QStringLiteral("vorkam_report %1 (%2)\n%3")
+                .arg(ProgramInfo::version(), ProgramInfo::licence(), ProgramInfo::librariesText()));
     } else if (!problem.isEmpty()) {
         say(stderr, problem);
         say(stderr, usage());

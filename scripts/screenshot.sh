@@ -3,11 +3,16 @@
 # copy of the demo association in a neutral private home folder under a virtual display, opens
 # its windows with the keyboard as a user would, and saves each window.
 # Usage: scripts/screenshot.sh            pictures into docs/ and docs/kayttoohje/kuvat/
+#        VORKAM_BUILD=build-test scripts/screenshot.sh   the pictures of an existing build
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh xvfb xauth imagemagick xdotool openbox
-cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DVORKAM_TESTS=OFF >/dev/null
-cmake --build build -j2 >/dev/null
+build=${VORKAM_BUILD:-build}
+if [ -z "${VORKAM_BUILD:-}" ]; then
+  cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DVORKAM_TESTS=OFF >/dev/null
+  cmake --build build -j2 >/dev/null
+fi
+export ASAN_OPTIONS=detect_leaks=0
 
 home=$(mktemp -d)
 trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$home"' EXIT
@@ -22,7 +27,7 @@ export DISPLAY=$display
 sleep 1
 openbox >/dev/null 2>&1 &
 sleep 1
-build/bin/vorkam >/dev/null 2>&1 &
+"$build/bin/vorkam" >/dev/null 2>&1 &
 sleep 4
 
 key() { xdotool key --delay 120 "$@"; sleep 1.5; }

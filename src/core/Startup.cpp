@@ -142,8 +142,7 @@ void Startup::provideDemo(QString& path, Result& result)
     FileOps& ops = FileOps::instance();
     if (!QDir().mkpath(QFileInfo(own).absolutePath()) || !ops.copy(demo, own)) {
         Dialogs::instance().information(
-            QStringLiteral("Esimerkkiyhdistyksen kirjanpitoa ei voi kopioida tiedostoksi %1.
-                           "
+            QStringLiteral("Esimerkkiyhdistyksen kirjanpitoa ei voi kopioida tiedostoksi %1.\n"
                            "Tarkista, että kansioon voi kirjoittaa ja levyllä on tilaa.")
                 .arg(own));
         return;

@@ -307,8 +307,10 @@ void tst_Startup::firstStartOpensOwnDemoCopy()
         withDatabase(
             own, [](QSqlDatabase& db) { QSqlQuery(db).exec(QStringLiteral("CREATE TABLE oma(x)")); });
     }
-    if (dataBlocked)
+    if (dataBlocked) {
+        QVERIFY(QDir(env.path(QStringLiteral("data"))).removeRecursively());
         QVERIFY(TestEnv::writeFile(env.path(QStringLiteral("data")), "tiedosto kansion paikalla"));
+    }
     if (shippedReadOnly)
         QVERIFY(QFile::setPermissions(shipped, QFileDevice::ReadOwner | QFileDevice::ReadGroup));
     if (ini == "PROGRAM")

@@ -6,7 +6,8 @@
 set -euo pipefail
 build=$(realpath "$1")
 work=$(mktemp -d)
-trap 'kill "${pid:-0}" 2>/dev/null || true; chmod -R u+w "$work" 2>/dev/null; rm -rf "$work"' EXIT
+pid=
+trap '{ [ -z "$pid" ] || kill "$pid"; chmod -R u+w "$work"; rm -rf "$work"; } 2>/dev/null || true' EXIT
 fail() { echo "VIRHE: $*" >&2; exit 1; }
 
 (cd "$build" && cpack -G DEB -B "$work/pkg" -D CPACK_DEBIAN_COMPRESSION_TYPE=gzip) >"$work/cpack.log" 2>&1 \

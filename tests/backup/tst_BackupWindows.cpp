@@ -92,7 +92,6 @@ class tst_BackupWindows : public QObject {
 
 private slots:
     void backupStepsOneAfterAnother();
-    void backupFindsNoStick_data();
     void backupFindsNoStick();
     void backupRefusesAFullStick();
     void backupOfMissingBooks();
@@ -139,23 +138,12 @@ void tst_BackupWindows::backupStepsOneAfterAnother()
     QVERIFY(enabled(w, "cSulje"));
 }
 
-void tst_BackupWindows::backupFindsNoStick_data()
-{
-    QTest::addColumn<QString>("label");
-    QTest::addColumn<bool>("removable");
-    QTest::newRow("no stick at all") << QString() << true;
-    QTest::newRow("label with something added") << "KOPIOTIKKU2" << true;
-    QTest::newRow("right label on a fixed disk") << "KOPIOTIKKU" << false;
-}
-
 void tst_BackupWindows::backupFindsNoStick()
 {
-    QFETCH(QString, label);
-    QFETCH(bool, removable);
+    // Which drives are suitable is BackupStick's rule; here a near miss is told through Dialogs.
     TestEnv env;
     ScriptedDrives drives;
-    if (!label.isEmpty())
-        drives.add(label, removable);
+    drives.add(QStringLiteral("KOPIOTIKKU"), false);
     const QString books = env.path(QStringLiteral("seura.mdb"));
     QVERIFY(TestEnv::createDatabase(books));
     ScriptedDialogs dialogs;

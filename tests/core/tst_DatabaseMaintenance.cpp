@@ -145,36 +145,28 @@ void tst_DatabaseMaintenance::commands_data()
     QTest::addColumn<QString>("answer");
     QTest::addColumn<QString>("message");
     QTest::addColumn<QString>("after");
-    QTest::newRow("POISTA KAIKKI") << "POISTA KAIKKI"
-                                   << "Kaikki poistettu."
-                                   << "tl 0, to 0, vi 0, toE 0, viE 0, ma 0, mr 0";
-    QTest::newRow("poista kaikki") << "poista kaikki"
-                                   << "Kaikki poistettu."
-                                   << "tl 0, to 0, vi 0, toE 0, viE 0, ma 0, mr 0";
-    QTest::newRow("POISTA NYKYISET TOSITTEET") << "POISTA NYKYISET TOSITTEET"
-                                               << "Nykyiset tositteet poistettu."
-                                               << "tl 3, to 0, vi 0, toE 2, viE 3, ma 3, mr 5";
-    QTest::newRow("POISTA EDELLISET TOSITTEET") << "POISTA EDELLISET TOSITTEET"
-                                                << "Edelliset tositteet poistettu."
-                                                << "tl 3, to 3, vi 6, toE 0, viE 0, ma 3, mr 5";
-    QTest::newRow("POISTA TULOSLASKELMAMALLIT") << "POISTA TULOSLASKELMAMALLIT"
-                                                << "Tuloslaskelmamallit poistettu."
-                                                << "tl 3, to 3, vi 6, toE 2, viE 3, ma 1, mr 2";
-    QTest::newRow("POISTA TASEMALLIT") << "POISTA TASEMALLIT"
-                                       << "Tasemallit poistettu."
-                                       << "tl 3, to 3, vi 6, toE 2, viE 3, ma 2, mr 3";
-    QTest::newRow("POISTA TILIT") << "POISTA TILIT"
-                                  << "Tilit poistettu."
-                                  << "tl 0, to 3, vi 6, toE 2, viE 3, ma 3, mr 5";
+    const auto row = [](const char* tag, const char* answer, const char* message, const char* after) {
+        QTest::newRow(tag) << QString::fromUtf8(answer) << QString::fromUtf8(message)
+                           << QString::fromUtf8(after);
+    };
+    row("POISTA KAIKKI", "POISTA KAIKKI", "Kaikki poistettu.", "tl 0, to 0, vi 0, toE 0, viE 0, ma 0, mr 0");
+    row("poista kaikki", "poista kaikki", "Kaikki poistettu.", "tl 0, to 0, vi 0, toE 0, viE 0, ma 0, mr 0");
+    row("POISTA NYKYISET TOSITTEET", "POISTA NYKYISET TOSITTEET", "Nykyiset tositteet poistettu.",
+        "tl 3, to 0, vi 0, toE 2, viE 3, ma 3, mr 5");
+    row("POISTA EDELLISET TOSITTEET", "POISTA EDELLISET TOSITTEET", "Edelliset tositteet poistettu.",
+        "tl 3, to 3, vi 6, toE 0, viE 0, ma 3, mr 5");
+    row("POISTA TULOSLASKELMAMALLIT", "POISTA TULOSLASKELMAMALLIT", "Tuloslaskelmamallit poistettu.",
+        "tl 3, to 3, vi 6, toE 2, viE 3, ma 1, mr 2");
+    row("POISTA TASEMALLIT", "POISTA TASEMALLIT", "Tasemallit poistettu.",
+        "tl 3, to 3, vi 6, toE 2, viE 3, ma 2, mr 3");
+    row("POISTA TILIT", "POISTA TILIT", "Tilit poistettu.", "tl 0, to 3, vi 6, toE 2, viE 3, ma 3, mr 5");
     QTest::newRow("TARKISTA SELITTEET") << "TARKISTA SELITTEET"
                                         << "Selitetekstit tarkistettu." << Initial;
     // The account number keeps its separating blank in the message.
-    QTest::newRow("POISTA VIENNIT 1910") << "POISTA VIENNIT 1910"
-                                         << "Viennit tililtä  1910 poistettu."
-                                         << "tl 3, to 3, vi 3, toE 2, viE 1, ma 3, mr 5";
-    QTest::newRow("Poista viennit 3000") << "Poista viennit 3000"
-                                         << "Viennit tililtä  3000 poistettu."
-                                         << "tl 3, to 3, vi 5, toE 2, viE 2, ma 3, mr 5";
+    row("POISTA VIENNIT 1910", "POISTA VIENNIT 1910", "Viennit tililtä  1910 poistettu.",
+        "tl 3, to 3, vi 3, toE 2, viE 1, ma 3, mr 5");
+    row("Poista viennit 3000", "Poista viennit 3000", "Viennit tililtä  3000 poistettu.",
+        "tl 3, to 3, vi 5, toE 2, viE 2, ma 3, mr 5");
 }
 
 // Every command runs on the fixture, keeps a safety copy of the books as they were and names it

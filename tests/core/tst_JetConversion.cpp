@@ -340,22 +340,17 @@ private slots:
     {
         QTest::addColumn<QString>("damage");
         QTest::addColumn<QString>("message");
-        QTest::newRow("cut inside a page") << "cut"
-                                           << "vajaa";
-        QTest::newRow("cut on a page boundary") << "cut-page"
-                                                << "vajaa";
-        QTest::newRow("the entries' page garbled") << "garbled"
-                                                   << "vioittunut";
-        QTest::newRow("another program's database") << "foreign"
-                                                    << "ei ole yhdistyksen kirjanpito";
-        QTest::newRow("password") << "password"
-                                  << "salasanalla";
-        QTest::newRow("no room on the disk") << "full"
-                                             << "tarpeeksi tilaa";
-        QTest::newRow("read-only folder") << "read-only folder"
-                                          << "ei voi kirjoittaa";
-        QTest::newRow("already converted") << "sqlite"
-                                           << "ei ole vanhan muodon";
+        const auto row = [](const char* tag, const char* damage, const char* message) {
+            QTest::newRow(tag) << QString::fromUtf8(damage) << QString::fromUtf8(message);
+        };
+        row("cut inside a page", "cut", "vajaa");
+        row("cut on a page boundary", "cut-page", "vajaa");
+        row("the entries' page garbled", "garbled", "vioittunut");
+        row("another program's database", "foreign", "ei ole yhdistyksen kirjanpito");
+        row("password", "password", "salasanalla");
+        row("no room on the disk", "full", "tarpeeksi tilaa");
+        row("read-only folder", "read-only folder", "ei voi kirjoittaa");
+        row("already converted", "sqlite", "ei ole vanhan muodon");
     }
 
     void badFileIsRefused()

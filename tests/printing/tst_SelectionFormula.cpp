@@ -90,42 +90,27 @@ private slots:
     {
         QTest::addColumn<QString>("formula");
         QTest::addColumn<QString>("message");
-        QTest::newRow("no such day") << "{to.toPvm} <= Date(2011,2,29)"
-                                     << "Date(2011,2,29) ei ole oikea päivä (kohta 15)";
-        QTest::newRow("Date with a text") << "{to.toPvm} <= Date(2011,'1',1)"
-                                          << "vuosi, kuukausi ja päivä numeroina";
-        QTest::newRow("ends after an operator") << "{to.toPvm} <="
-                                                << "päättyy kesken (kohta 14)";
-        QTest::newRow("ends after AND") << "{to.toNumero} >= 0 AND"
-                                        << "päättyy kesken";
-        QTest::newRow("open parenthesis") << "({to.toNumero} >= 0"
-                                          << "puuttuu loppusulje )";
-        QTest::newRow("extra parenthesis") << "{to.toNumero} >= 0)"
-                                           << "ylimääräistä tekstiä: ) (kohta 19)";
-        QTest::newRow("unknown table") << "{xx.toNumero} = 1"
-                                       << "Kenttää {xx.toNumero} ei ole raportin tiedoissa";
-        QTest::newRow("unknown field") << "{to.eiOle} = 1"
-                                       << "Kenttää {to.eiOle} ei ole";
-        QTest::newRow("field without table") << "{toPvm} = 1"
-                                             << "ei ole muotoa {taulu.kenttä}";
-        QTest::newRow("unclosed field") << "{to.toPvm = 1"
-                                        << "puuttuu loppusulje }";
-        QTest::newRow("function") << "Year({to.toPvm}) = 2011"
-                                  << "funktiota Year ei tueta";
-        QTest::newRow("unknown word") << "{to.toNumero} = Tosite"
-                                      << "sana, jota ei tunneta: Tosite";
-        QTest::newRow("XOR") << "{to.toNumero} = 1 XOR {to.toNumero} = 2"
-                             << "ylimääräistä tekstiä: XOR";
-        QTest::newRow("unknown character") << "{to.toNumero} # 1"
-                                           << "merkki, jota ei tunneta: #";
-        QTest::newRow("truth value ordered") << "{to.toAvaustosite} > True"
-                                             << "vain merkeillä = ja <>";
-        QTest::newRow("unclosed text") << "{vi.viSelite} = 'abc"
-                                       << "lainausmerkkiä vaille";
-        QTest::newRow("a number is no condition") << "5"
-                                                  << "puuttuu vertailu";
-        QTest::newRow("two decimal points") << "{vi.viArvo} > 1.2.3"
-                                            << "luku 1.2.3 on virheellinen";
+        const auto row = [](const char* tag, const char* formula, const char* message) {
+            QTest::newRow(tag) << QString::fromUtf8(formula) << QString::fromUtf8(message);
+        };
+        row("no such day", "{to.toPvm} <= Date(2011,2,29)", "Date(2011,2,29) ei ole oikea päivä (kohta 15)");
+        row("Date with a text", "{to.toPvm} <= Date(2011,'1',1)", "vuosi, kuukausi ja päivä numeroina");
+        row("ends after an operator", "{to.toPvm} <=", "päättyy kesken (kohta 14)");
+        row("ends after AND", "{to.toNumero} >= 0 AND", "päättyy kesken");
+        row("open parenthesis", "({to.toNumero} >= 0", "puuttuu loppusulje )");
+        row("extra parenthesis", "{to.toNumero} >= 0)", "ylimääräistä tekstiä: ) (kohta 19)");
+        row("unknown table", "{xx.toNumero} = 1", "Kenttää {xx.toNumero} ei ole raportin tiedoissa");
+        row("unknown field", "{to.eiOle} = 1", "Kenttää {to.eiOle} ei ole");
+        row("field without table", "{toPvm} = 1", "ei ole muotoa {taulu.kenttä}");
+        row("unclosed field", "{to.toPvm = 1", "puuttuu loppusulje }");
+        row("function", "Year({to.toPvm}) = 2011", "funktiota Year ei tueta");
+        row("unknown word", "{to.toNumero} = Tosite", "sana, jota ei tunneta: Tosite");
+        row("XOR", "{to.toNumero} = 1 XOR {to.toNumero} = 2", "ylimääräistä tekstiä: XOR");
+        row("unknown character", "{to.toNumero} # 1", "merkki, jota ei tunneta: #");
+        row("truth value ordered", "{to.toAvaustosite} > True", "vain merkeillä = ja <>");
+        row("unclosed text", "{vi.viSelite} = 'abc", "lainausmerkkiä vaille");
+        row("a number is no condition", "5", "puuttuu vertailu");
+        row("two decimal points", "{vi.viArvo} > 1.2.3", "luku 1.2.3 on virheellinen");
     }
     void malformed()
     {

@@ -1,3 +1,4 @@
+#include "ReportCommand.h"
 #include "TestEnv.h"
 
 #include <QFile>
@@ -5,21 +6,6 @@
 #include <QTest>
 
 namespace {
-
-struct Result {
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-Result vorkamReport(const QStringList& args)
-{
-    QProcess p;
-    p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), args);
-    p.waitForFinished(120000);
-    return { p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
-        QString::fromLocal8Bit(p.readAllStandardOutput()), QString::fromLocal8Bit(p.readAllStandardError()) };
-}
 
 QString pdfText(const QString& pdf)
 {
@@ -39,10 +25,9 @@ private slots:
     {
         TestEnv env;
         const QString books = env.path(QStringLiteral("demo1.mdb"));
-        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
-        QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QVERIFY(ReportCommand::copyBuilt(QStringLiteral("demo1.mdb"), books));
         const QString pdf = env.path(QStringLiteral("saldot.pdf"));
-        const Result r = vorkamReport({ books, "tilisald", "--pdf", pdf });
+        const ReportCommand r = ReportCommand::run({ books, "tilisald", "--pdf", pdf });
         QVERIFY2(r.code == 0, qPrintable(r.err));
         QVERIFY(r.out.contains(QStringLiteral("saldot.pdf (2 sivua)")));
         const QString text = pdfText(pdf);
@@ -54,7 +39,7 @@ private slots:
         // The list of accounts needs no work table: a read-only book will do.
         QFile::setPermissions(books, QFileDevice::ReadOwner);
         const QString csv = env.path(QStringLiteral("tilit.csv"));
-        const Result list = vorkamReport({ books, "tilit", "--csv", csv });
+        const ReportCommand list = ReportCommand::run({ books, "tilit", "--csv", csv });
         QVERIFY2(list.code == 0, qPrintable(list.err));
         QVERIFY(QString::fromUtf8(TestEnv::readFile(csv)).contains(QStringLiteral("1910;Pankkitili;")));
     }
@@ -96,7 +81,7 @@ private slots:
         QStringList all = QStringList { books } + args;
         if (message != u"Anna tulostiedosto")
             all << "--pdf" << pdf;
-        const Result r = vorkamReport(all);
+        const ReportCommand r = ReportCommand::run(all);
         QCOMPARE(r.code, code);
         QVERIFY2(r.err.contains(message), qPrintable(r.err));
         QVERIFY(!QFile::exists(pdf));

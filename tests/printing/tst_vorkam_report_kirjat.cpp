@@ -1,3 +1,4 @@
+#include "ReportCommand.h"
 #include "TestEnv.h"
 
 #include <QFile>
@@ -6,21 +7,6 @@
 #include <QTest>
 
 namespace {
-
-struct Result {
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-Result vorkamReport(const QStringList& args)
-{
-    QProcess p;
-    p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), args);
-    p.waitForFinished(120000);
-    return { p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
-        QString::fromLocal8Bit(p.readAllStandardOutput()), QString::fromLocal8Bit(p.readAllStandardError()) };
-}
 
 // The rows of a CSV file written by vorkam_report, cells split.
 QList<QStringList> csv(const QString& file)
@@ -53,11 +39,11 @@ private slots:
     {
         TestEnv env;
         const QString books = env.path(QStringLiteral("demo1.mdb"));
-        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
-        QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QVERIFY(ReportCommand::copyBuilt(QStringLiteral("demo1.mdb"), books));
         const auto write = [&](const QStringList& args, const char* name) {
             const QString file = env.path(QLatin1String(name));
-            const Result r = vorkamReport(QStringList { books } + args + QStringList { "--csv", file });
+            const ReportCommand r
+                = ReportCommand::run(QStringList { books } + args + QStringList { "--csv", file });
             if (r.code != 0)
                 qWarning("%s", qPrintable(r.err));
             return r.code == 0 ? csv(file) : QList<QStringList>();
@@ -132,10 +118,10 @@ private slots:
         QFETCH(QString, message);
         TestEnv env;
         const QString books = env.path(QStringLiteral("demo1.mdb"));
-        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
-        QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QVERIFY(ReportCommand::copyBuilt(QStringLiteral("demo1.mdb"), books));
         const QString pdf = env.path(QStringLiteral("r.pdf"));
-        const Result r = vorkamReport(QStringList { books } + args + QStringList { "--pdf", pdf });
+        const ReportCommand r
+            = ReportCommand::run(QStringList { books } + args + QStringList { "--pdf", pdf });
         QVERIFY(r.code != 0);
         QVERIFY2(r.err.contains(message), qPrintable(r.err));
         QVERIFY(!QFile::exists(pdf));

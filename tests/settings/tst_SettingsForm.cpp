@@ -78,20 +78,6 @@ QString* field(SettingsForm& form, const QString& name)
     return nullptr;
 }
 
-int leafPage(const QString& file, const QString& name)
-{
-    int page = 0;
-    withDatabase(file, [&](QSqlDatabase& db) {
-        QSqlQuery q(db);
-        q.prepare(QStringLiteral(
-            "SELECT pageno FROM dbstat WHERE name = ? AND pagetype = 'leaf' ORDER BY pageno LIMIT 1"));
-        q.addBindValue(name);
-        if (q.exec() && q.next())
-            page = q.value(0).toInt();
-    });
-    return page;
-}
-
 } // namespace
 
 class tst_SettingsForm : public QObject {
@@ -105,7 +91,6 @@ private slots:
     void installationSettings();
     void newDatabaseThatCannotBeUsed_data();
     void newDatabaseThatCannotBeUsed();
-    void damagedNewDatabaseIsRepaired();
     void newDatabaseEndsTheProgram_data();
     void newDatabaseEndsTheProgram();
     void readOnlyBooksKeepTheirSettings();
@@ -341,36 +326,6 @@ void tst_SettingsForm::newDatabaseThatCannotBeUsed()
     QCOMPARE(ProgramSettings::installation().Database, books.file);
     QCOMPARE(stored(books.file), QStringList());
     QVERIFY(ProgramSettings::bookkeeping().Seurannimi != QStringLiteral("Uusi nimi"));
-}
-
-void tst_SettingsForm::damagedNewDatabaseIsRepaired()
-{
-    TestEnv env;
-    ScriptedDialogs dialogs;
-    Books books(env);
-    const QString other = env.path(QStringLiteral("toinen.mdb"));
-    QVERIFY(TestEnv::createDatabase(other));
-    QByteArray bytes = TestEnv::readFile(other);
-    const int page = leafPage(other, QStringLiteral("ix_to_toNumero"));
-    QVERIFY(page > 1);
-    for (int i = (page - 1) * 4096; i < page * 4096; ++i)
-        bytes[i] = char(0xA5 ^ (i & 0xFF));
-    QVERIFY(TestEnv::writeFile(other, bytes));
-    SettingsForm form = SettingsForm::current();
-    form.Database = other;
-    const SettingsForm::Saved saved = form.save(books.db());
-    const QStringList shown = dialogs.transcript();
-    QCOMPARE(shown.first(),
-        QStringLiteral("plain: Tietokanta on vioittunut edellisen käyttökerran lopetuksen "
-                       "yhteydessä, yritän korjata tietokannan. Odota hetki."));
-    QVERIFY2(shown.at(1).startsWith(QStringLiteral("information: Tietokanta korjattiin.")),
-        qPrintable(shown.at(1)));
-    QCOMPARE(shown.last(), Closing);
-    // The same work files as at start: the damaged original is kept beside the repaired file.
-    QCOMPARE(TestEnv::readFile(other + QStringLiteral("OLD")), bytes);
-    QVERIFY(!QFile::exists(other + u'2'));
-    QVERIFY(saved.databaseChanged);
-    QCOMPARE(ProgramSettings::installation().Database, other);
 }
 
 void tst_SettingsForm::newDatabaseEndsTheProgram_data()

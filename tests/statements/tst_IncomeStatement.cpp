@@ -86,39 +86,22 @@ void tst_IncomeStatement::sideRule_data()
     QTest::addColumn<QString>("tilit");
     QTest::addColumn<QString>("type");
     QTest::addColumn<qint64>("expected");
-    QTest::newRow("credit on a K row") << "K"
-                                       << "3,"
-                                       << "K" << qint64(10000);
-    QTest::newRow("credit on a D row") << "D"
-                                       << "3,"
-                                       << "K" << qint64(-10000);
-    QTest::newRow("debit on a K row") << "K"
-                                      << "3,"
-                                      << "D" << qint64(-10000);
-    QTest::newRow("debit on a D row") << "D"
-                                      << "3,"
-                                      << "D" << qint64(10000);
-    QTest::newRow("type in lower case") << "K"
-                                        << "3,"
-                                        << "k" << qint64(10000);
-    QTest::newRow("unknown type subtracts") << "K"
-                                            << "3,"
-                                            << "X" << qint64(-10000);
-    QTest::newRow("empty list") << "K"
-                                << ""
-                                << "K" << qint64(0);
-    QTest::newRow("empty-list marker") << "K"
-                                       << "-1,"
-                                       << "K" << qint64(0);
-    QTest::newRow("not numbers") << "K"
-                                 << "abc,3x,"
-                                 << "K" << qint64(0);
-    QTest::newRow("unknown account") << "K"
-                                     << "999,"
-                                     << "K" << qint64(0);
-    QTest::newRow("listed twice counts once") << "K"
-                                              << "3,3,"
-                                              << "K" << qint64(10000);
+    const auto row
+        = [](const char* tag, const char* side, const char* tilit, const char* type, qint64 cents) {
+              QTest::newRow(tag) << QString::fromLatin1(side) << QString::fromLatin1(tilit)
+                                 << QString::fromLatin1(type) << cents;
+          };
+    row("credit on a K row", "K", "3,", "K", 10000);
+    row("credit on a D row", "D", "3,", "K", -10000);
+    row("debit on a K row", "K", "3,", "D", -10000);
+    row("debit on a D row", "D", "3,", "D", 10000);
+    row("type in lower case", "K", "3,", "k", 10000);
+    row("unknown type subtracts", "K", "3,", "X", -10000);
+    row("empty list", "K", "", "K", 0);
+    row("empty-list marker", "K", "-1,", "K", 0);
+    row("not numbers", "K", "abc,3x,", "K", 0);
+    row("unknown account", "K", "999,", "K", 0);
+    row("listed twice counts once", "K", "3,3,", "K", 10000);
 }
 
 void tst_IncomeStatement::sideRule()
@@ -195,18 +178,18 @@ void tst_IncomeStatement::percentages_data()
     QTest::addColumn<qint64>("previous");
     QTest::addColumn<QString>("ofTurnover");
     QTest::addColumn<QString>("change");
-    QTest::newRow("previous 0") << qint64(1000) << qint64(500) << qint64(0) << "50.00"
-                                << "-";
-    QTest::newRow("-200 to -100") << qint64(1000) << qint64(-100) << qint64(-200) << "-10.00"
-                                  << "-50.00";
-    QTest::newRow("200 to 300") << qint64(1000) << qint64(300) << qint64(200) << "30.00"
-                                << "50.00";
-    QTest::newRow("-200 to 100") << qint64(1000) << qint64(100) << qint64(-200) << "10.00"
-                                 << "-150.00";
-    QTest::newRow("turnover 0") << qint64(0) << qint64(250) << qint64(250) << "-"
-                                << "0.00";
-    QTest::newRow("negative turnover") << qint64(-1000) << qint64(250) << qint64(1) << "-25.00"
-                                       << "24900.00";
+    const auto row
+        = [](qint64 turnover, qint64 current, qint64 previous, const char* ofTurnover, const char* change) {
+              QTest::addRow("turnover %lld, %lld to %lld", turnover, previous, current)
+                  << turnover << current << previous << QString::fromLatin1(ofTurnover)
+                  << QString::fromLatin1(change);
+          };
+    row(1000, 500, 0, "50.00", "-");
+    row(1000, -100, -200, "-10.00", "-50.00");
+    row(1000, 300, 200, "30.00", "50.00");
+    row(1000, 100, -200, "10.00", "-150.00");
+    row(0, 250, 250, "-", "0.00");
+    row(-1000, 250, 1, "-25.00", "24900.00");
 }
 
 void tst_IncomeStatement::percentages()

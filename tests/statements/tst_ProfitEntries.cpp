@@ -9,54 +9,6 @@
 
 namespace {
 
-using Row = StatementFixture::Row;
-
-// Accounts 3 and 5 make the result; 7 is the income statement's profit account and 2 the
-// balance sheet's (VoittoTaseella).
-void chart()
-{
-    StatementFixture::account(1, 1910, QStringLiteral("Pankkitili"));
-    StatementFixture::account(2, 2290, QStringLiteral("Tilikauden yli-/alijäämä (tase)"));
-    StatementFixture::account(3, 3000, QStringLiteral("Myynti"));
-    StatementFixture::account(5, 4000, QStringLiteral("Kulut"));
-    StatementFixture::account(7, 9990, QStringLiteral("Tilikauden yli-/alijäämä (tuloslaskelma)"));
-    StatementFixture::account(8, 2000, QStringLiteral("Oma pääoma"));
-    ProgramSettings::bookkeeping().VoittoTaseella = 2;
-}
-
-void templates()
-{
-    StatementFixture::malli(1, QStringLiteral("Tuloslaskelma"), 1);
-    StatementFixture::row({ .id = 1, .teksti = QStringLiteral("Tuotot") });
-    StatementFixture::row({ .id = 11,
-        .teksti = QStringLiteral("Myynti"),
-        .parent = 1,
-        .tilit = QStringLiteral("3,"),
-        .turnover = true });
-    StatementFixture::row({ .id = 2, .teksti = QStringLiteral("Kulut"), .tilit = QStringLiteral("5,") });
-    StatementFixture::row(
-        { .id = 3, .teksti = QStringLiteral("Tulos"), .kaava = QStringLiteral("+1,+2,"), .equation = true });
-    StatementFixture::row(
-        { .id = 4, .teksti = QStringLiteral("Ylijäämä"), .tilit = QStringLiteral("7,"), .profit = true });
-    StatementFixture::malli(2, QStringLiteral("Tase"), 2, 1);
-    const auto row = [](Row r) {
-        r.ma = 2;
-        StatementFixture::row(r);
-    };
-    row({ .id = 10, .teksti = QStringLiteral("Vastaavaa"), .side = QStringLiteral("D") });
-    row({ .id = 12,
-        .teksti = QStringLiteral("Rahat"),
-        .parent = 10,
-        .tilit = QStringLiteral("1,"),
-        .side = QStringLiteral("D") });
-    row({ .id = 20, .teksti = QStringLiteral("Vastattavaa") });
-    row({ .id = 21, .teksti = QStringLiteral("Pääoma"), .parent = 20, .tilit = QStringLiteral("8,") });
-    row({ .id = 22,
-        .teksti = QStringLiteral("Tilikauden ylijäämä"),
-        .parent = 20,
-        .tilit = QStringLiteral("2,") });
-}
-
 // Income and expenses of both years against the bank, after opening balances.
 void books(qint64 income, qint64 expense, qint64 previousIncome, qint64 previousExpense)
 {
@@ -130,8 +82,7 @@ private slots:
         f = std::make_unique<StatementFixture>();
         QVERIFY(f->ok);
         dialogs = std::make_unique<ScriptedDialogs>();
-        chart();
-        templates();
+        StatementFixture::smallAssociation();
     }
     void cleanup()
     {

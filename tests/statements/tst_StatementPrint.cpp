@@ -237,13 +237,8 @@ private slots:
         f.reset();
         TestEnv env;
         copyReports(env);
-        const QString copy = env.path(QStringLiteral("demo1.mdb"));
-        QVERIFY(QFile::copy(BinDir + QStringLiteral("/demo1.mdb"), copy));
-        QFile::setPermissions(copy, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-        ProgramSettings::installation().Database = copy;
-        const QSqlDatabase db = DBC::instance().AvaaDB();
-        QVERIFY(db.isOpen());
-        ProgramSettings::loadBookkeeping(db, copy);
+        QVERIFY(StatementFixture::openShipped(env, QStringLiteral("demo1.mdb")));
+        const QSqlDatabase db = StatementFixture::db();
         const BookkeepingSettings& s = ProgramSettings::bookkeeping();
         const qint32 id
             = StatementFixture::value(QStringLiteral("SELECT MIN(maID) FROM ma WHERE maTyyppi = ?"), { kind })

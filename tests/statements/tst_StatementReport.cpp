@@ -1,3 +1,4 @@
+#include "ReportCommand.h"
 #include "TestEnv.h"
 
 #include <QDate>
@@ -7,21 +8,6 @@
 #include <QTest>
 
 namespace {
-
-struct Result {
-    int code = -1;
-    QString out;
-    QString err;
-};
-
-Result vorkamReport(const QStringList& args)
-{
-    QProcess p;
-    p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), args);
-    p.waitForFinished(120000);
-    return { p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
-        QString::fromLocal8Bit(p.readAllStandardOutput()), QString::fromLocal8Bit(p.readAllStandardError()) };
-}
 
 // The demo association is built for the year of the build.
 QString date(int day, int month)
@@ -43,8 +29,7 @@ private slots:
     {
         env = new TestEnv;
         books = env->path(QStringLiteral("demo1.mdb"));
-        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
-        QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QVERIFY(ReportCommand::copyBuilt(QStringLiteral("demo1.mdb"), books));
     }
     void cleanup() { delete env; }
 
@@ -80,7 +65,8 @@ private slots:
         QFETCH(QStringList, lines);
         QFETCH(int, rows);
         const QString csv = env->path(QStringLiteral("rivit.csv"));
-        const Result r = vorkamReport(QStringList { books } + args + QStringList { "--csv", csv });
+        const ReportCommand r
+            = ReportCommand::run(QStringList { books } + args + QStringList { "--csv", csv });
         QVERIFY2(r.code == 0, qPrintable(r.err));
         const QStringList written = QString::fromUtf8(TestEnv::readFile(csv))
                                         .remove(QChar(0xFEFF))
@@ -91,7 +77,7 @@ private slots:
         QCOMPARE(written.size(), rows + 2);
 
         const QString xlsx = env->path(QStringLiteral("rivit.xlsx"));
-        QCOMPARE(vorkamReport(QStringList { books } + args + QStringList { "--xlsx", xlsx }).code, 0);
+        QCOMPARE(ReportCommand::run(QStringList { books } + args + QStringList { "--xlsx", xlsx }).code, 0);
         QVERIFY(TestEnv::readFile(xlsx).startsWith("PK"));
     }
 
@@ -110,7 +96,8 @@ private slots:
     {
         QFETCH(QStringList, args);
         const QString pdf = env->path(QStringLiteral("tuloste.pdf"));
-        const Result r = vorkamReport(QStringList { books } + args + QStringList { "--pdf", pdf });
+        const ReportCommand r
+            = ReportCommand::run(QStringList { books } + args + QStringList { "--pdf", pdf });
         QVERIFY2(r.code == 0, qPrintable(r.err));
         QVERIFY2(r.out.contains(QStringLiteral("(1 sivua)")), qPrintable(r.out));
         QVERIFY(TestEnv::readFile(pdf).startsWith("%PDF-"));
@@ -138,7 +125,7 @@ private slots:
         QFETCH(QStringList, args);
         QFETCH(int, code);
         QFETCH(QString, message);
-        const Result r = vorkamReport(QStringList { books } + args);
+        const ReportCommand r = ReportCommand::run(QStringList { books } + args);
         QCOMPARE(r.code, code);
         QVERIFY2(r.err.contains(message), qPrintable(r.err));
         QVERIFY(!QFile::exists(QStringLiteral("x.csv")) && !QFile::exists(QStringLiteral("x.pdf")));
@@ -149,7 +136,8 @@ private slots:
     {
         withDatabase(books,
             [](QSqlDatabase& db) { QSqlQuery(db).exec(QStringLiteral("UPDATE ma SET maTulosMaID = 0")); });
-        const Result r = vorkamReport({ books, "tase", "--csv", env->path(QStringLiteral("tase.csv")) });
+        const ReportCommand r
+            = ReportCommand::run({ books, "tase", "--csv", env->path(QStringLiteral("tase.csv")) });
         QCOMPARE(r.code, 1);
         QVERIFY2(
             r.err.contains(QStringLiteral("Tasemallille ei ole määritelty tuloslaskelmaa, jonka perusteella "

@@ -1,10 +1,7 @@
-#include "ModelChecks.h"
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
 #include "TemplateChecks.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QTest>
 #include <memory>
 
@@ -179,33 +176,6 @@ private slots:
         StatementFixture::exec(QStringLiteral("UPDATE ma SET maTulosMaID = 0 WHERE maID = 2"));
         QVERIFY(!TemplateChecks::pairFor(f->db(), 1).complete());
         QVERIFY(!TemplateChecks::pairFor(f->db(), 2).complete());
-    }
-
-    // Every model and the demo association pass every check, the pair's account checks too.
-    void shippedBooksPass_data()
-    {
-        QTest::addColumn<QString>("file");
-        for (const ModelChecks::ShippedBook& book : ModelChecks::shippedBooks())
-            QTest::newRow(qPrintable(book.name)) << book.file;
-    }
-    void shippedBooksPass()
-    {
-        QFETCH(QString, file);
-        f.reset();
-        TestEnv env;
-        const QString copy = env.path(QFileInfo(file).fileName());
-        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/") + file, copy));
-        QFile::setPermissions(copy, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-        ProgramSettings::installation().Database = copy;
-        const QSqlDatabase db = DBC::instance().AvaaDB();
-        QVERIFY(db.isOpen());
-        const qint32 balance
-            = StatementFixture::value(QStringLiteral("SELECT MIN(maID) FROM ma WHERE maTyyppi = 2")).toInt();
-        const TemplateChecks::Pair pair = TemplateChecks::pairFor(db, balance);
-        QVERIFY(pair.complete());
-        const std::vector<cMalliVirhe> findings = TemplateChecks::run(db, pair);
-        DBC::instance().SuljeDB();
-        QCOMPARE(TemplateChecks::listLines(findings), QStringList());
     }
 
     void balanceSideCorrection()

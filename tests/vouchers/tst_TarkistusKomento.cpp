@@ -1,3 +1,4 @@
+#include "ReportCommand.h"
 #include "TestEnv.h"
 
 #include <QFile>
@@ -15,12 +16,8 @@ struct Result {
 
 Result check(const QString& books)
 {
-    QProcess p;
-    p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), { books, QStringLiteral("tarkistus") });
-    p.waitForFinished(120000);
-    return { p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
-        QString::fromLocal8Bit(p.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts),
-        QString::fromLocal8Bit(p.readAllStandardError()) };
+    const ReportCommand r = ReportCommand::run({ books, QStringLiteral("tarkistus") });
+    return { r.code, r.out.split(u'\n', Qt::SkipEmptyParts), r.err };
 }
 
 void exec(const QString& file, const QStringList& statements)
@@ -55,8 +52,7 @@ private slots:
     {
         TestEnv env;
         const QString books = env.path(QStringLiteral("demo1.mdb"));
-        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
-        QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QVERIFY(ReportCommand::copyBuilt(QStringLiteral("demo1.mdb"), books));
         Result r = check(books);
         QVERIFY2(r.code == 0, qPrintable(r.err));
         QCOMPARE(r.lines, QStringList { QStringLiteral("Tarkistus suoritettu virheettömästi.") });

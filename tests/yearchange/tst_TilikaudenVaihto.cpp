@@ -1,8 +1,8 @@
-#include "../statements/StatementFixture.h"
 #include "Dates.h"
 #include "Paths.h"
 #include "PrintOptions.h"
 #include "ScriptedDialogs.h"
+#include "StatementFixture.h"
 #include "TilikaudenVaihto.h"
 
 #include <QCoreApplication>
@@ -18,53 +18,7 @@
 
 namespace {
 
-using Row = StatementFixture::Row;
 using F = StatementFixture;
-
-// Accounts 3 and 5 make the result; 7 is the income statement's profit account and 2 the
-// balance sheet's (VoittoTaseella). 1 and 4 are assets, 8 and 9 liabilities.
-void chart()
-{
-    F::account(1, 1910, QStringLiteral("Pankkitili"));
-    F::account(4, 1700, QStringLiteral("Siirtosaamiset"));
-    F::account(2, 2290, QStringLiteral("Tilikauden yli-/alijäämä (tase)"));
-    F::account(3, 3000, QStringLiteral("Myynti"));
-    F::account(5, 4000, QStringLiteral("Kulut"));
-    F::account(7, 9990, QStringLiteral("Tilikauden yli-/alijäämä (tuloslaskelma)"));
-    F::account(8, 2000, QStringLiteral("Oma pääoma"));
-    F::account(9, 2500, QStringLiteral("Ostovelat"));
-    ProgramSettings::bookkeeping().VoittoTaseella = 2;
-}
-
-// Income statement 1, its balance sheet 2, and balance sheet 3 that names no income statement.
-void templates()
-{
-    F::malli(1, QStringLiteral("Tuloslaskelma"), 1);
-    F::row({ .id = 1, .teksti = QStringLiteral("Tuotot"), .tilit = QStringLiteral("3,") });
-    F::row({ .id = 2, .teksti = QStringLiteral("Kulut"), .tilit = QStringLiteral("5,") });
-    F::row({ .id = 4, .teksti = QStringLiteral("Ylijäämä"), .tilit = QStringLiteral("7,"), .profit = true });
-    F::malli(2, QStringLiteral("Tase"), 2, 1);
-    const auto row = [](Row r) {
-        r.ma = 2;
-        F::row(r);
-    };
-    row({ .id = 10, .teksti = QStringLiteral("Vastaavaa"), .side = QStringLiteral("D") });
-    row({ .id = 12,
-        .teksti = QStringLiteral("Rahat ja saamiset"),
-        .parent = 10,
-        .tilit = QStringLiteral("1,4,"),
-        .side = QStringLiteral("D") });
-    row({ .id = 20, .teksti = QStringLiteral("Vastattavaa") });
-    row({ .id = 21,
-        .teksti = QStringLiteral("Pääoma ja velat"),
-        .parent = 20,
-        .tilit = QStringLiteral("8,9,") });
-    row({ .id = 22,
-        .teksti = QStringLiteral("Tilikauden ylijäämä"),
-        .parent = 20,
-        .tilit = QStringLiteral("2,") });
-    F::malli(3, QStringLiteral("Aakkosissa ensin"), 2, 0);
-}
 
 void setYears(const QDate& alku, const QDate& loppu, const QDate& edAlku, const QDate& edLoppu)
 {
@@ -108,11 +62,15 @@ QStringList books()
 
 QStringList safetyCopies() { return QDir(Paths::defaultBackupDir()).entryList(QDir::Files); }
 
-// Opening balances 2011 and the year's postings; the previous year 2010 has a voucher of its own.
+// The small association with the fiscal year 2011 (the previous 2010), its opening balances and
+// the year's postings; 2010 has a voucher of its own. Balance sheet 3 names no income statement.
 // Closing balances 2011: bank 1 1 800,00 D; 4 −200,00 (credit); 8 1 000,00 K; 9 500,00 K;
 // profit 2 100,00 K once the profit entries are posted (sales 300,00, expenses 200,00).
 void booksOf2011()
 {
+    F::smallAssociation();
+    F::malli(3, QStringLiteral("Aakkosissa ensin"), 2, 0);
+    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
     F::post(QStringLiteral("2011-01-01"), 1, 8, 100000, false, true);
     F::post(QStringLiteral("2011-03-01"), 1, 9, 50000);
     F::post(QStringLiteral("2011-04-10"), 1, 3, 30000);
@@ -248,9 +206,6 @@ void tst_TilikaudenVaihto::refusals()
     QFETCH(QString, message);
     F f;
     QVERIFY(f.ok);
-    chart();
-    templates();
-    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
     booksOf2011();
     const QStringList before = books();
     ScriptedDialogs dialogs;
@@ -267,9 +222,6 @@ void tst_TilikaudenVaihto::withoutOpeningEntries()
 {
     F f;
     QVERIFY(f.ok);
-    chart();
-    templates();
-    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
     booksOf2011();
     F::exec(QStringLiteral("INSERT INTO tase (taseteksti) VALUES ('vanha')"));
     ScriptedDialogs dialogs;
@@ -289,9 +241,6 @@ void tst_TilikaudenVaihto::openingEntries()
 {
     F f;
     QVERIFY(f.ok);
-    chart();
-    templates();
-    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
     booksOf2011();
     ScriptedDialogs dialogs;
     QStringList stages;
@@ -357,9 +306,6 @@ void tst_TilikaudenVaihto::historyReplaced()
 {
     F f;
     QVERIFY(f.ok);
-    chart();
-    templates();
-    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
     booksOf2011();
     // A zero balance gets no entry: account 9 is paid back.
     F::post(QStringLiteral("2011-11-01"), 9, 1, 50000);
@@ -410,11 +356,8 @@ void tst_TilikaudenVaihto::unbalancedSheetStillOpens()
 {
     F f;
     QVERIFY(f.ok);
-    chart();
-    templates();
-    F::exec(QStringLiteral("UPDATE mr SET mrTilit = '8,' WHERE mrID = 21"));
-    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
     booksOf2011();
+    F::exec(QStringLiteral("UPDATE mr SET mrTilit = '8,' WHERE mrID = 21"));
     ScriptedDialogs dialogs;
     TilikaudenVaihto vaihto(F::db());
     QVERIFY(vaihto.suorita(2, true));
@@ -443,9 +386,6 @@ void tst_TilikaudenVaihto::failureLeavesBooks()
     QFETCH(int, done);
     F f;
     QVERIFY(f.ok);
-    chart();
-    templates();
-    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
     booksOf2011();
     const QStringList before = books();
     ScriptedDialogs dialogs;
@@ -473,9 +413,6 @@ void tst_TilikaudenVaihto::fullDiskLeavesBooks()
 {
     F f;
     QVERIFY(f.ok);
-    chart();
-    templates();
-    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
     booksOf2011();
     // Enough current-year rows that the history needs more pages than it frees.
     F::exec(QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 3000) "
@@ -502,9 +439,6 @@ void tst_TilikaudenVaihto::readOnlyBooks()
 {
     F f;
     QVERIFY(f.ok);
-    chart();
-    templates();
-    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
     booksOf2011();
     const QStringList before = books();
     const QString file = F::db().databaseName();
@@ -527,9 +461,6 @@ void tst_TilikaudenVaihto::safetyCopyImpossible()
 {
     F f;
     QVERIFY(f.ok);
-    chart();
-    templates();
-    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
     booksOf2011();
     const QStringList before = books();
     // A file stands where the backup folder should be made.
@@ -562,9 +493,6 @@ void tst_TilikaudenVaihto::killedLeavesBooks()
     QFETCH(int, stage);
     F f;
     QVERIFY(f.ok);
-    chart();
-    templates();
-    setYears(QDate(2011, 1, 1), QDate(2011, 12, 31), QDate(2010, 1, 1), QDate(2010, 12, 31));
     booksOf2011();
     const QStringList before = books();
     const QString file = F::db().databaseName();

@@ -6,6 +6,9 @@
 #include "TestEnv.h"
 
 #include <QDate>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -13,6 +16,7 @@
 #include <QTest>
 #include <QVariant>
 #include <limits>
+#include <utility>
 
 // A private, empty association database opened as the program's database, with the fiscal
 // year 2012 and the previous year 2011, and helpers to write accounts, vouchers and template
@@ -138,6 +142,72 @@ public:
                  "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
             { r.id, r.ma, r.teksti, r.tilit, r.kaava, r.side, r.equation ? 1 : 0, r.turnover ? 1 : 0,
                 r.profit ? 1 : 0, r.parent, r.order == 0 ? r.id : r.order });
+    }
+
+    // A small association: 1 bank, 4 receivables, 8 equity, 9 payables, 3 sales, 5 expenses; 7 the
+    // income statement's profit account and 2 the balance sheet's (VoittoTaseella). Income
+    // statement 1: Tuotot > Myynti (the turnover), Kulut, the formula Tulos and the profit row
+    // Ylijäämä; balance sheet 2 takes its profit.
+    static void smallAssociation()
+    {
+        const std::pair<int, const char*> accounts[] = { { 1, "1910 Pankkitili" },
+            { 4, "1700 Siirtosaamiset" }, { 2, "2290 Tilikauden yli-/alijäämä (tase)" }, { 3, "3000 Myynti" },
+            { 5, "4000 Kulut" }, { 7, "9990 Tilikauden yli-/alijäämä (tuloslaskelma)" },
+            { 8, "2000 Oma pääoma" }, { 9, "2500 Ostovelat" } };
+        for (const auto& [id, text] : accounts) {
+            const QString t = QString::fromUtf8(text);
+            account(id, t.section(u' ', 0, 0).toInt(), t.section(u' ', 1));
+        }
+        ProgramSettings::bookkeeping().VoittoTaseella = 2;
+        malli(1, QStringLiteral("Tuloslaskelma"), 1);
+        row({ .id = 1, .teksti = QStringLiteral("Tuotot") });
+        row({ .id = 11,
+            .teksti = QStringLiteral("Myynti"),
+            .parent = 1,
+            .tilit = QStringLiteral("3,"),
+            .turnover = true });
+        row({ .id = 2, .teksti = QStringLiteral("Kulut"), .tilit = QStringLiteral("5,") });
+        row({ .id = 3,
+            .teksti = QStringLiteral("Tulos"),
+            .kaava = QStringLiteral("+1,+2,"),
+            .equation = true });
+        row({ .id = 4, .teksti = QStringLiteral("Ylijäämä"), .tilit = QStringLiteral("7,"), .profit = true });
+        malli(2, QStringLiteral("Tase"), 2, 1);
+        const QString d = QStringLiteral("D");
+        row({ .id = 10, .ma = 2, .teksti = QStringLiteral("Vastaavaa"), .side = d });
+        row({ .id = 12,
+            .ma = 2,
+            .teksti = QStringLiteral("Rahat ja saamiset"),
+            .parent = 10,
+            .tilit = QStringLiteral("1,4,"),
+            .side = d });
+        row({ .id = 20, .ma = 2, .teksti = QStringLiteral("Vastattavaa") });
+        row({ .id = 21,
+            .ma = 2,
+            .teksti = QStringLiteral("Pääoma ja velat"),
+            .parent = 20,
+            .tilit = QStringLiteral("8,9,") });
+        row({ .id = 22,
+            .ma = 2,
+            .teksti = QStringLiteral("Tilikauden ylijäämä"),
+            .parent = 20,
+            .tilit = QStringLiteral("2,") });
+    }
+
+    // A copy of a book from the program folder ("demo1.mdb", "mallit/lions.mdb") opened as the
+    // program's database, with its own settings; the built file stays as the build made it.
+    static bool openShipped(const TestEnv& env, const QString& relative)
+    {
+        const QString copy = env.path(QStringLiteral("data/") + QFileInfo(relative).fileName());
+        QDir().mkpath(QFileInfo(copy).absolutePath());
+        if (!QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/") + relative, copy))
+            return false;
+        QFile::setPermissions(copy, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        ProgramSettings::installation().Database = copy;
+        if (!db().isOpen())
+            return false;
+        ProgramSettings::loadBookkeeping(db(), copy);
+        return true;
     }
 
     // The work table's rows in print order, one line each; null values print as "-", money in

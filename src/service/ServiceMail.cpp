@@ -6,7 +6,6 @@
 #include <QFileInfo>
 #include <QLocale>
 #include <QRegularExpression>
-#include <QTimeZone>
 #include <QUuid>
 
 #include <arpa/inet.h>
@@ -207,9 +206,7 @@ Message compose(const QString& sender, const QString& receiver, const QString& s
     const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
     const QByteArray boundary = "=_vorkam_" + id;
     const QByteArray date
-        = QLocale::c()
-              .toString(now.toTimeZone(QTimeZone::UTC), QStringLiteral("ddd, d MMM yyyy hh:mm:ss"))
-              .toLatin1()
+        = QLocale::c().toString(now.toUTC(), QStringLiteral("ddd, d MMM yyyy hh:mm:ss")).toLatin1()
         + " +0000";
     QByteArray head;
     head += "Date: " + date + "\r\n";

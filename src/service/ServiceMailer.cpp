@@ -210,21 +210,21 @@ void ServiceMailer::run(std::shared_ptr<Job> job, quint64 generation)
 
     using ReadFunction = size_t (*)(char*, size_t, size_t, void*);
     const ReadFunction read = [](char* buffer, size_t size, size_t count, void* data) -> size_t {
-        auto* job = static_cast<Job*>(data);
-        if (job->cancelled)
+        auto* state = static_cast<Job*>(data);
+        if (state->cancelled)
             return CURL_READFUNC_ABORT;
-        Reader& reader = job->reader;
+        Reader& out = state->reader;
         size_t written = 0;
         const size_t room = size * count;
         while (written < room) {
-            if (reader.pendingAt >= reader.pending.size() && !reader.refill())
+            if (out.pendingAt >= out.pending.size() && !out.refill())
                 break;
-            const size_t n = std::min(room - written, size_t(reader.pending.size() - reader.pendingAt));
-            memcpy(buffer + written, reader.pending.constData() + reader.pendingAt, n);
-            reader.pendingAt += qsizetype(n);
+            const size_t n = std::min(room - written, size_t(out.pending.size() - out.pendingAt));
+            memcpy(buffer + written, out.pending.constData() + out.pendingAt, n);
+            out.pendingAt += qsizetype(n);
             written += n;
         }
-        if (reader.readFailed)
+        if (out.readFailed)
             return CURL_READFUNC_ABORT;
         return written;
     };

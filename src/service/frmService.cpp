@@ -44,7 +44,10 @@ frmService::frmService(const QSqlDatabase& db, QWidget* parent)
     connect(&m_mailer, &ServiceMailer::SendProgress, this, &frmService::progress);
     connect(&m_mailer, &ServiceMailer::SendCompletedSuccessfully, this, &frmService::completed);
     connect(&m_mailer, &ServiceMailer::SendFailed, this, &frmService::failed);
-    (ui->tSender->text().trimmed().isEmpty() ? ui->tSender : ui->tMessage)->setFocus();
+    if (ui->tSender->text().trimmed().isEmpty())
+        ui->tSender->setFocus();
+    else
+        ui->tMessage->setFocus();
 }
 
 frmService::~frmService()

@@ -115,6 +115,11 @@ private:
     // Debian's own Python first: a Python of the user's may lack the Debian package's module.
     static QString findPython()
     {
+        static const QString found = probePython();
+        return found;
+    }
+    static QString probePython()
+    {
         for (const QString& candidate : { QStringLiteral("/usr/bin/python3"), QStringLiteral("python3") }) {
             QProcess probe;
             probe.start(candidate, { QStringLiteral("-c"), QStringLiteral("import aiosmtpd") });

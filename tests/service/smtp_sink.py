@@ -73,7 +73,7 @@ def main():
 
         def authenticate(server, session, envelope, mechanism, data):
             ok = data.login == user.encode() and data.password == password.encode()
-            return AuthResult(success=ok)
+            return AuthResult(success=ok, handled=False)
 
         options.update(auth_required=True, auth_require_tls=False, authenticator=authenticate)
 

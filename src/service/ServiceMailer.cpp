@@ -7,7 +7,10 @@
 #include <QFileInfo>
 
 #include <curl/curl.h>
+#include <functional>
 #include <mutex>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -24,6 +27,17 @@ struct Reader {
     QByteArray pending;
     qsizetype pendingAt = 0;
     bool readFailed = false;
+    // Told of the attachment's bytes read so far, at most every half per cent and at its end.
+    std::function<void(qint64 sent, qint64 total)> progress;
+    qint64 reported = -1;
+
+    void report()
+    {
+        if (fileSent != reported && (fileSent == fileSize || fileSent - reported >= fileSize / 200 + 1)) {
+            reported = fileSent;
+            progress(fileSent, fileSize);
+        }
+    }
 
     // Fills `pending` with the next piece; false at the end or on a read failure.
     bool refill()
@@ -38,6 +52,7 @@ struct Reader {
                 break;
             case 1: {
                 if (fileSent >= fileSize) {
+                    report();
                     phase = 2;
                     break;
                 }
@@ -48,6 +63,7 @@ struct Reader {
                 }
                 fileSent += chunk.size();
                 pending = ServiceMail::encodeLines(chunk);
+                report();
                 break;
             }
             case 2:
@@ -97,8 +113,11 @@ struct ServiceMailer::Job {
     std::atomic<bool> cancelled { false };
     CURLM* multi = nullptr;
     Reader reader;
-    qint64 postedProgress = -1;
     int timeout = 30;
+    // The connection's socket while it is open, so that a cancel can cut it: the mail library
+    // waits for the server's last answer without looking at the stop request in time.
+    std::mutex socketLock;
+    curl_socket_t socket = CURL_SOCKET_BAD;
 };
 
 ServiceMailer::ServiceMailer(QObject* parent)
@@ -129,6 +148,11 @@ void ServiceMailer::cancel()
         return;
     ++m_generation;
     m_job->cancelled = true;
+    {
+        const std::lock_guard lock(m_job->socketLock);
+        if (m_job->socket != CURL_SOCKET_BAD)
+            ::shutdown(m_job->socket, SHUT_RDWR);
+    }
     curl_multi_wakeup(m_job->multi);
     m_worker.join();
     curl_multi_cleanup(m_job->multi);
@@ -176,6 +200,17 @@ void ServiceMailer::run(std::shared_ptr<Job> job, quint64 generation)
         QFileInfo(r.attachment).fileName(), QDateTime::currentDateTimeUtc());
     reader.head = message.head;
     reader.tail = message.tail;
+    // Posted as each piece is read: the last piece may be followed at once by a long wait for the
+    // server's answer inside the mail library.
+    reader.progress = [this, generation](qint64 sent, qint64 total) {
+        QMetaObject::invokeMethod(
+            this,
+            [this, generation, sent, total] {
+                if (generation == m_generation && busy())
+                    emit SendProgress(sent, total);
+            },
+            Qt::QueuedConnection);
+    };
 
     CURL* curl = curl_easy_init();
     char errors[CURL_ERROR_SIZE] = {};
@@ -237,6 +272,27 @@ void ServiceMailer::run(std::shared_ptr<Job> job, quint64 generation)
     curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, progress);
     curl_easy_setopt(curl, CURLOPT_XFERINFODATA, job.get());
     curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
+    using OpenFunction = curl_socket_t (*)(void*, curlsocktype, curl_sockaddr*);
+    const OpenFunction open = [](void* data, curlsocktype, curl_sockaddr* address) -> curl_socket_t {
+        auto* state = static_cast<Job*>(data);
+        const std::lock_guard lock(state->socketLock);
+        if (state->cancelled)
+            return CURL_SOCKET_BAD;
+        state->socket = ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+        return state->socket;
+    };
+    curl_easy_setopt(curl, CURLOPT_OPENSOCKETFUNCTION, open);
+    curl_easy_setopt(curl, CURLOPT_OPENSOCKETDATA, job.get());
+    using CloseFunction = int (*)(void*, curl_socket_t);
+    const CloseFunction close = [](void* data, curl_socket_t socket) -> int {
+        auto* state = static_cast<Job*>(data);
+        const std::lock_guard lock(state->socketLock);
+        if (state->socket == socket)
+            state->socket = CURL_SOCKET_BAD;
+        return ::close(socket);
+    };
+    curl_easy_setopt(curl, CURLOPT_CLOSESOCKETFUNCTION, close);
+    curl_easy_setopt(curl, CURLOPT_CLOSESOCKETDATA, job.get());
 
     curl_multi_add_handle(job->multi, curl);
     CURLcode result = CURLE_OK;
@@ -246,19 +302,6 @@ void ServiceMailer::run(std::shared_ptr<Job> job, quint64 generation)
         if (curl_multi_perform(job->multi, &running) != CURLM_OK) {
             result = CURLE_FAILED_INIT;
             break;
-        }
-        // Progress in bytes of the attachment, at most every half per cent and at its end.
-        const qint64 sent = reader.fileSent;
-        if (sent != job->postedProgress
-            && (sent == reader.fileSize || sent - job->postedProgress >= reader.fileSize / 200 + 1)) {
-            job->postedProgress = sent;
-            QMetaObject::invokeMethod(
-                this,
-                [this, generation, sent, total = reader.fileSize] {
-                    if (generation == m_generation && busy())
-                        emit SendProgress(sent, total);
-                },
-                Qt::QueuedConnection);
         }
         int left = 0;
         while (CURLMsg* m = curl_multi_info_read(job->multi, &left)) {

@@ -253,7 +253,8 @@ void tst_frmService::closingDuringASendStopsIt()
     QElapsedTimer clock;
     clock.start();
     click(*w, "cCancel");
-    QVERIFY(clock.elapsed() < 1000);
+    // At once, although the mail library is waiting for the server's answer.
+    QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
     QTRY_VERIFY(!alive);
     QCOMPARE(books.leftInTmp(), QStringList());
     QVERIFY(!QGuiApplication::overrideCursor());

@@ -66,7 +66,6 @@ private slots:
     void sendsTheFileAsAnAttachment();
     void failures_data();
     void failures();
-    void loginWhenTheServerDemandsIt();
     void cancelStopsAtOnceAndReportsNothing();
     void snapshotIsTheBooksAndGoesAway();
 };
@@ -115,9 +114,6 @@ void tst_ServiceMail::refusals_data()
     QTest::newRow("empty sender before the server") << ""
                                                     << "tuki@vorkam.fi"
                                                     << "" << noSender;
-    QTest::newRow("blank sender") << "   "
-                                  << "tuki@vorkam.fi"
-                                  << "smtp.kuoro.fi" << noSender;
     QTest::newRow("server of blanks") << "anna@kuoro.fi"
                                       << "tuki@vorkam.fi"
                                       << "   " << noServer;
@@ -129,10 +125,6 @@ void tst_ServiceMail::refusals_data()
         << "tuki@vorkam.fi"
         << "smtp.kuoro.fi"
         << "Lähettäjän sähköpostiosoite \"a@\" ei kelpaa. Tarkista osoite.";
-    QTest::newRow("sender without name") << "@b"
-                                         << "tuki@vorkam.fi"
-                                         << "smtp.kuoro.fi"
-                                         << "Lähettäjän sähköpostiosoite \"@b\" ei kelpaa. Tarkista osoite.";
     QTest::newRow("space inside sender")
         << "anna virtanen@kuoro.fi"
         << "tuki@vorkam.fi"
@@ -147,11 +139,6 @@ void tst_ServiceMail::refusals_data()
         << "tuki@@vorkam.fi"
         << "smtp.kuoro.fi"
         << "Vastaanottajan sähköpostiosoite \"tuki@@vorkam.fi\" ei kelpaa. Tarkista osoite.";
-    QTest::newRow("empty domain label")
-        << "anna@kuoro.fi"
-        << "tuki@vorkam..fi"
-        << "smtp.kuoro.fi"
-        << "Vastaanottajan sähköpostiosoite \"tuki@vorkam..fi\" ei kelpaa. Tarkista osoite.";
     QTest::newRow("bad port")
         << "anna@kuoro.fi"
         << "tuki@vorkam.fi"
@@ -189,18 +176,12 @@ void tst_ServiceMail::servers_data()
                                   << "smtps://smtp.kuoro.fi:465";
     QTest::newRow("IPv6") << "[::1]:2525"
                           << "smtp://[::1]:2525";
-    QTest::newRow("empty port") << "smtp.kuoro.fi:"
-                                << "";
     QTest::newRow("port too large") << "smtp.kuoro.fi:65536"
                                     << "";
-    QTest::newRow("signed port") << "smtp.kuoro.fi:+25"
-                                 << "";
     QTest::newRow("blank inside") << "smtp kuoro.fi"
                                   << "";
     QTest::newRow("a URL") << "smtp://smtp.kuoro.fi"
                            << "";
-    QTest::newRow("bad IPv6") << "[kuoro]:25"
-                              << "";
 }
 
 void tst_ServiceMail::servers()
@@ -323,29 +304,6 @@ void tst_ServiceMail::failures()
     QCOMPARE(sent.failure.advice, advice.contains(u'%') ? advice.arg(port) : advice);
     QCOMPARE(sent.failure.loginNeeded, loginNeeded);
     QCOMPARE(smtp.count(), 0);
-}
-
-void tst_ServiceMail::loginWhenTheServerDemandsIt()
-{
-    LocalSmtp smtp({ QStringLiteral("--login"), QStringLiteral("anna:salainen") });
-    if (!smtp.running())
-        QSKIP(qPrintable(smtp.skipReason));
-    QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("seura.mdb"));
-    QVERIFY(TestEnv::writeFile(file, sample(100)));
-    ServiceMailer mailer;
-    ServiceMailer::Request request { smtp.server(), QStringLiteral("anna@kuoro.fi"),
-        QStringLiteral("tuki@vorkam.fi"), QStringLiteral("Vorkam-anna:1.2.2024"), QString(), file,
-        QStringLiteral("anna"), QStringLiteral("väärä") };
-    const Sent wrong = sendAndWait(mailer, request);
-    QCOMPARE(wrong.failed.size(), 1);
-    QVERIFY(wrong.failure.loginNeeded);
-    QCOMPARE(wrong.failure.advice, QStringLiteral("Palvelin ei hyväksynyt käyttäjätunnusta tai salasanaa."));
-    request.password = QStringLiteral("salainen");
-    const Sent right = sendAndWait(mailer, request);
-    QCOMPARE(right.failed, QStringList());
-    QCOMPARE(right.completed, 1);
-    QVERIFY(smtp.message(1));
 }
 
 void tst_ServiceMail::cancelStopsAtOnceAndReportsNothing()

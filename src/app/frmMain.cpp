@@ -17,6 +17,7 @@
 #include "frmNewTositteet.h"
 #include "frmNewTulosJaTase.h"
 #include "frmOhje.h"
+#include "frmService.h"
 #include "frmTilitNew.h"
 
 #include <QCloseEvent>
@@ -95,6 +96,7 @@ frmMain::frmMain(QWidget* parent)
     connect(ui->mAsetukset, &QAction::triggered, this, &frmMain::openSettings);
     connect(ui->mMuokkaaTietokantaa, &QAction::triggered, this, &frmMain::editDatabase);
     connect(ui->mTilikaudenVaihto, &QAction::triggered, this, &frmMain::changeFiscalYear);
+    connect(ui->mService, &QAction::triggered, this, [this] { openWindow(Window::Service); });
     using Source = DatabaseCreation::Source;
     const std::pair<QAction*, Source> creations[] = {
         { ui->mLuoTietokantaMallistaYhdistys, Source::Yhdistys },
@@ -119,7 +121,7 @@ void frmMain::startUp()
              static_cast<QWidget*>(ui->cTulosJaTase) })
         w->setEnabled(open);
     for (QAction* a : { ui->mTositteet, ui->mTilit, ui->mTulosJaTase, ui->mAvausviennit,
-             ui->mTilinpaatosviennit, ui->mLuoTietokantaNykyisesta })
+             ui->mTilinpaatosviennit, ui->mLuoTietokantaNykyisesta, ui->mService })
         a->setEnabled(open);
     // The reorganisation and the maintenance commands rewrite the books: not for books open for
     // reading only.
@@ -177,6 +179,10 @@ void frmMain::openWindow(Window which)
             break;
         case Window::TulosJaTase:
             slot = new frmNewTulosJaTase(db, this);
+            break;
+        case Window::Service:
+            // Read-only books may be sent too: the window only copies them.
+            slot = new frmService(db, this);
             break;
         case Window::Count:
             return;

@@ -28,7 +28,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    enum class Window { Tositteet, Avausviennit, Tilinpaatosviennit, Tilit, TulosJaTase, Count };
+    enum class Window { Tositteet, Avausviennit, Tilinpaatosviennit, Tilit, TulosJaTase, Service, Count };
     // Opens a working window, or brings it forward when it is open already.
     void openWindow(Window which);
     void openManual();

@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 #include <blkid/blkid.h>
+#include <curl/curl.h>
 #include <hpdf.h>
 #include <sqlite3.h>
 #include <xlsxwriter.h>
@@ -24,6 +25,9 @@ std::vector<Library> libraries()
         { QStringLiteral("libharu (PDF)"), QString::fromLatin1(HPDF_GetVersion()),
             QStringLiteral("zlib/libpng") },
         { QStringLiteral("libxlsxwriter (XLSX)"), QStringLiteral(LXW_VERSION), QStringLiteral("BSD 2") },
+        { QStringLiteral("libcurl (huoltotiedoston lähetys)"),
+            QString::fromLatin1(curl_version_info(CURLVERSION_NOW)->version),
+            QStringLiteral("curl (MIT-tyyppinen)") },
         { QStringLiteral("mdbtools libmdb (vanhat Jet-tiedostot)"), QStringLiteral(VORKAM_LIBMDB_VERSION),
             QStringLiteral("LGPL 2 tai uudempi") },
         { QStringLiteral("libblkid (muistitikut)"), QString::fromLatin1(blkid ? blkid : "?"),

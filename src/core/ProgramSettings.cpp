@@ -82,6 +82,10 @@ QString loadInstallation()
         writeFailed |= !ini.write(QStringLiteral("DatabaseBackup"), s.DatabaseBackup);
     }
     s.MultiDb = numberValue(ini.read(QStringLiteral("MultiDb"), QStringLiteral("0"))) != 0;
+    // Read only: the default is not written into the ini file.
+    s.HuoltoOsoite = ini.read(QStringLiteral("HuoltoOsoite"), QString()).trimmed();
+    if (s.HuoltoOsoite.isEmpty())
+        s.HuoltoOsoite = InstallationSettings().HuoltoOsoite;
 
     if (writeFailed && problem.isEmpty())
         problem = QStringLiteral("Asetustiedostoon %1 ei voi kirjoittaa. Asetuksia ei tallenneta.")

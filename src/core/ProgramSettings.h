@@ -9,6 +9,8 @@ struct InstallationSettings {
     QString Database;
     QString DatabaseBackup;
     bool MultiDb = false;
+    // Where the service file is mailed; an installation may point it at its own support.
+    QString HuoltoOsoite = QStringLiteral("tuki@vorkam.fi");
 };
 
 // Bookkeeping settings: the association database's Settings table, section "VORKAM".

@@ -77,13 +77,12 @@ void tst_frmMain::commandsFollowTheDatabase()
     StartedWindow started(env, withDatabase);
     frmMain& w = started.window;
     QCOMPARE(w.windowTitle(), caption);
-    // Windows and commands of the books need a database; later features stay disabled either way.
-    for (const char* name :
-        { "mTositteet", "mTilit", "mTulosJaTase", "mAvausviennit", "mTilinpaatosviennit", "mVarmistus",
-            "mKopiotikkuVarmistus", "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta", "mTilikaudenVaihto" })
+    // Windows and commands of the books need a database.
+    for (const char* name : { "mTositteet", "mTilit", "mTulosJaTase", "mAvausviennit", "mTilinpaatosviennit",
+             "mVarmistus", "mKopiotikkuVarmistus", "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta",
+             "mTilikaudenVaihto", "mService" })
         QVERIFY2(w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled() == withDatabase, name);
     QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->isEnabled(), withDatabase);
-    QVERIFY(!w.findChild<QAction*>(QStringLiteral("mService"))->isEnabled());
     QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTulosJaTase"))->isEnabled(), withDatabase);
     // The settings window also mends a database name that leads nowhere; models need no books.
     for (const char* name : { "mPalautus", "mKopiotikkuPalautus", "mKopioTikkuHallinta", "mSulje", "mTietoja",
@@ -111,6 +110,8 @@ void tst_frmMain::workingWindowsOpenOnce_data()
     QTest::newRow("mTulosJaTase") << "mTulosJaTase"
                                   << "frmNewTulosJaTase"
                                   << "Tuloslaskelma ja tase";
+    QTest::newRow("mService") << "mService"
+                              << "frmService" << QString::fromUtf8("Huoltotiedoston lähetys");
 }
 
 void tst_frmMain::workingWindowsOpenOnce()
@@ -260,6 +261,7 @@ void tst_frmMain::readOnlyBooksAreShownNotChanged()
     QVERIFY(!w.findChild<QAction*>(QStringLiteral("mVarmistus"))->isEnabled());
     QVERIFY(!w.findChild<QAction*>(QStringLiteral("mMuokkaaTietokantaa"))->isEnabled());
     QVERIFY(!w.findChild<QAction*>(QStringLiteral("mTilikaudenVaihto"))->isEnabled());
+    QVERIFY(w.findChild<QAction*>(QStringLiteral("mService"))->isEnabled());
     w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
     w.findChild<QPushButton*>(QStringLiteral("cTilit"))->click();
     auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDate>
+#include <QDateTime>
+#include <QString>
+#include <QTemporaryDir>
+#include <memory>
+#include <optional>
+
+class QSqlDatabase;
+
+// What the service file mail is made of: the checks before a send, the subject, the server's
+// address, the message around the attached books, and the snapshot of the books that is sent.
+namespace ServiceMail {
+
+// The user's login name for the subject: $USER, else $LOGNAME, else the home folder's name.
+QString loginName();
+// "Vorkam-" + login name + ":" + the date as d.M.yyyy, without leading zeros.
+QString subject(const QString& loginName, const QDate& today);
+
+// A plain address: one "@" with something on both sides, no blanks, a dot-free or dotted
+// domain of letters, digits, "-" and ".".
+bool isAddress(const QString& address);
+
+// Why the mail cannot be sent, in the order the user is told: an empty sender before a missing
+// server, then the addresses themselves. Empty when the mail may go.
+QString refusal(const QString& sender, const QString& receiver, const QString& smtp);
+
+// The outgoing server as written in the settings: "host" or "host:port" (default port 25).
+// Port 465 is implicit TLS; others try STARTTLS when the server offers it.
+struct Server {
+    QString host;
+    int port = 25;
+    bool implicitTls() const { return port == 465; }
+    // "smtp://host:port" or "smtps://host:465".
+    QByteArray url() const;
+    // On this machine: a password may go without TLS.
+    bool local() const;
+};
+std::optional<Server> parseServer(const QString& smtp);
+
+// A header value in RFC 2047 form when it holds anything but printable ASCII.
+QByteArray encodeHeader(const QString& text);
+
+// The mail around one attachment: the headers, the text part and the attachment's part headers
+// (`head`), then the attachment's bytes in base64 lines, then `tail`.
+struct Message {
+    QByteArray head;
+    QByteArray tail;
+};
+Message compose(const QString& sender, const QString& receiver, const QString& subject, const QString& text,
+    const QString& attachmentName, const QDateTime& now);
+// The number of bytes that `bytes` of attachment take in base64 lines of 76 characters.
+qint64 encodedSize(qint64 bytes);
+// Base64 of `bytes` (a multiple of 57 bytes except at the end) as CRLF-ended 76-character lines.
+QByteArray encodeLines(const QByteArray& bytes);
+
+// A consistent copy of the books taken through the engine's backup into a private temporary
+// folder, under the books' own file name. The folder and the copy go with the object.
+class Snapshot final {
+public:
+    // `folder` holds the temporary folder; QDir::tempPath() when empty.
+    Snapshot(const QSqlDatabase& db, const QString& booksPath, const QString& folder = QString());
+    ~Snapshot();
+    Snapshot(const Snapshot&) = delete;
+    Snapshot& operator=(const Snapshot&) = delete;
+
+    bool ok() const { return m_message.isEmpty(); }
+    // Why no copy was made.
+    const QString& message() const { return m_message; }
+    const QString& path() const { return m_path; }
+
+private:
+    std::unique_ptr<QTemporaryDir> m_dir;
+    QString m_path;
+    QString m_message;
+};
+
+} // namespace ServiceMail

@@ -1,0 +1,369 @@
+#include "LocalSmtp.h"
+#include "ServiceMail.h"
+#include "ServiceMailer.h"
+#include "TestEnv.h"
+
+#include <QRandomGenerator>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+// A file of `size` bytes that are hard to get right by accident: every byte value, dots and
+// line ends included.
+QByteArray sample(qint64 size)
+{
+    QByteArray bytes(size, Qt::Uninitialized);
+    QRandomGenerator generator { quint32(size) };
+    for (qint64 i = 0; i < size; ++i)
+        bytes[i] = char(i % 7 == 0 ? '.' : generator.bounded(256));
+    return bytes;
+}
+
+struct Sent {
+    QList<QPair<qint64, qint64>> progress;
+    int completed = 0;
+    QStringList failed;
+    ServiceMailer::Failure failure;
+};
+
+// Sends and waits for the outcome (at most `waitMs`).
+Sent sendAndWait(ServiceMailer& mailer, const ServiceMailer::Request& request, int waitMs = 20000)
+{
+    Sent sent;
+    QObject context;
+    QObject::connect(&mailer, &ServiceMailer::SendProgress, &context, [&](qint64 done, qint64 total) {
+        sent.progress.append({ done, total });
+    });
+    QObject::connect(&mailer, &ServiceMailer::SendCompletedSuccessfully, &context, [&] { ++sent.completed; });
+    QObject::connect(&mailer, &ServiceMailer::SendFailed, &context, [&](const QString& reason) {
+        sent.failed.append(reason);
+        sent.failure = mailer.failure();
+    });
+    mailer.send(request);
+    QDeadlineTimer deadline(waitMs);
+    while (mailer.busy() && !deadline.hasExpired())
+        QTest::qWait(10);
+    QCoreApplication::processEvents();
+    return sent;
+}
+
+} // namespace
+
+class tst_ServiceMail : public QObject {
+    Q_OBJECT
+
+private slots:
+    void subjectHasTheDateWithoutLeadingZeros_data();
+    void subjectHasTheDateWithoutLeadingZeros();
+    void loginNameFromTheEnvironment();
+    void refusals_data();
+    void refusals();
+    void servers_data();
+    void servers();
+    void encodedSizeMatchesTheLines();
+    void sendsTheFileAsAnAttachment_data();
+    void sendsTheFileAsAnAttachment();
+    void failures_data();
+    void failures();
+    void cancelStopsAtOnceAndReportsNothing();
+    void snapshotIsTheBooksAndGoesAway();
+};
+
+void tst_ServiceMail::subjectHasTheDateWithoutLeadingZeros_data()
+{
+    QTest::addColumn<QString>("user");
+    QTest::addColumn<QDate>("date");
+    QTest::addColumn<QString>("subject");
+    QTest::newRow("single digits") << "matti" << QDate(2024, 1, 5) << "Vorkam-matti:5.1.2024";
+    QTest::newRow("double digits") << "matti" << QDate(2025, 12, 31) << "Vorkam-matti:31.12.2025";
+    QTest::newRow("Finnish name") << "äijälä" << QDate(2026, 10, 1) << "Vorkam-äijälä:1.10.2026";
+}
+
+void tst_ServiceMail::subjectHasTheDateWithoutLeadingZeros()
+{
+    QFETCH(QString, user);
+    QFETCH(QDate, date);
+    QFETCH(QString, subject);
+    QCOMPARE(ServiceMail::subject(user, date), subject);
+}
+
+void tst_ServiceMail::loginNameFromTheEnvironment()
+{
+    const QByteArray user = qgetenv("USER");
+    const QByteArray logname = qgetenv("LOGNAME");
+    qputenv("USER", "kirjuri");
+    qputenv("LOGNAME", "muu");
+    QCOMPARE(ServiceMail::loginName(), QStringLiteral("kirjuri"));
+    qunsetenv("USER");
+    QCOMPARE(ServiceMail::loginName(), QStringLiteral("muu"));
+    qunsetenv("LOGNAME");
+    QCOMPARE(ServiceMail::loginName(), QDir::home().dirName());
+    qputenv("USER", user);
+    qputenv("LOGNAME", logname);
+}
+
+void tst_ServiceMail::refusals_data()
+{
+    QTest::addColumn<QString>("sender");
+    QTest::addColumn<QString>("receiver");
+    QTest::addColumn<QString>("smtp");
+    QTest::addColumn<QString>("message");
+    const QString noSender = QStringLiteral("Täytä vielä lähettäjän sähköpostiosoite.");
+    const QString noServer = QStringLiteral("Asetuksista puuttuu SMTP palvelimen nimi.");
+    QTest::newRow("empty sender before the server") << ""
+                                                    << "tuki@vorkam.fi"
+                                                    << "" << noSender;
+    QTest::newRow("server of blanks") << "anna@kuoro.fi"
+                                      << "tuki@vorkam.fi"
+                                      << "   " << noServer;
+    QTest::newRow("server before a bad sender") << "anna@"
+                                                << "tuki@vorkam.fi"
+                                                << "" << noServer;
+    QTest::newRow("sender without domain")
+        << "a@"
+        << "tuki@vorkam.fi"
+        << "smtp.kuoro.fi"
+        << "Lähettäjän sähköpostiosoite \"a@\" ei kelpaa. Tarkista osoite.";
+    QTest::newRow("space inside sender")
+        << "anna virtanen@kuoro.fi"
+        << "tuki@vorkam.fi"
+        << "smtp.kuoro.fi"
+        << "Lähettäjän sähköpostiosoite \"anna virtanen@kuoro.fi\" ei kelpaa. Tarkista osoite.";
+    QTest::newRow("empty receiver") << "anna@kuoro.fi"
+                                    << " "
+                                    << "smtp.kuoro.fi"
+                                    << "Täytä vielä vastaanottajan sähköpostiosoite.";
+    QTest::newRow("two at signs")
+        << "anna@kuoro.fi"
+        << "tuki@@vorkam.fi"
+        << "smtp.kuoro.fi"
+        << "Vastaanottajan sähköpostiosoite \"tuki@@vorkam.fi\" ei kelpaa. Tarkista osoite.";
+    QTest::newRow("bad port")
+        << "anna@kuoro.fi"
+        << "tuki@vorkam.fi"
+        << "smtp.kuoro.fi:posti"
+        << "Asetusten SMTP palvelimen nimi \"smtp.kuoro.fi:posti\" ei kelpaa. Kirjoita se "
+           "muodossa palvelin tai palvelin:portti.";
+    QTest::newRow("all good, blanks around") << " anna@kuoro.fi "
+                                             << "tuki@vorkam.fi"
+                                             << " smtp.kuoro.fi "
+                                             << "";
+    QTest::newRow("Finnish letters") << "äiti@kööri.fi"
+                                     << "tuki@localhost"
+                                     << "localhost:2525"
+                                     << "";
+}
+
+void tst_ServiceMail::refusals()
+{
+    QFETCH(QString, sender);
+    QFETCH(QString, receiver);
+    QFETCH(QString, smtp);
+    QFETCH(QString, message);
+    QCOMPARE(ServiceMail::refusal(sender, receiver, smtp), message);
+}
+
+void tst_ServiceMail::servers_data()
+{
+    QTest::addColumn<QString>("smtp");
+    QTest::addColumn<QString>("url"); // empty: not a server
+    QTest::newRow("name only") << "smtp.kuoro.fi"
+                               << "smtp://smtp.kuoro.fi:25";
+    QTest::newRow("submission") << " smtp.kuoro.fi:587 "
+                                << "smtp://smtp.kuoro.fi:587";
+    QTest::newRow("implicit TLS") << "smtp.kuoro.fi:465"
+                                  << "smtps://smtp.kuoro.fi:465";
+    QTest::newRow("IPv6") << "[::1]:2525"
+                          << "smtp://[::1]:2525";
+    QTest::newRow("port too large") << "smtp.kuoro.fi:65536"
+                                    << "";
+    QTest::newRow("blank inside") << "smtp kuoro.fi"
+                                  << "";
+    QTest::newRow("a URL") << "smtp://smtp.kuoro.fi"
+                           << "";
+}
+
+void tst_ServiceMail::servers()
+{
+    QFETCH(QString, smtp);
+    QFETCH(QString, url);
+    const auto server = ServiceMail::parseServer(smtp);
+    QCOMPARE(server ? QString::fromUtf8(server->url()) : QString(), url);
+}
+
+void tst_ServiceMail::encodedSizeMatchesTheLines()
+{
+    for (const qint64 size : { 0, 1, 2, 3, 56, 57, 58, 114, 1000 })
+        QCOMPARE(ServiceMail::encodedSize(size), qint64(ServiceMail::encodeLines(sample(size)).size()));
+}
+
+void tst_ServiceMail::sendsTheFileAsAnAttachment_data()
+{
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<QString>("fileName");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty file") << qint64(0) << "tyhjä.mdb"
+                                << "";
+    QTest::newRow("one line") << qint64(57) << "seura.mdb"
+                              << "Hei!";
+    QTest::newRow("a megabyte") << qint64(1000003) << "kööri.mdb"
+                                << "Hyvää päivää,\n.\n. piste rivin alussa\r\nÅke & Öhman <tuki>\n";
+}
+
+void tst_ServiceMail::sendsTheFileAsAnAttachment()
+{
+    QFETCH(qint64, size);
+    QFETCH(QString, fileName);
+    QFETCH(QString, text);
+    LocalSmtp smtp;
+    if (!smtp.running())
+        QSKIP(qPrintable(smtp.skipReason));
+    QTemporaryDir dir;
+    const QString file = dir.filePath(fileName);
+    const QByteArray bytes = sample(size);
+    QVERIFY(TestEnv::writeFile(file, bytes));
+
+    ServiceMailer mailer;
+    const QString subject = ServiceMail::subject(QStringLiteral("äijälä"), QDate(2024, 2, 1))
+        + QStringLiteral(" ja pitkä jatko, jotta otsikko jakautuu usealle riville: åäö ÅÄÖ €");
+    const Sent sent = sendAndWait(mailer,
+        { smtp.server(), QStringLiteral("anna@kuoro.fi"), QStringLiteral("tuki@vorkam.fi"), subject, text,
+            file, QString(), QString() });
+    QCOMPARE(sent.failed, QStringList());
+    QCOMPARE(sent.completed, 1);
+    const auto received = smtp.message(1);
+    QVERIFY(received);
+    QCOMPARE(received->from, QStringLiteral("anna@kuoro.fi"));
+    QCOMPARE(received->to, QStringList { QStringLiteral("tuki@vorkam.fi") });
+    QCOMPARE(received->subject, subject);
+    QString expectedText = text;
+    expectedText.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    QString receivedText = received->text;
+    QCOMPARE(receivedText.replace(QStringLiteral("\r\n"), QStringLiteral("\n")), expectedText);
+    QCOMPARE(received->attachments, 1);
+    QCOMPARE(received->fileName, fileName);
+    QCOMPARE(received->attachment.size(), bytes.size());
+    QVERIFY(received->attachment == bytes);
+
+    // The progress rises to the file's size and never falls back.
+    QVERIFY(!sent.progress.isEmpty());
+    QCOMPARE(sent.progress.last(), qMakePair(size, size));
+    for (qsizetype i = 1; i < sent.progress.size(); ++i)
+        QVERIFY(sent.progress.at(i).first >= sent.progress.at(i - 1).first);
+    if (size > 100000)
+        QVERIFY(sent.progress.size() > 10);
+}
+
+void tst_ServiceMail::failures_data()
+{
+    QTest::addColumn<QStringList>("options"); // of the server; "closed" for none
+    QTest::addColumn<QString>("receiver");
+    QTest::addColumn<QString>("reason"); // a part of curl's words
+    QTest::addColumn<QString>("advice");
+    QTest::addColumn<bool>("loginNeeded");
+    QTest::newRow("refused recipient") << QStringList { "--refuse", "tuki@vorkam.fi" } << "tuki@vorkam.fi"
+                                       << "550"
+                                       << "Palvelin ei hyväksynyt osoitetta." << false;
+    QTest::newRow("closed port") << QStringList { "closed" } << "tuki@vorkam.fi"
+                                 << "onnect"
+                                 << "Palvelimeen 127.0.0.1 (portti %1) ei saatu yhteyttä." << false;
+    QTest::newRow("no answer") << QStringList { "--stall" } << "tuki@vorkam.fi"
+                               << ""
+                               << "Palvelin ei vastannut 1 sekunnissa." << false;
+    QTest::newRow("login demanded") << QStringList { "--login", "anna:salainen" } << "tuki@vorkam.fi"
+                                    << "530"
+                                    << "Palvelin vaatii käyttäjätunnuksen ja salasanan." << true;
+}
+
+void tst_ServiceMail::failures()
+{
+    QFETCH(QStringList, options);
+    QFETCH(QString, receiver);
+    QFETCH(QString, reason);
+    QFETCH(QString, advice);
+    QFETCH(bool, loginNeeded);
+    const bool closed = options == QStringList { "closed" };
+    LocalSmtp smtp(closed ? QStringList() : options);
+    if (!smtp.running())
+        QSKIP(qPrintable(smtp.skipReason));
+    const int port = closed ? LocalSmtp::closedPort() : smtp.port;
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("seura.mdb"));
+    QVERIFY(TestEnv::writeFile(file, sample(5000)));
+
+    ServiceMailer mailer;
+    mailer.setTimeout(1);
+    const Sent sent = sendAndWait(mailer,
+        { QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("anna@kuoro.fi"), receiver,
+            QStringLiteral("Vorkam-anna:1.2.2024"), QStringLiteral("Hei"), file, QString(), QString() });
+    QCOMPARE(sent.completed, 0);
+    QCOMPARE(sent.failed.size(), 1);
+    QVERIFY2(sent.failed.first().contains(reason), qPrintable(sent.failed.first()));
+    QCOMPARE(sent.failure.reason, sent.failed.first());
+    QCOMPARE(sent.failure.advice, advice.contains(u'%') ? advice.arg(port) : advice);
+    QCOMPARE(sent.failure.loginNeeded, loginNeeded);
+    QCOMPARE(smtp.count(), 0);
+}
+
+void tst_ServiceMail::cancelStopsAtOnceAndReportsNothing()
+{
+    LocalSmtp smtp({ QStringLiteral("--stall") });
+    if (!smtp.running())
+        QSKIP(qPrintable(smtp.skipReason));
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("seura.mdb"));
+    QVERIFY(TestEnv::writeFile(file, sample(3000000)));
+    ServiceMailer mailer;
+    QSignalSpy progress(&mailer, &ServiceMailer::SendProgress);
+    QSignalSpy completed(&mailer, &ServiceMailer::SendCompletedSuccessfully);
+    QSignalSpy failed(&mailer, &ServiceMailer::SendFailed);
+    mailer.send({ smtp.server(), QStringLiteral("anna@kuoro.fi"), QStringLiteral("tuki@vorkam.fi"),
+        QStringLiteral("Vorkam-anna:1.2.2024"), QString(), file, QString(), QString() });
+    QTRY_VERIFY_WITH_TIMEOUT(!progress.isEmpty(), 10000);
+    QVERIFY(mailer.busy());
+    QElapsedTimer clock;
+    clock.start();
+    mailer.cancel();
+    QVERIFY2(clock.elapsed() < 500, qPrintable(QString::number(clock.elapsed())));
+    QVERIFY(!mailer.busy());
+    const qsizetype progressSeen = progress.size();
+    QTest::qWait(200);
+    QCOMPARE(progress.size(), progressSeen);
+    QCOMPARE(completed.size(), 0);
+    QCOMPARE(failed.size(), 0);
+    QCOMPARE(smtp.count(), 0);
+}
+
+void tst_ServiceMail::snapshotIsTheBooksAndGoesAway()
+{
+    TestEnv env;
+    const QString books = env.path(QStringLiteral("kirjat/kööri.mdb"));
+    QDir().mkpath(env.path(QStringLiteral("kirjat")));
+    QDir().mkpath(env.path(QStringLiteral("tmp")));
+    QVERIFY(TestEnv::createDatabase(books));
+    QString copy;
+    withDatabase(books, [&](QSqlDatabase& db) {
+        ServiceMail::Snapshot snapshot(db, books, env.path(QStringLiteral("tmp")));
+        QVERIFY2(snapshot.ok(), qPrintable(snapshot.message()));
+        copy = snapshot.path();
+        QCOMPARE(QFileInfo(copy).fileName(), QStringLiteral("kööri.mdb"));
+        // Every page of the books, whatever the engine keeps in its header.
+        QCOMPARE(QFileInfo(copy).size(), QFileInfo(books).size());
+        QCOMPARE(TestEnv::readFile(copy).mid(100), TestEnv::readFile(books).mid(100));
+    });
+    QVERIFY(!copy.isEmpty());
+    QVERIFY(!QFileInfo::exists(copy));
+    QCOMPARE(QDir(env.path(QStringLiteral("tmp"))).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
+        QStringList());
+
+    // A folder that cannot be written: a message, and nothing left behind.
+    withDatabase(books, [&](QSqlDatabase& db) {
+        ServiceMail::Snapshot snapshot(db, books, env.path(QStringLiteral("puuttuu/kansio")));
+        QVERIFY(!snapshot.ok());
+        QVERIFY(!snapshot.message().isEmpty());
+    });
+}
+
+QTEST_GUILESS_MAIN(tst_ServiceMail)
+#include "tst_ServiceMail.moc"

@@ -1,0 +1,267 @@
+#include "DBC.h"
+#include "LocalSmtp.h"
+#include "ProgramSettings.h"
+#include "ScriptedDialogs.h"
+#include "ServiceMail.h"
+#include "TestEnv.h"
+#include "frmService.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSqlQuery>
+#include <QTest>
+
+namespace {
+
+template <typename T = QWidget> T* child(const QWidget& w, const char* name)
+{
+    T* found = w.findChild<T*>(QString::fromLatin1(name));
+    if (!found)
+        qFatal("no control %s", name);
+    return found;
+}
+
+// Books in use, open through the shared connection, with the mail settings given; snapshots
+// go to the world's own tmp folder.
+struct Books {
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    QString file = env.path(QStringLiteral("kirjat/kööri.mdb"));
+    QString tmp = env.path(QStringLiteral("tmp"));
+    Books(const QString& email, const QString& smtp)
+    {
+        QDir().mkpath(env.path(QStringLiteral("kirjat")));
+        QDir().mkpath(tmp);
+        QVERIFY(TestEnv::createDatabase(file));
+        ProgramSettings::installation().Database = file;
+        ProgramSettings::bookkeeping().Email = email;
+        ProgramSettings::bookkeeping().SMTP = smtp;
+        QVERIFY(DBC::instance().AvaaDB().isOpen());
+    }
+    ~Books() { DBC::instance().SuljeDB(); }
+    QStringList leftInTmp() const
+    {
+        return QDir(tmp).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::Hidden);
+    }
+};
+
+void click(const QWidget& w, const char* name) { child<QPushButton>(w, name)->click(); }
+
+} // namespace
+
+class tst_frmService : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init() { QVERIFY(!QGuiApplication::overrideCursor()); }
+    void filledFromTheSettings();
+    void refusalsComeInOrder_data();
+    void refusalsComeInOrder();
+    void sendsASnapshotOfTheBooks();
+    void failureShowsTheReasonAndLetsSendAgain();
+    void asksForALoginOnlyWhenDemanded();
+    void closingDuringASendStopsIt();
+};
+
+void tst_frmService::filledFromTheSettings()
+{
+    Books books(QStringLiteral("anna@kuoro.fi"), QStringLiteral("smtp.kuoro.fi"));
+    frmService w(DBC::instance().AvaaDB());
+    QCOMPARE(w.windowTitle(), QStringLiteral("Huoltotiedoston lähetys"));
+    QCOMPARE(child<QLineEdit>(w, "tReceiver")->text(), QStringLiteral("tuki@vorkam.fi"));
+    QCOMPARE(child<QLineEdit>(w, "tSender")->text(), QStringLiteral("anna@kuoro.fi"));
+    QVERIFY(child(w, "tUserName")->isHidden());
+    QVERIFY(child(w, "tPassword")->isHidden());
+    QCOMPARE(child<QProgressBar>(w, "pbarSendProgress")->value(), 0);
+
+    // An installation's own support address comes from the ini file.
+    books.env.writeIni("[VORKAM]\nDatabase=" + books.file.toUtf8() + "\nHuoltoOsoite= apu@liitto.fi \n");
+    QVERIFY(ProgramSettings::loadInstallation().isEmpty());
+    QCOMPARE(ProgramSettings::installation().HuoltoOsoite, QStringLiteral("apu@liitto.fi"));
+    QVERIFY(!books.env.readIni().contains(QStringLiteral("tuki@vorkam.fi")));
+    frmService other(DBC::instance().AvaaDB());
+    QCOMPARE(child<QLineEdit>(other, "tReceiver")->text(), QStringLiteral("apu@liitto.fi"));
+}
+
+void tst_frmService::refusalsComeInOrder_data()
+{
+    QTest::addColumn<QString>("sender");
+    QTest::addColumn<QString>("smtp");
+    QTest::addColumn<QString>("receiver");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<QString>("focus");
+    QTest::newRow("no sender, no server") << ""
+                                          << ""
+                                          << "tuki@vorkam.fi"
+                                          << "information: Täytä vielä lähettäjän sähköpostiosoite."
+                                          << "tSender";
+    QTest::newRow("server of blanks") << "anna@kuoro.fi"
+                                      << "  "
+                                      << "tuki@vorkam.fi"
+                                      << "information: Asetuksista puuttuu SMTP palvelimen nimi."
+                                      << "";
+    QTest::newRow("bad receiver") << "anna@kuoro.fi"
+                                  << "smtp.kuoro.fi"
+                                  << "@vorkam.fi"
+                                  << "information: Vastaanottajan sähköpostiosoite \"@vorkam.fi\" ei kelpaa. "
+                                     "Tarkista osoite."
+                                  << "tReceiver";
+}
+
+void tst_frmService::refusalsComeInOrder()
+{
+    QFETCH(QString, sender);
+    QFETCH(QString, smtp);
+    QFETCH(QString, receiver);
+    QFETCH(QString, shown);
+    QFETCH(QString, focus);
+    Books books(sender, smtp);
+    frmService w(DBC::instance().AvaaDB());
+    w.setSnapshotFolder(books.tmp);
+    w.show();
+    QVERIFY(QTest::qWaitForWindowActive(&w));
+    child<QLineEdit>(w, "tReceiver")->setText(receiver);
+    click(w, "cSend");
+    QCOMPARE(books.dialogs.transcript(), QStringList { shown });
+    QVERIFY(!w.sending());
+    QVERIFY(child(w, "cSend")->isEnabled());
+    QVERIFY(!QGuiApplication::overrideCursor());
+    QCOMPARE(books.leftInTmp(), QStringList());
+    if (!focus.isEmpty())
+        QCOMPARE(QApplication::focusWidget(), child(w, qPrintable(focus)));
+}
+
+void tst_frmService::sendsASnapshotOfTheBooks()
+{
+    LocalSmtp smtp;
+    if (!smtp.running())
+        QSKIP(qPrintable(smtp.skipReason));
+    Books books(QStringLiteral("anna@kuoro.fi"), smtp.server());
+    const QByteArray user = qgetenv("USER");
+    qputenv("USER", "rahastonhoitaja");
+    frmService w(DBC::instance().AvaaDB());
+    w.setSnapshotFolder(books.tmp);
+    child<QPlainTextEdit>(w, "tMessage")->setPlainText(QStringLiteral("Tase ei täsmää."));
+    QList<int> values;
+    connect(child<QProgressBar>(w, "pbarSendProgress"), &QProgressBar::valueChanged, this,
+        [&](int value) { values.append(value); });
+    child<QAction>(w, "mSend")->trigger();
+    qputenv("USER", user);
+    QVERIFY(w.sending());
+    QVERIFY(!child(w, "cSend")->isEnabled());
+    QCOMPARE(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    QTRY_VERIFY_WITH_TIMEOUT(!books.dialogs.shown().isEmpty(), 20000);
+    QCOMPARE(books.dialogs.transcript(),
+        QStringList { QStringLiteral("information: Huoltotiedosto lähetettiin onnistuneesti.") });
+    QVERIFY(!QGuiApplication::overrideCursor());
+    QVERIFY(child(w, "cSend")->isEnabled());
+    QCOMPARE(values.last(), 100);
+    QCOMPARE(books.leftInTmp(), QStringList());
+
+    const auto received = smtp.message(1);
+    QVERIFY(received);
+    QCOMPARE(
+        received->subject, ServiceMail::subject(QStringLiteral("rahastonhoitaja"), QDate::currentDate()));
+    QCOMPARE(received->text, QStringLiteral("Tase ei täsmää."));
+    QCOMPARE(received->to, QStringList { QStringLiteral("tuki@vorkam.fi") });
+    QCOMPARE(received->fileName, QStringLiteral("kööri.mdb"));
+    // The same books page for page; only the engine's header counters may differ.
+    const QByteArray file = TestEnv::readFile(books.file);
+    QCOMPARE(received->attachment.size(), file.size());
+    QVERIFY(received->attachment.mid(100) == file.mid(100));
+}
+
+void tst_frmService::failureShowsTheReasonAndLetsSendAgain()
+{
+    LocalSmtp smtp({ QStringLiteral("--refuse"), QStringLiteral("tuki@vorkam.fi") });
+    if (!smtp.running())
+        QSKIP(qPrintable(smtp.skipReason));
+    Books books(QStringLiteral("anna@kuoro.fi"), smtp.server());
+    frmService w(DBC::instance().AvaaDB());
+    w.setSnapshotFolder(books.tmp);
+    click(w, "cSend");
+    QTRY_VERIFY_WITH_TIMEOUT(!books.dialogs.shown().isEmpty(), 20000);
+    QCOMPARE(books.dialogs.shown().size(), 1);
+    const QStringList lines = books.dialogs.texts(ScriptedDialogs::Kind::Error).value(0).split(u'\n');
+    QCOMPARE(lines.size(), 3);
+    QCOMPARE(lines.at(0), QStringLiteral("Huoltotiedoston lähetys epäonnistui."));
+    QVERIFY2(lines.at(1).contains(QStringLiteral("550")), qPrintable(lines.at(1)));
+    QCOMPARE(lines.at(2), QStringLiteral("Palvelin ei hyväksynyt osoitetta."));
+    QVERIFY(!QGuiApplication::overrideCursor());
+    QCOMPARE(books.leftInTmp(), QStringList());
+    QVERIFY(child(w, "tUserName")->isHidden());
+
+    // Corrected, the same window sends.
+    books.dialogs.clear();
+    child<QLineEdit>(w, "tReceiver")->setText(QStringLiteral("apu@vorkam.fi"));
+    click(w, "cSend");
+    QTRY_VERIFY_WITH_TIMEOUT(!books.dialogs.shown().isEmpty(), 20000);
+    QCOMPARE(books.dialogs.transcript(),
+        QStringList { QStringLiteral("information: Huoltotiedosto lähetettiin onnistuneesti.") });
+    QVERIFY(smtp.message(1));
+}
+
+void tst_frmService::asksForALoginOnlyWhenDemanded()
+{
+    LocalSmtp smtp({ QStringLiteral("--login"), QStringLiteral("anna:salainen") });
+    if (!smtp.running())
+        QSKIP(qPrintable(smtp.skipReason));
+    Books books(QStringLiteral("anna@kuoro.fi"), smtp.server());
+    frmService w(DBC::instance().AvaaDB());
+    w.setSnapshotFolder(books.tmp);
+    click(w, "cSend");
+    QTRY_VERIFY_WITH_TIMEOUT(!books.dialogs.shown().isEmpty(), 20000);
+    const QString error = books.dialogs.texts(ScriptedDialogs::Kind::Error).value(0);
+    QVERIFY2(
+        error.endsWith(QStringLiteral("Palvelin vaatii käyttäjätunnuksen ja salasanan.\nKirjoita palvelimen "
+                                      "käyttäjätunnus ja salasana ja lähetä uudelleen.")),
+        qPrintable(error));
+    QVERIFY(!child(w, "tUserName")->isHidden());
+    QVERIFY(!child(w, "tPassword")->isHidden());
+    child<QLineEdit>(w, "tUserName")->setText(QStringLiteral("anna"));
+    child<QLineEdit>(w, "tPassword")->setText(QStringLiteral("salainen"));
+    books.dialogs.clear();
+    click(w, "cSend");
+    QTRY_VERIFY_WITH_TIMEOUT(!books.dialogs.shown().isEmpty(), 20000);
+    QCOMPARE(books.dialogs.transcript(),
+        QStringList { QStringLiteral("information: Huoltotiedosto lähetettiin onnistuneesti.") });
+    // Never stored: neither in the ini file nor in the books.
+    QVERIFY(!books.env.readIni().contains(QStringLiteral("salainen")));
+    QVERIFY(!TestEnv::readFile(books.file).contains("salainen"));
+}
+
+void tst_frmService::closingDuringASendStopsIt()
+{
+    LocalSmtp smtp({ QStringLiteral("--stall") });
+    if (!smtp.running())
+        QSKIP(qPrintable(smtp.skipReason));
+    Books books(QStringLiteral("anna@kuoro.fi"), smtp.server());
+    auto* w = new frmService(DBC::instance().AvaaDB());
+    w->setAttribute(Qt::WA_DeleteOnClose);
+    QPointer<frmService> alive(w);
+    w->setSnapshotFolder(books.tmp);
+    w->show();
+    click(*w, "cSend");
+    QVERIFY(w->sending());
+    QCOMPARE(books.leftInTmp().size(), 1);
+    // The server takes the whole message and never answers; the window still takes commands.
+    QTRY_COMPARE_WITH_TIMEOUT(child<QProgressBar>(*w, "pbarSendProgress")->value(), 100, 10000);
+    QElapsedTimer clock;
+    clock.start();
+    click(*w, "cCancel");
+    // At once, although the mail library is waiting for the server's answer.
+    QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+    QTRY_VERIFY(!alive);
+    QCOMPARE(books.leftInTmp(), QStringList());
+    QVERIFY(!QGuiApplication::overrideCursor());
+    QTest::qWait(100);
+    QCOMPARE(books.dialogs.transcript(), QStringList());
+    QCOMPARE(smtp.count(), 0);
+}
+
+QTEST_MAIN(tst_frmService)
+#include "tst_frmService.moc"

@@ -158,6 +158,10 @@ void tst_Helpers::datesParse_data()
     QTest::newRow("iso form is not typed") << "2011-09-05" << QDate();
     QTest::newRow("three-digit year") << "1.1.201" << QDate();
     QTest::newRow("empty") << "" << QDate();
+    QTest::newRow("negative year") << "7.7.-007" << QDate();
+    QTest::newRow("signed day") << "+7.7.2011" << QDate();
+    QTest::newRow("NUL after the year") << QString::fromLatin1("7.7.2011\0\1", 11) << QDate();
+    QTest::newRow("arabic digits") << QString::fromUtf8("١.١.٢٠١١") << QDate();
 }
 
 void tst_Helpers::datesParse()

@@ -126,6 +126,12 @@ private slots:
                                                   << "puuttuu vertailu";
         QTest::newRow("two decimal points") << "{vi.viArvo} > 1.2.3"
                                             << "luku 1.2.3 on virheellinen";
+        QTest::newRow("amount beyond money") << "{vi.viArvo} > 99999999999999"
+                                             << "luku 99999999999999 on liian suuri";
+        QTest::newRow("number beyond integers") << "{to.toNumero} = 99999999999999999999"
+                                                << "luku 99999999999999999999 on liian suuri";
+        QTest::newRow("digits of another script")
+            << QString::fromUtf8("{to.toNumero} = ٣") << "merkki, jota ei tunneta";
     }
     void malformed()
     {
@@ -178,6 +184,9 @@ private slots:
                                     << "";
         QTest::newRow("doubled quotes") << "Seurannimi= 'Matin ''kerho'''" << true << "Seurannimi"
                                         << "Matin 'kerho'";
+        QTest::newRow("doubled quotes doubled again")
+            << "Seurannimi= 'Matin ''''tupla'''''" << true << "Seurannimi"
+            << "Matin ''tupla''";
         QTest::newRow("quote not doubled") << "Seurannimi= 'O'Brienin ystävät ry'" << true << "Seurannimi"
                                            << "O'Brienin ystävät ry";
         QTest::newRow("colons in the text") << "Otsake= 'Kirjanpidon tase : 31.12.2011'" << true << "Otsake"
@@ -250,6 +259,11 @@ private slots:
             QCOMPARE(two[size_t(s)], (FontSpec { "Arial", 9, false, false }));
         QCOMPARE(two[size_t(Section::Title)].size, 12.0);
         QCOMPARE(two[size_t(Section::Header)].size, 11.0);
+
+        // A font named with a ";" keeps its name.
+        SectionFontTable odd = layout;
+        SectionFonts::apply(SectionFonts::entries(1, QStringLiteral("Lainaus\"; DROP;"), 8), odd);
+        QCOMPARE(odd[size_t(Section::Detail)], (FontSpec { "Lainaus\"; DROP;", 8, false, false }));
 
         for (const char* bad : { "DETAIL;Arial;9;X;X;X", "NOTHING;Arial;9;X;X;X;X",
                  "DETAIL;Arial;iso;X;X;X;X", "DETAIL;Arial;9;X;2;X;X", "DETAIL;;9;X;X;X;X" }) {

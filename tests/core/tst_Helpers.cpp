@@ -48,6 +48,7 @@ void tst_Helpers::moneyParse_data()
     QTest::newRow("negative rounds away from zero") << "-0,00005" << true << qint64(-1);
     QTest::newRow("surrounding blanks") << "  7  " << true << qint64(70000);
     QTest::newRow("zero") << "0" << true << qint64(0);
+    QTest::newRow("many leading zeros") << "0000000000000000012,50" << true << qint64(125000);
 
     QTest::newRow("empty") << "" << false << qint64(0);
     QTest::newRow("blank") << "   " << false << qint64(0);

@@ -175,11 +175,24 @@ private:
         return sql;
     }
 
+    // Parentheses and NOTs nest by recursion; a formula nested deeper than any caller writes is
+    // refused before it can exhaust the stack.
+    static constexpr int MaxDepth = 200;
+    void enter(const Token& t)
+    {
+        if (++m_depth > MaxDepth)
+            throw ReportError(
+                QStringLiteral("Valintakaavassa on liian monta sisäkkäistä sulkua tai NOT-sanaa") + at(t.pos)
+                + u'.');
+    }
+
     QString notExpr(QVariantList& values)
     {
         if (isWord(peek(), "NOT")) {
-            take();
-            return QStringLiteral("NOT (") + notExpr(values) + u')';
+            enter(take());
+            const QString inner = notExpr(values);
+            --m_depth;
+            return QStringLiteral("NOT (") + inner + u')';
         }
         return primary(values);
     }
@@ -187,9 +200,10 @@ private:
     QString primary(QVariantList& values)
     {
         if (peek().kind == Tok::LParen) {
-            take();
+            enter(take());
             const QString inner = orExpr(values);
             expect(Tok::RParen, QStringLiteral("loppusulje )"));
+            --m_depth;
             return u'(' + inner + u')';
         }
         const Operand left = operand();
@@ -314,6 +328,7 @@ private:
 
     std::vector<Token> m_tokens;
     size_t m_next = 0;
+    int m_depth = 0;
     const FieldResolver& m_resolve;
 };
 

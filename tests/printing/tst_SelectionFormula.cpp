@@ -130,6 +130,10 @@ private slots:
                                              << "luku 99999999999999 on liian suuri";
         QTest::newRow("number beyond integers") << "{to.toNumero} = 99999999999999999999"
                                                 << "luku 99999999999999999999 on liian suuri";
+        QTest::newRow("parentheses nested too deep")
+            << QString(50000, u'(') + "{to.toNumero} = 1" + QString(50000, u')') << "liian monta sisäkkäistä";
+        QTest::newRow("NOTs nested too deep") << QStringLiteral("NOT ").repeated(50000) + "{to.toNumero} = 1"
+                                              << "liian monta sisäkkäistä";
         QTest::newRow("digits of another script")
             << QString::fromUtf8("{to.toNumero} = ٣") << "merkki, jota ei tunneta";
     }

@@ -2,12 +2,13 @@
 
 #include "DatabaseError.h"
 #include "ProgramSettings.h"
+#include "ReportFormulas.h"
 
 namespace {
 
 QString seurannimi()
 {
-    return QStringLiteral("Seurannimi= '") + ProgramSettings::bookkeeping().Seurannimi + u'\'';
+    return QStringLiteral("Seurannimi= ") + ReportFormulas::quoted(ProgramSettings::bookkeeping().Seurannimi);
 }
 
 QString malliNimi(const QSqlDatabase& db, qint32 id)
@@ -34,8 +35,9 @@ ReportJob tilikartta(const QSqlDatabase& db, qint32 tuloslaskelmaID, qint32 tase
     ReportJob job;
     job.reportFile = QStringLiteral("tilikart.rpt");
     job.formulas = { seurannimi(), QStringLiteral("Otsake= 'Tilikartta'"),
-        QStringLiteral("Mallit= 'Tuloslaskelma: ") + malliNimi(db, tuloslaskelmaID)
-            + QStringLiteral(", tase: ") + malliNimi(db, taseID) + u'\'' };
+        QStringLiteral("Mallit= ")
+            + ReportFormulas::quoted(QStringLiteral("Tuloslaskelma: ") + malliNimi(db, tuloslaskelmaID)
+                + QStringLiteral(", tase: ") + malliNimi(db, taseID)) };
     job.parameters
         = { { QStringLiteral("tuloslaskelmaID"), tuloslaskelmaID }, { QStringLiteral("taseID"), taseID } };
     return job;
@@ -55,7 +57,7 @@ ReportJob tiliTarkastelu(const QString& tili)
     ReportJob job;
     job.reportFile = QStringLiteral("tilitark.rpt");
     job.formulas = { seurannimi(), QStringLiteral("Otsake= 'Tilitarkastelu'"),
-        QStringLiteral("Tili= '") + tili + u'\'' };
+        QStringLiteral("Tili= ") + ReportFormulas::quoted(tili) };
     job.sortFields = { QStringLiteral("+{tlTarkastelut.tltID}") };
     return job;
 }

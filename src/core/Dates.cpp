@@ -4,26 +4,42 @@
 
 namespace Dates {
 
+namespace {
+
+// The value of a part written in digits 0–9 only; -1 for anything else. QString::toInt would
+// also take a sign and stop at a NUL character, so "1.1.-7" or "1.1.2011\0x" would pass.
+int digitsValue(const QString& part)
+{
+    if (part.isEmpty())
+        return -1;
+    int value = 0;
+    for (QChar c : part) {
+        if (c < u'0' || c > u'9')
+            return -1;
+        value = value * 10 + (c.unicode() - u'0');
+    }
+    return value;
+}
+
+} // namespace
+
 QDate parse(const QString& input)
 {
     const QStringList parts = input.trimmed().split(u'.');
     if (parts.size() != 3)
         return {};
-    bool okDay = false, okMonth = false, okYear = false;
     const QString dayText = parts.at(0).trimmed();
     const QString monthText = parts.at(1).trimmed();
     const QString yearText = parts.at(2).trimmed();
-    if (dayText.isEmpty() || dayText.size() > 2 || monthText.isEmpty() || monthText.size() > 2)
+    if (dayText.size() > 2 || monthText.size() > 2 || (yearText.size() != 2 && yearText.size() != 4))
         return {};
-    const int day = dayText.toInt(&okDay);
-    const int month = monthText.toInt(&okMonth);
-    int year = yearText.toInt(&okYear);
-    if (!okDay || !okMonth || !okYear || day < 1 || month < 1)
+    const int day = digitsValue(dayText);
+    const int month = digitsValue(monthText);
+    int year = digitsValue(yearText);
+    if (day < 1 || month < 1 || year < 0)
         return {};
     if (yearText.size() == 2)
         year += year < 30 ? 2000 : 1900;
-    else if (yearText.size() != 4)
-        return {};
     return QDate(year, month, day); // QDate is invalid for 31.4. or 29.2. of a common year
 }
 

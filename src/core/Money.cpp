@@ -76,6 +76,9 @@ std::optional<Money> Money::parse(const QString& input)
     for (QChar c : fracPart)
         if (!c.isDigit() || c.unicode() >= 128)
             return std::nullopt;
+    // Leading zeros add nothing, however many there are.
+    while (digits.size() > 1 && digits.startsWith(u'0'))
+        digits.remove(0, 1);
     if (digits.size() > 13)
         return std::nullopt;
 

@@ -21,4 +21,9 @@ std::optional<Named> parse(const QString& formula)
     return Named { name, value };
 }
 
+QString quoted(const QString& text)
+{
+    return u'\'' + QString(text).replace(QStringLiteral("'"), QStringLiteral("''")) + u'\'';
+}
+
 } // namespace ReportFormulas

@@ -17,4 +17,8 @@ struct Named {
 // caller doubled its quotes or not. Anything else gives nullopt.
 std::optional<Named> parse(const QString& formula);
 
+// The text of a formula as callers write it, "'Matin ''kerho'''": every apostrophe doubled, so
+// that parse() gives back the text as it is, doubled apostrophes included.
+QString quoted(const QString& text);
+
 } // namespace ReportFormulas

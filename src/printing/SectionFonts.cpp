@@ -42,8 +42,12 @@ void apply(const QStringList& list, SectionFontTable& fonts)
     for (const QString& entry : list) {
         if (entry.isEmpty())
             continue;
+        // The font's own name may hold ";" (it is a setting the user types): the section is the
+        // first field and the size and four flags the last five, the name is what lies between.
         const QStringList f = entry.split(u';');
-        if (f.size() != 7 || f.at(1).trimmed().isEmpty())
+        const qsizetype sizeAt = f.size() - 5;
+        const QString face = f.mid(1, sizeAt - 1).join(u';').trimmed();
+        if (f.size() < 7 || face.isEmpty())
             throw ReportError(QStringLiteral("Osan kirjasinmääritys \"%1\" on virheellinen.").arg(entry));
         const QString name = f.at(0).trimmed().toUpper();
         std::vector<Section> sections;
@@ -63,20 +67,20 @@ void apply(const QStringList& list, SectionFontTable& fonts)
         else
             throw ReportError(QStringLiteral("Raportin osaa \"%1\" ei ole.").arg(f.at(0)));
         double size = 0;
-        if (f.at(2) != u"X") {
+        if (f.at(sizeAt) != u"X") {
             bool ok = false;
-            size = f.at(2).toDouble(&ok);
+            size = f.at(sizeAt).toDouble(&ok);
             if (!ok || size < 4 || size > 72)
                 throw ReportError(QStringLiteral("Osan kirjasinmääritys \"%1\" on virheellinen.").arg(entry));
         }
         for (const Section s : sections) {
             FontSpec& font = fonts[size_t(s)];
             font = layout[size_t(s)];
-            font.face = f.at(1).trimmed();
+            font.face = face;
             if (size > 0)
                 font.size = size;
-            setFlag(f.at(3), font.italic, entry);
-            setFlag(f.at(4), font.bold, entry);
+            setFlag(f.at(sizeAt + 1), font.italic, entry);
+            setFlag(f.at(sizeAt + 2), font.bold, entry);
         }
     }
 }

@@ -18,6 +18,9 @@ struct Token {
 
 QString at(int pos) { return QStringLiteral(" (kohta %1)").arg(pos); }
 
+// Numbers are written in the digits 0–9; other scripts' digits are no number here.
+bool isDigit(QChar c) { return c >= u'0' && c <= u'9'; }
+
 std::vector<Token> tokenize(const QString& s)
 {
     std::vector<Token> tokens;
@@ -34,12 +37,12 @@ std::vector<Token> tokenize(const QString& s)
                 throw ReportError(QStringLiteral("Kentän nimestä puuttuu loppusulje }") + at(pos) + u'.');
             tokens.push_back({ Tok::Field, s.mid(i + 1, end - i - 1).trimmed(), pos });
             i = end + 1;
-        } else if (c.isDigit()
-            || (c == u'-' && i + 1 < n && s.at(i + 1).isDigit()
+        } else if (isDigit(c)
+            || (c == u'-' && i + 1 < n && isDigit(s.at(i + 1))
                 && (tokens.empty() || tokens.back().kind == Tok::Op || tokens.back().kind == Tok::Comma
                     || tokens.back().kind == Tok::LParen))) {
             qsizetype j = i + 1;
-            while (j < n && (s.at(j).isDigit() || s.at(j) == u'.'))
+            while (j < n && (isDigit(s.at(j)) || s.at(j) == u'.'))
                 ++j;
             tokens.push_back({ Tok::Number, s.mid(i, j - i), pos });
             i = j;
@@ -172,11 +175,24 @@ private:
         return sql;
     }
 
+    // Parentheses and NOTs nest by recursion; a formula nested deeper than any caller writes is
+    // refused before it can exhaust the stack.
+    static constexpr int MaxDepth = 200;
+    void enter(const Token& t)
+    {
+        if (++m_depth > MaxDepth)
+            throw ReportError(
+                QStringLiteral("Valintakaavassa on liian monta sisäkkäistä sulkua tai NOT-sanaa") + at(t.pos)
+                + u'.');
+    }
+
     QString notExpr(QVariantList& values)
     {
         if (isWord(peek(), "NOT")) {
-            take();
-            return QStringLiteral("NOT (") + notExpr(values) + u')';
+            enter(take());
+            const QString inner = notExpr(values);
+            --m_depth;
+            return QStringLiteral("NOT (") + inner + u')';
         }
         return primary(values);
     }
@@ -184,9 +200,10 @@ private:
     QString primary(QVariantList& values)
     {
         if (peek().kind == Tok::LParen) {
-            take();
+            enter(take());
             const QString inner = orExpr(values);
             expect(Tok::RParen, QStringLiteral("loppusulje )"));
+            --m_depth;
             return u'(' + inner + u')';
         }
         const Operand left = operand();
@@ -260,14 +277,25 @@ private:
     }
 
     // The value of a literal as it is compared with `other` (money in its stored unit).
+    // A number too large for its unit is refused rather than compared as something else.
     static QVariant literal(const Operand& o, const Operand& other)
     {
         if (o.kind == Operand::Number) {
-            if (other.kind == Operand::Field && other.field.money)
-                return Money::parse(o.text)->raw();
-            if (o.text.contains(u'.'))
-                return o.text.toDouble();
-            return o.text.toLongLong();
+            bool ok = true;
+            QVariant value;
+            if (other.kind == Operand::Field && other.field.money) {
+                const std::optional<Money> money = Money::parse(o.text);
+                ok = money.has_value();
+                value = ok ? money->raw() : 0;
+            } else if (o.text.contains(u'.')) {
+                value = o.text.toDouble(&ok);
+            } else {
+                value = o.text.toLongLong(&ok);
+            }
+            if (!ok)
+                throw ReportError(
+                    QStringLiteral("Valintakaavan luku %1 on liian suuri").arg(o.text) + at(o.pos) + u'.');
+            return value;
         }
         if (o.kind == Operand::Bool)
             return o.value.toBool() ? 1 : 0;
@@ -300,6 +328,7 @@ private:
 
     std::vector<Token> m_tokens;
     size_t m_next = 0;
+    int m_depth = 0;
     const FieldResolver& m_resolve;
 };
 

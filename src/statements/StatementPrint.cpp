@@ -3,16 +3,14 @@
 #include "DatabaseError.h"
 #include "Dates.h"
 #include "ProgramSettings.h"
+#include "ReportFormulas.h"
 #include "cMalli.h"
 
 #include <QVariant>
 
 namespace {
 
-QString formula(const QString& name, const QString& value)
-{
-    return name + QStringLiteral("'") + value + u'\'';
-}
+QString formula(const QString& name, const QString& value) { return name + ReportFormulas::quoted(value); }
 
 } // namespace
 

@@ -4,6 +4,7 @@
 #include "Dates.h"
 #include "PeriodCheck.h"
 #include "ProgramSettings.h"
+#include "ReportFormulas.h"
 #include "Transaction.h"
 
 #include <QSet>
@@ -16,7 +17,7 @@ using KirjaTulostus::Laji;
 
 QString seurannimi()
 {
-    return QStringLiteral("Seurannimi= '") + ProgramSettings::bookkeeping().Seurannimi + u'\'';
+    return QStringLiteral("Seurannimi= ") + ReportFormulas::quoted(ProgramSettings::bookkeeping().Seurannimi);
 }
 
 QString jakso(const QDate& alku, const QDate& loppu)
@@ -189,7 +190,7 @@ ReportJob paivakirja(const QSqlDatabase& db, Laji laji, const QDate& alku, const
     ReportJob job;
     job.reportFile = raporttiTiedosto(Kirja::Paivakirja, laji, ProgramSettings::bookkeeping().VaakaTulostus);
     const auto kaava = [](const char* nimi, const QString& arvo) {
-        return QLatin1String(nimi) + QStringLiteral("= '") + arvo + u'\'';
+        return QLatin1String(nimi) + QStringLiteral("= ") + ReportFormulas::quoted(arvo);
     };
     job.formulas = { seurannimi(), kaava("Otsake", otsake + jakso(alku, loppu)),
         kaava("DebetVienteja", QString::number(s.debetVienteja)),
@@ -304,7 +305,8 @@ ReportJob paakirja(Laji laji, const QDate& alku, const QDate& loppu)
                                                : QStringLiteral("Pääkirja -- ");
     ReportJob job;
     job.reportFile = raporttiTiedosto(Kirja::Paakirja, laji, ProgramSettings::bookkeeping().VaakaTulostus);
-    job.formulas = { seurannimi(), QStringLiteral("Otsake= '") + otsake + jakso(alku, loppu) + u'\'' };
+    job.formulas
+        = { seurannimi(), QStringLiteral("Otsake= ") + ReportFormulas::quoted(otsake + jakso(alku, loppu)) };
     job.selectionFormula = valintakaava(Kirja::Paakirja, laji, alku, loppu);
     job.sortFields = { QStringLiteral("+{tl.tlNumero}"), QStringLiteral("+{to.toNumero}") };
     job.periodStart = alku;

@@ -48,6 +48,7 @@ void tst_Helpers::moneyParse_data()
     QTest::newRow("negative rounds away from zero") << "-0,00005" << true << qint64(-1);
     QTest::newRow("surrounding blanks") << "  7  " << true << qint64(70000);
     QTest::newRow("zero") << "0" << true << qint64(0);
+    QTest::newRow("many leading zeros") << "0000000000000000012,50" << true << qint64(125000);
 
     QTest::newRow("empty") << "" << false << qint64(0);
     QTest::newRow("blank") << "   " << false << qint64(0);
@@ -158,6 +159,10 @@ void tst_Helpers::datesParse_data()
     QTest::newRow("iso form is not typed") << "2011-09-05" << QDate();
     QTest::newRow("three-digit year") << "1.1.201" << QDate();
     QTest::newRow("empty") << "" << QDate();
+    QTest::newRow("negative year") << "7.7.-007" << QDate();
+    QTest::newRow("signed day") << "+7.7.2011" << QDate();
+    QTest::newRow("NUL after the year") << QString::fromLatin1("7.7.2011\0\1", 11) << QDate();
+    QTest::newRow("arabic digits") << QString::fromUtf8("١.١.٢٠١١") << QDate();
 }
 
 void tst_Helpers::datesParse()

@@ -111,6 +111,14 @@ private slots:
         row("unclosed text", "{vi.viSelite} = 'abc", "lainausmerkkiä vaille");
         row("a number is no condition", "5", "puuttuu vertailu");
         row("two decimal points", "{vi.viArvo} > 1.2.3", "luku 1.2.3 on virheellinen");
+        row("amount beyond money", "{vi.viArvo} > 99999999999999", "luku 99999999999999 on liian suuri");
+        row("number beyond integers", "{to.toNumero} = 99999999999999999999",
+            "luku 99999999999999999999 on liian suuri");
+        row("digits of another script", "{to.toNumero} = ٣", "merkki, jota ei tunneta");
+        QTest::newRow("parentheses nested too deep")
+            << QString(50000, u'(') + "{to.toNumero} = 1" + QString(50000, u')') << "liian monta sisäkkäistä";
+        QTest::newRow("NOTs nested too deep") << QStringLiteral("NOT ").repeated(50000) + "{to.toNumero} = 1"
+                                              << "liian monta sisäkkäistä";
     }
     void malformed()
     {
@@ -163,6 +171,9 @@ private slots:
                                     << "";
         QTest::newRow("doubled quotes") << "Seurannimi= 'Matin ''kerho'''" << true << "Seurannimi"
                                         << "Matin 'kerho'";
+        QTest::newRow("doubled quotes doubled again")
+            << "Seurannimi= 'Matin ''''tupla'''''" << true << "Seurannimi"
+            << "Matin ''tupla''";
         QTest::newRow("quote not doubled") << "Seurannimi= 'O'Brienin ystävät ry'" << true << "Seurannimi"
                                            << "O'Brienin ystävät ry";
         QTest::newRow("colons in the text") << "Otsake= 'Kirjanpidon tase : 31.12.2011'" << true << "Otsake"
@@ -235,6 +246,11 @@ private slots:
             QCOMPARE(two[size_t(s)], (FontSpec { "Arial", 9, false, false }));
         QCOMPARE(two[size_t(Section::Title)].size, 12.0);
         QCOMPARE(two[size_t(Section::Header)].size, 11.0);
+
+        // A font named with a ";" keeps its name.
+        SectionFontTable odd = layout;
+        SectionFonts::apply(SectionFonts::entries(1, QStringLiteral("Lainaus\"; DROP;"), 8), odd);
+        QCOMPARE(odd[size_t(Section::Detail)], (FontSpec { "Lainaus\"; DROP;", 8, false, false }));
 
         for (const char* bad : { "DETAIL;Arial;9;X;X;X", "NOTHING;Arial;9;X;X;X;X",
                  "DETAIL;Arial;iso;X;X;X;X", "DETAIL;Arial;9;X;2;X;X", "DETAIL;;9;X;X;X;X" }) {

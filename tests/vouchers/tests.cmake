@@ -13,3 +13,6 @@ vorkam_add_test(tst_Tositepohjat SOURCES vouchers/tst_Tositepohjat.cpp)
 vorkam_add_test(tst_VoucherTools UI SOURCES vouchers/tst_VoucherTools.cpp)
 vorkam_add_test(tst_TarkistusKomento SOURCES vouchers/tst_TarkistusKomento.cpp)
 add_dependencies(tst_TarkistusKomento vorkam_report vorkam_data)
+# Odd texts through every text field, the search, the settings, the commands and a report.
+vorkam_add_test(tst_OddText SOURCES vouchers/tst_OddText.cpp)
+add_dependencies(tst_OddText vorkam_reports)

@@ -1,0 +1,278 @@
+#include "DatabaseMaintenance.h"
+#include "KirjaTulostus.h"
+#include "Paths.h"
+#include "PdfWriter.h"
+#include "RecordText.h"
+#include "ReportEngine.h"
+#include "ReportError.h"
+#include "ReportExport.h"
+#include "ScriptedDialogs.h"
+#include "SettingsStore.h"
+#include "TositeHaku.h"
+#include "VoucherFixture.h"
+#include "WinAnsi.h"
+#include "cMalli.h"
+#include "cMalliRivi.h"
+#include "cTili.h"
+#include "cTosite.h"
+#include "cTositePohja.h"
+#include "cVienti.h"
+
+#include <QFile>
+#include <functional>
+
+namespace {
+
+// One text field of the books: writes a text through its record class and reads it back through a
+// fresh object. `length` is where the field cuts; 0: it keeps the whole text.
+struct TextField {
+    const char* name;
+    int length;
+    std::function<qint32(const QString&)> write;
+    std::function<QString(qint32)> read;
+};
+
+template <typename R> QString reread(qint32 id, QString (R::*get)() const)
+{
+    R r(VoucherFixture::db());
+    return r.Load(id) ? (r.*get)() : QStringLiteral("<ei riviä>");
+}
+
+qint32 newTili(const QString& nimi, const QString& kuvaus)
+{
+    static qint32 numero = 5000;
+    cTili t(VoucherFixture::db());
+    t.setNumero(++numero);
+    t.setNimi(nimi);
+    t.setKuvaus(kuvaus);
+    t.Save();
+    return t.id();
+}
+
+qint32 newTosite(const QString& selite)
+{
+    static qint32 numero = 100;
+    cTosite t(VoucherFixture::db());
+    t.setNumero(++numero);
+    t.setPaiva(QDate(2011, 3, 1));
+    t.setSelite(selite);
+    t.Save();
+    return t.ToId();
+}
+
+// A bookkeeping setting as the program reads it back from the books.
+QString setting(QString BookkeepingSettings::*member)
+{
+    ProgramSettings::loadBookkeeping(VoucherFixture::db(), QStringLiteral("kirjat.mdb"));
+    return ProgramSettings::bookkeeping().*member;
+}
+
+QList<TextField> fields()
+{
+    const auto db = [] { return VoucherFixture::db(); };
+    QList<TextField> list {
+        { "tili nimi", RecordText::NameLength,
+            [](const QString& t) { return newTili(t, QStringLiteral("k")); },
+            [](qint32 id) {
+                cTili r(VoucherFixture::db());
+                return r.Read(id) ? r.Nimi() : QString();
+            } },
+        { "tili kuvaus", RecordText::DescriptionLength,
+            [](const QString& t) { return newTili(QStringLiteral("n"), t); },
+            [](qint32 id) {
+                cTili r(VoucherFixture::db());
+                return r.Read(id) ? r.Kuvaus() : QString();
+            } },
+        { "tosite selite", RecordText::DescriptionLength, newTosite,
+            [](qint32 id) { return reread<cTosite>(id, &cTosite::Selite); } },
+        { "vienti selite", RecordText::DescriptionLength,
+            [db](const QString& t) {
+                cVienti v(db());
+                v.setToId(newTosite(QStringLiteral("vienteineen")));
+                v.settlID(newTili(QStringLiteral("vientitili"), QStringLiteral("k")));
+                v.setTyyppi(QStringLiteral("D"));
+                v.setArvo(Money::fromCents(1250));
+                v.setSelite(t);
+                v.Save();
+                return v.ViId();
+            },
+            [](qint32 id) { return reread<cVienti>(id, &cVienti::Selite); } },
+        { "tositepohja nimi", RecordText::NameLength,
+            [db](const QString& t) {
+                cTositePohja p(db());
+                p.setNimi(t);
+                p.setSelite(QStringLiteral("s"));
+                p.Save();
+                return p.tpID();
+            },
+            [](qint32 id) { return reread(id, &cTositePohja::Nimi); } },
+        { "tositepohja selite", RecordText::DescriptionLength,
+            [db](const QString& t) {
+                cTositePohja p(db());
+                p.setNimi(QStringLiteral("n"));
+                p.setSelite(t);
+                p.Save();
+                return p.tpID();
+            },
+            [](qint32 id) { return reread(id, &cTositePohja::Selite); } },
+        { "malli nimi", RecordText::NameLength,
+            [db](const QString& t) {
+                cMalli m(db());
+                m.setTyyppi(cMalli::Tuloslaskelma);
+                m.setNimi(t);
+                m.Save();
+                return m.id();
+            },
+            [](qint32 id) { return reread(id, &cMalli::Nimi); } },
+    };
+    // The three texts of a template row.
+    using Set = void (cMalliRivi::*)(const QString&);
+    using Get = QString (cMalliRivi::*)() const;
+    for (const auto& [name, length, set, get] :
+        { std::tuple<const char*, int, Set, Get> {
+              "mallirivi teksti", RecordText::NameLength, &cMalliRivi::setTeksti, &cMalliRivi::Teksti },
+            std::tuple<const char*, int, Set, Get> {
+                "mallirivi tilit", RecordText::DescriptionLength, &cMalliRivi::setTilit, &cMalliRivi::Tilit },
+            std::tuple<const char*, int, Set, Get> { "mallirivi kaava", RecordText::DescriptionLength,
+                &cMalliRivi::setKaava, &cMalliRivi::Kaava } })
+        list.append({ name, length,
+            [db, set](const QString& t) {
+                cMalliRivi r(db());
+                r.setMalliId(1);
+                (r.*set)(t);
+                r.Save();
+                return r.id();
+            },
+            [get](qint32 id) { return reread(id, get); } });
+    for (const auto& [key, member] : { std::pair { "Seurannimi", &BookkeepingSettings::Seurannimi },
+             std::pair { "Email", &BookkeepingSettings::Email },
+             std::pair { "SMTP", &BookkeepingSettings::SMTP },
+             std::pair { "Fontti", &BookkeepingSettings::Fontti } })
+        list.append({ key, 0,
+            [key](const QString& t) {
+                return qint32(DbSettingsStore(VoucherFixture::db()).write(QString::fromLatin1(key), t));
+            },
+            [member](qint32) { return setting(member); } });
+    // The installation's ini file.
+    list.append({ "ini DatabaseBackup", 0,
+        [](const QString& t) {
+            ProgramSettings::installation().DatabaseBackup = t;
+            return qint32(ProgramSettings::saveInstallation());
+        },
+        [](qint32) {
+            ProgramSettings::installation().DatabaseBackup.clear();
+            ProgramSettings::loadInstallation();
+            return ProgramSettings::installation().DatabaseBackup;
+        } });
+    return list;
+}
+
+} // namespace
+
+// Apostrophes, quotes, wildcards, braces, backslashes, long texts, characters outside the basic
+// plane, right-to-left text and control characters go through every text field of the books, the
+// voucher search, the settings, the maintenance commands and a printed report, and come back
+// as they went in (cut where the field cuts), with no database or report error.
+class tst_OddText final : public QObject {
+    Q_OBJECT
+
+private slots:
+    void everywhere_data();
+    void everywhere();
+};
+
+void tst_OddText::everywhere_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("apostrophes") << QStringLiteral("O'Brienin 'kerho' ja Matin ''tupla''");
+    QTest::newRow("quotes and a statement") << QStringLiteral("\"Lainaus\"; DROP TABLE tl; --");
+    QTest::newRow("wildcards") << QStringLiteral("100% _alv_ %_%");
+    QTest::newRow("braces") << QStringLiteral("{Seurannimi} {to.toPvm} {Selite} }{");
+    QTest::newRow("backslashes") << QStringLiteral("C:\\vorkam\\demo1.mdb \\' \\\\");
+    QTest::newRow("300 characters") << QString::fromUtf8("Äöå€").repeated(75);
+    QTest::newRow("emoji at the cut") << QString(49, u'x') + QString::fromUtf8("😀 kerho 🎉").repeated(30);
+    QTest::newRow("right to left") << QString::fromUtf8("جمعية الأصدقاء עמותה 2011");
+    QTest::newRow("control characters") << QString::fromUtf8("a\tb\x01"
+                                                             "c\x1b"
+                                                             "d\x7f"
+                                                             "e\u200Ff\u2028g");
+}
+
+void tst_OddText::everywhere()
+{
+    QFETCH(QString, text);
+    VoucherFixture f;
+    QVERIFY(f.ok);
+    ScriptedDialogs dialogs;
+
+    // Every field keeps the text, cut where the field cuts and never inside a character.
+    for (const TextField& field : fields()) {
+        qint32 id = 0;
+        try {
+            id = field.write(text);
+        } catch (const DatabaseError& e) {
+            QFAIL(qPrintable(QStringLiteral("%1: %2").arg(QLatin1String(field.name), e.text())));
+        }
+        const QString expected = field.length ? RecordText::cut(text, field.length) : text;
+        QVERIFY2(id != 0, field.name);
+        const QString back = field.read(id);
+        QVERIFY2(back == expected, qPrintable(QStringLiteral("%1: %2").arg(QLatin1String(field.name), back)));
+        // No half of a character is left at the cut.
+        QVERIFY2(QString::fromUtf8(back.toUtf8()) == back, field.name);
+    }
+    ProgramSettings::bookkeeping().Seurannimi = text;
+
+    // The search finds the voucher by its whole stored description, and only that one.
+    const QString selite = RecordText::cut(text, RecordText::DescriptionLength);
+    const qint32 toId = newTosite(text);
+    const TositeHaku::Tulos haku = TositeHaku::hae(VoucherFixture::db(), QString(), selite);
+    QVERIFY2(haku.virhe.isEmpty(), qPrintable(haku.virhe));
+    QVERIFY(
+        std::any_of(haku.osumat.begin(), haku.osumat.end(), [&](const auto& o) { return o.toId == toId; }));
+    QVERIFY(std::all_of(
+        haku.osumat.begin(), haku.osumat.end(), [&](const auto& o) { return o.selite.contains(selite); }));
+
+    // A text is no maintenance command, nor an account of one; the books stay as they are.
+    const int entries = f.count(QStringLiteral("vi"));
+    for (const QString& command : { text, QStringLiteral("POISTA VIENNIT ") + text }) {
+        dialogs.clear();
+        dialogs.answerInput(command);
+        DatabaseMaintenance::run(VoucherFixture::db());
+        const DatabaseMaintenance::Parsed parsed = DatabaseMaintenance::parse(command);
+        const QString expected = parsed.command == DatabaseMaintenance::Command::None
+            ? QStringLiteral("Komentoa ei löydy, tarkista komento.\nAntamasi komento: ") + command
+            : DatabaseMaintenance::message(parsed);
+        QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Information), QStringList { expected });
+        QVERIFY(dialogs.texts(ScriptedDialogs::Kind::Error).isEmpty());
+    }
+    QCOMPARE(f.count(QStringLiteral("vi")), entries);
+
+    // The journal prints the association's name and the descriptions; the spreadsheet file keeps
+    // them exactly, the page as the PDF fonts can show them.
+    Paths::setProgramDir(f.env.programDir());
+    QVERIFY(
+        QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/paikirja.rpt"), f.env.programDir() + "/paikirja.rpt"));
+    ProgramSettings::bookkeeping().VaakaTulostus = false;
+    try {
+        const auto doc = ReportEngine::run(VoucherFixture::db(),
+            KirjaTulostus::paivakirja(VoucherFixture::db(), KirjaTulostus::Laji::Tavallinen,
+                QDate(2011, 1, 1), QDate(2011, 12, 31)));
+        QCOMPARE(doc->titleLines().value(0), text);
+        QString pages;
+        for (int i = 0; i < doc->pageCount(); ++i)
+            pages += doc->pageRunTexts(i);
+        QVERIFY2(
+            pages.contains(WinAnsi::toUnicode(WinAnsi::fromUnicode(selite.left(40)))), qPrintable(pages));
+        const QString csv = f.env.path(QStringLiteral("paivakirja.csv"));
+        ReportExport::writeCsv(*doc, csv);
+        PdfWriter::write(*doc, f.env.path(QStringLiteral("paivakirja.pdf")));
+        QVERIFY(QString::fromUtf8(TestEnv::readFile(csv)).contains(QString(selite).replace(u'"', "\"\"")));
+        QVERIFY(QFile::exists(f.env.path(QStringLiteral("paivakirja.pdf"))));
+    } catch (const ReportError& e) {
+        QFAIL(qPrintable(e.text()));
+    }
+    QVERIFY(dialogs.failures().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(tst_OddText)
+#include "tst_OddText.moc"

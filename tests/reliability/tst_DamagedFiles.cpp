@@ -23,8 +23,9 @@
 
 namespace {
 
-// What the start-up makes of the file.
-enum Start { Opened, ReadOnly, Refused, Repaired };
+// What the start-up makes of the file: opened (for writing or only for reading), refused
+// without trying more, refused after a repair that could save nothing, or repaired.
+enum Start { Opened, ReadOnly, Refused, RepairFailed, Repaired };
 
 const QString Stick = QStringLiteral("tikku/Vorkam/20240312/seura.mdb");
 
@@ -177,11 +178,11 @@ void tst_DamagedFiles::corpus_data()
     QTest::addColumn<int>("start");
     const auto row
         = [](const char* kind, int start) { QTest::newRow(kind) << QString::fromLatin1(kind) << start; };
-    row("zero bytes", Refused);
-    row("first half", Refused);
+    row("zero bytes", RepairFailed);
+    row("first half", RepairFailed);
     row("garbled page", Repaired);
-    row("garbled header", Refused);
-    row("text file", Refused);
+    row("garbled header", RepairFailed);
+    row("text file", RepairFailed);
     row("directory", Refused);
     row("symlink loop", Refused);
     row("no read permission", Refused);
@@ -207,6 +208,9 @@ void tst_DamagedFiles::startup()
     const QByteArray before = hashOf(file);
     env.writeIni("[VORKAM]\nDatabase=" + file.toUtf8() + "\n");
     ScriptedDialogs dialogs;
+    // A missing file offers the default database, an old-format file its conversion: no.
+    if (kind == u"directory" || kind == u"symlink loop" || kind == u"Jet header")
+        dialogs.answerNo();
 
     Startup startup;
     startup.formatCurrency = [] { return QStringLiteral("1 234,50 €"); };
@@ -218,7 +222,7 @@ void tst_DamagedFiles::startup()
     const QStringList shown = dialogs.transcript();
     QCOMPARE(r.databaseOpen, start == Opened || start == ReadOnly || start == Repaired);
     QCOMPARE(r.readOnly, start == ReadOnly);
-    QCOMPARE(r.repaired, start == Repaired);
+    QCOMPARE(r.repaired, start == Repaired || start == RepairFailed);
     if (start != Opened)
         QVERIFY2(!shown.isEmpty(), "the user is told");
     if (start == Repaired) {
@@ -247,12 +251,14 @@ void tst_DamagedFiles::settingsWindow()
     const QByteArray before = hashOf(file);
     env.writeIni("[VORKAM]\n");
     ScriptedDialogs dialogs;
+    if (kind == u"Jet header")
+        dialogs.answerNo(); // not converted
 
     SettingsForm form = SettingsForm::current();
     form.Database = file;
     const SettingsForm::Saved saved = form.save(QSqlDatabase());
     QVERIFY(!dialogs.shown().isEmpty());
-    if (start == Refused) {
+    if (start == Refused || start == RepairFailed) {
         QVERIFY(saved.stopped);
         QCOMPARE(saved.refused, QStringList(QStringLiteral("tDatabase")));
         QVERIFY(ProgramSettings::installation().Database != file);
@@ -268,6 +274,7 @@ void tst_DamagedFiles::settingsWindow()
 void tst_DamagedFiles::restoreFromStick()
 {
     QFETCH(QString, kind);
+    QFETCH(int, start);
     if (needsPermissions(kind) && ::geteuid() == 0)
         QSKIP("run as root: file permissions do not stop reading or writing");
     TestEnv env;
@@ -277,7 +284,9 @@ void tst_DamagedFiles::restoreFromStick()
     QVERIFY(TestEnv::createDatabase(books));
     const QByteArray booksBefore = hashOf(books);
     const QByteArray copyBefore = hashOf(copy);
-    ScriptedDialogs dialogs; // the question about replacing the books is answered no
+    ScriptedDialogs dialogs;
+    if (start == Opened)
+        dialogs.answerNo(); // sound books of Vorkam: the books in use are not replaced
 
     const StickRestore::Outcome outcome = StickRestore::restore(copy);
     QVERIFY(outcome != StickRestore::Outcome::Restored);
@@ -303,7 +312,7 @@ void tst_DamagedFiles::report()
 
     const Report check = vorkamReport({ file, QStringLiteral("tarkistus") });
     QVERIFY2(!check.crashed, qPrintable(check.err));
-    if (start == Refused || start == Repaired) {
+    if (start != Opened && start != ReadOnly) {
         QCOMPARE(check.code, 3);
         QVERIFY2(check.err.contains(QStringLiteral("Tiedosto"))
                 || check.err.contains(QStringLiteral("Kirjanpito")),
@@ -318,7 +327,7 @@ void tst_DamagedFiles::report()
         env.path(QStringLiteral("tula.pdf")) });
     QVERIFY2(!statement.crashed, qPrintable(statement.err));
     QVERIFY2(statement.code == 0 || !statement.err.trimmed().isEmpty(), "a refusal is explained");
-    if (start == Refused || start == Repaired)
+    if (start != Opened && start != ReadOnly)
         QCOMPARE(hashOf(file), before);
 }
 

@@ -263,6 +263,8 @@ void tst_DamagedFiles::settingsWindow()
         QCOMPARE(saved.refused, QStringList(QStringLiteral("tDatabase")));
         QVERIFY(ProgramSettings::installation().Database != file);
     }
+    if (start == Opened || start == Repaired)
+        QVERIFY(saved.databaseChanged);
     if (start != Repaired)
         QCOMPARE(hashOf(file), before);
     else

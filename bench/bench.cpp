@@ -152,6 +152,8 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir);
 int toolsBench(const QSqlDatabase& db);
 // The fiscal year change on a copy of the file (yearchangebench.cpp).
 int yearChangeBench(const QString& stressFile);
+// Five years of use grown on a copy of the file (fiveyearsbench.cpp).
+int fiveYearsBench(const QString& stressFile);
 
 int run(const QString& file, int runs)
 {
@@ -397,11 +399,15 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
     int runs = 7;
+    // The optional size: the stress association after five years of use (fiveyearsbench.cpp).
+    if (args.size() == 3 && args.at(2) == u"--five-years" && QFileInfo::exists(args.at(1)))
+        return fiveYearsBench(QFileInfo(args.at(1)).absoluteFilePath());
     if (args.size() == 4 && args.at(2) == u"--runs")
         runs = args.at(3).toInt();
     if ((args.size() != 2 && args.size() != 4) || runs < 1 || !QFileInfo::exists(args.at(1))) {
-        std::fprintf(
-            stderr, "usage: vorkam_bench FILE.mdb [--runs N]   (make the file with vorkam_stressgen)\n");
+        std::fprintf(stderr,
+            "usage: vorkam_bench FILE.mdb [--runs N | --five-years]   (make the file with "
+            "vorkam_stressgen)\n");
         return 2;
     }
     int rc = run(QFileInfo(args.at(1)).absoluteFilePath(), runs);

@@ -57,17 +57,13 @@ bool backupAndReorganize()
         return false;
     }
 
-    bool renamed = ops.rename(path, previous);
-    if (!renamed && QFileInfo::exists(previous)) {
-        // The previous file of the last reorganisation is replaced by this one.
-        ops.remove(previous);
-        renamed = ops.rename(path, previous);
-    }
-    if (!renamed) {
+    // The previous file is a copy of the books, and the compacted copy takes their place in one
+    // rename: killed at any moment, the books' name holds the old books or the compacted ones.
+    if (!ops.copy(path, previous)) {
         dialogs.error(QStringLiteral("Tietokannan uudelleen nimeäminen ei onnistu."));
         return false;
     }
-    if (!ops.rename(compacted, path)) {
+    if (!ops.replace(compacted, path)) {
         dialogs.error(QStringLiteral("Korjatun tietokannan uudelleen nimeäminen ei onnistu."));
         return false;
     }

@@ -30,6 +30,9 @@ FileOps defaultFileOps()
         return true;
     };
     ops.rename = [](const QString& from, const QString& to) { return QFile::rename(from, to); };
+    ops.replace = [](const QString& from, const QString& to) {
+        return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    };
     ops.remove = [](const QString& path) { return QFile::remove(path); };
     ops.makeWritable = [](const QString& path) {
         QFile file(path);

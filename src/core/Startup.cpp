@@ -275,11 +275,14 @@ bool Startup::repair(const QString& path, const QString& connection, Result& res
                                     .arg(repair.result.message, path, repair.report()));
         return false;
     }
-    if (!ops.rename(path, old)) {
+    // The damaged file is kept as a copy under its OLD name, and the repaired one takes its place
+    // in one rename: stopped at any moment, the books' name holds the damaged or the repaired
+    // books, never nothing. An OLD file of an earlier repair is never replaced.
+    if (QFileInfo::exists(old) || !ops.copy(path, old)) {
         dialogs.plain(QStringLiteral("Vioittuneen tietokannan uudelleen nimeäminen ei onnistu."));
         return false;
     }
-    if (!ops.rename(repaired, path)) {
+    if (!ops.replace(repaired, path)) {
         dialogs.plain(QStringLiteral("Korjatun tietokannan uudelleen nimeäminen ei onnistu."));
         return false;
     }

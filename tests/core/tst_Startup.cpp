@@ -105,7 +105,8 @@ private slots:
     void repairThatSavesNoAccountsFails();
     void hopelessFileIsLeftAsItWas_data();
     void hopelessFileIsLeftAsItWas();
-    void leftoverOldFileStopsRepair();
+    void repairNotPutInPlace_data();
+    void repairNotPutInPlace();
     void jetFileIsConvertedOnlyWhenAsked_data();
     void jetFileIsConvertedOnlyWhenAsked();
     void foreignDatabaseIsNotUpgraded();
@@ -478,20 +479,37 @@ void tst_Startup::hopelessFileIsLeftAsItWas()
     QVERIFY(!QFile::exists(file + QStringLiteral("OLD")));
 }
 
-void tst_Startup::leftoverOldFileStopsRepair()
+void tst_Startup::repairNotPutInPlace_data()
 {
+    QTest::addColumn<bool>("leftoverOld");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("an OLD file of an earlier repair") << true << RenameDamagedFailed;
+    QTest::newRow("the repaired file cannot take the books' name")
+        << false << QStringLiteral("plain: Korjatun tietokannan uudelleen nimeäminen ei onnistu.");
+}
+
+// When the repaired file cannot be put in place, the damaged books stay under their own name (a
+// program stopped at that moment finds them there), with the repaired file beside them.
+void tst_Startup::repairNotPutInPlace()
+{
+    QFETCH(bool, leftoverOld);
+    QFETCH(QString, message);
     TestEnv env;
     ScriptedDialogs dialogs;
     const QString file = env.path(QStringLiteral("seura.mdb"));
     QVERIFY(TestEnv::createDatabase(file));
     const QByteArray bytes = garbled(TestEnv::readFile(file), 3);
     QVERIFY(TestEnv::writeFile(file, bytes));
-    QVERIFY(TestEnv::writeFile(file + QStringLiteral("OLD"), "edellinen korjaus"));
+    if (leftoverOld)
+        QVERIFY(TestEnv::writeFile(file + QStringLiteral("OLD"), "edellinen korjaus"));
+    else
+        FileOps::instance().replace = [](const QString&, const QString&) { return false; };
     setDatabase(env, file);
     runStartup();
-    QCOMPARE(dialogs.transcript(), (QStringList { Damaged, RenameDamagedFailed }));
+    QCOMPARE(dialogs.transcript(), (QStringList { Damaged, message }));
     QCOMPARE(TestEnv::readFile(file), bytes);
-    QCOMPARE(TestEnv::readFile(file + QStringLiteral("OLD")), QByteArray("edellinen korjaus"));
+    QCOMPARE(TestEnv::readFile(file + QStringLiteral("OLD")),
+        leftoverOld ? QByteArray("edellinen korjaus") : bytes);
     QVERIFY(QFile::exists(file + u'2'));
 }
 

@@ -1,0 +1,343 @@
+#include "DBC.h"
+#include "DatabaseFile.h"
+#include "ProgramSettings.h"
+#include "ScriptedDialogs.h"
+#include "SettingsForm.h"
+#include "Startup.h"
+#include "StickRestore.h"
+#include "TestEnv.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QSqlQuery>
+#include <QTest>
+
+#include <unistd.h>
+
+// Damaged and foreign files where Vorkam expects books: each goes through the start-up, the
+// settings window's change of database, the restore from a backup stick and vorkam_report.
+// None may crash Vorkam; each is told to the user; the file keeps its bytes unless the repair
+// ran, and then the damaged original is kept beside the repaired books.
+
+namespace {
+
+// What the start-up makes of the file: opened (for writing or only for reading), refused
+// without trying more, refused after a repair that could save nothing, or repaired.
+enum Start { Opened, ReadOnly, Refused, RepairFailed, Repaired };
+
+const QString Stick = QStringLiteral("tikku/Vorkam/20240312/seura.mdb");
+
+QByteArray hashOf(const QString& path)
+{
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly))
+        return QByteArray("(ei luettavissa)");
+    QCryptographicHash h(QCryptographicHash::Sha256);
+    h.addData(&f);
+    return h.result().toHex();
+}
+
+bool sql(const QString& file, const QStringList& statements)
+{
+    bool ok = true;
+    withDatabase(file, [&](QSqlDatabase& db) {
+        for (const QString& s : statements)
+            ok = ok && QSqlQuery(db).exec(s);
+    });
+    return ok;
+}
+
+// Good books of the demo association, then changed by `statements`.
+bool demoBooks(const QString& file, const QStringList& statements)
+{
+    QDir().mkpath(QFileInfo(file).absolutePath());
+    return QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), file)
+        && QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner)
+        && sql(file, statements);
+}
+
+// Good books of several pages as bytes.
+QByteArray booksBytes(const TestEnv& env)
+{
+    const QString file = env.path(QStringLiteral("malli.mdb"));
+    return TestEnv::createDatabase(file) ? TestEnv::readFile(file) : QByteArray();
+}
+
+QByteArray garble(QByteArray bytes, qsizetype from, qsizetype size)
+{
+    for (qsizetype i = from; i < from + size && i < bytes.size(); ++i)
+        bytes[i] = char(0xA5 ^ (i & 0xFF));
+    return bytes;
+}
+
+// Makes the file of kind `kind` at `file`; false when it could not be made.
+bool make(const TestEnv& env, const QString& kind, const QString& file)
+{
+    QDir().mkpath(QFileInfo(file).absolutePath());
+    const QByteArray good = booksBytes(env);
+    if (kind == u"zero bytes")
+        return TestEnv::writeFile(file, {});
+    if (kind == u"first half")
+        return TestEnv::writeFile(file, good.left(good.size() / 2));
+    if (kind == u"garbled page")
+        return TestEnv::writeFile(file, garble(good, (good.size() / 4096 / 2) * 4096, 4096));
+    if (kind == u"garbled header")
+        return TestEnv::writeFile(file, garble(good, 0, 100));
+    if (kind == u"text file")
+        return TestEnv::writeFile(file, "Tämä on tekstitiedosto, ei kirjanpito.\n");
+    if (kind == u"directory")
+        return QDir().mkpath(file);
+    if (kind == u"symlink loop")
+        return QFile::link(file + QStringLiteral(".toinen"), file)
+            && QFile::link(file, file + QStringLiteral(".toinen"));
+    if (kind == u"no read permission")
+        return TestEnv::writeFile(file, good) && QFile::setPermissions(file, QFileDevice::WriteOwner);
+    if (kind == u"read-only file and folder")
+        return TestEnv::writeFile(file, good) && QFile::setPermissions(file, QFileDevice::ReadOwner)
+            && QFile::setPermissions(
+                QFileInfo(file).absolutePath(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    if (kind == u"Jet header") {
+        QByteArray jet(4096 * 4, '\0');
+        jet.replace(0, 19, QByteArray("\x00\x01\x00\x00Standard Jet DB\x00", 20).left(19));
+        return TestEnv::writeFile(file, jet);
+    }
+    if (kind == u"other program's SQLite")
+        return sql(file,
+            { QStringLiteral("CREATE TABLE kuvat (id INTEGER PRIMARY KEY, nimi TEXT, kuva BLOB)"),
+                QStringLiteral("INSERT INTO kuvat (nimi) VALUES ('kesä.jpg')") });
+    if (kind == u"newer layout")
+        return demoBooks(file,
+            { QStringLiteral("CREATE TABLE tulevaisuus (id INTEGER PRIMARY KEY, tieto TEXT)"),
+                QStringLiteral("ALTER TABLE tl ADD COLUMN tlUusiSarake TEXT DEFAULT 'x'") });
+    if (kind == u"garbage settings")
+        return demoBooks(file,
+            { QStringLiteral("UPDATE Settings SET setString = '31.13.20x1' WHERE setKey LIKE '%Tilikausi%'"),
+                QStringLiteral("UPDATE Settings SET setString = '-99999999999' WHERE setKey IN ('MargYla', "
+                               "'MargAla')"),
+                QStringLiteral(
+                    "UPDATE Settings SET setString = 'leveä' WHERE setKey IN ('MargVas', 'MargOik', "
+                    "'FonttiKoko', 'VoittoTaseella', 'LaskettavaTili')") });
+    if (kind == u"template group cycle") {
+        // Two rows of the income statement each name the other as their group.
+        return demoBooks(file,
+            { QStringLiteral("UPDATE mr SET mrBelongsToGroup = 3 WHERE mrID = 2"),
+                QStringLiteral("UPDATE mr SET mrBelongsToGroup = 2 WHERE mrID = 3") });
+    }
+    return false;
+}
+
+bool needsPermissions(const QString& kind)
+{
+    return kind == u"no read permission" || kind == u"read-only file and folder";
+}
+
+struct Report {
+    int code = -1;
+    bool crashed = false;
+    QString err;
+};
+
+Report vorkamReport(const QStringList& args)
+{
+    QProcess p;
+    p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), args);
+    if (!p.waitForFinished(120000)) {
+        p.kill();
+        p.waitForFinished();
+        return { -1, true, QStringLiteral("(ei päättynyt)") };
+    }
+    const QString err = QString::fromLocal8Bit(p.readAllStandardError());
+    return { p.exitCode(),
+        p.exitStatus() != QProcess::NormalExit || err.contains(QStringLiteral("Sanitizer"))
+            || err.contains(QStringLiteral("runtime error")),
+        err };
+}
+
+} // namespace
+
+class tst_DamagedFiles : public QObject {
+    Q_OBJECT
+
+private slots:
+    void corpus_data();
+    void startup();
+    void startup_data() { corpus_data(); }
+    void settingsWindow();
+    void settingsWindow_data() { corpus_data(); }
+    void restoreFromStick();
+    void restoreFromStick_data() { corpus_data(); }
+    void report();
+    void report_data() { corpus_data(); }
+};
+
+void tst_DamagedFiles::corpus_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<int>("start");
+    const auto row
+        = [](const char* kind, int start) { QTest::newRow(kind) << QString::fromLatin1(kind) << start; };
+    row("zero bytes", RepairFailed);
+    row("first half", RepairFailed);
+    row("garbled page", Repaired);
+    row("garbled header", RepairFailed);
+    row("text file", RepairFailed);
+    row("directory", Refused);
+    row("symlink loop", Refused);
+    row("no read permission", Refused);
+    row("read-only file and folder", ReadOnly);
+    row("Jet header", Refused);
+    row("other program's SQLite", Refused);
+    row("newer layout", Opened);
+    row("garbage settings", Opened);
+    row("template group cycle", Opened);
+}
+
+// The start-up as the program runs it: the books named in the ini file are opened, checked,
+// upgraded and their settings read. Every question is answered no.
+void tst_DamagedFiles::startup()
+{
+    QFETCH(QString, kind);
+    QFETCH(int, start);
+    if (needsPermissions(kind) && ::geteuid() == 0)
+        QSKIP("run as root: file permissions do not stop reading or writing");
+    TestEnv env;
+    const QString file = env.path(QStringLiteral("data/seura.mdb"));
+    QVERIFY(make(env, kind, file));
+    const QByteArray before = hashOf(file);
+    env.writeIni("[VORKAM]\nDatabase=" + file.toUtf8() + "\n");
+    ScriptedDialogs dialogs;
+    // A missing file offers the default database, an old-format file its conversion: no.
+    if (kind == u"directory" || kind == u"symlink loop" || kind == u"Jet header")
+        dialogs.answerNo();
+
+    Startup startup;
+    startup.formatCurrency = [] { return QStringLiteral("1 234,50 €"); };
+    const Startup::Result r = startup.run();
+    if (r.databaseOpen)
+        ProgramSettings::loadBookkeeping(DBC::instance().AvaaDB(), file);
+    DBC::instance().SuljeDB();
+
+    const QStringList shown = dialogs.transcript();
+    QCOMPARE(r.databaseOpen, start == Opened || start == ReadOnly || start == Repaired);
+    QCOMPARE(r.readOnly, start == ReadOnly);
+    QCOMPARE(r.repaired, start == Repaired || start == RepairFailed);
+    if (start != Opened)
+        QVERIFY2(!shown.isEmpty(), "the user is told");
+    if (start == Repaired) {
+        // The damaged original is kept as it was beside the repaired books.
+        QCOMPARE(hashOf(file + QStringLiteral("OLD")), before);
+        QVERIFY(shown.join(u'\n').contains(QStringLiteral("Tietokanta korjattiin")));
+    } else if (start != Opened) {
+        QCOMPARE(hashOf(file), before);
+    }
+    // Dates that are no dates give way to the defaults.
+    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    QVERIFY(s.TilikausiAlku.isValid() && s.TilikausiLoppu.isValid());
+}
+
+// The settings window is given the file as the new database: it is refused with a message
+// unless the start-up could use it, and never changed.
+void tst_DamagedFiles::settingsWindow()
+{
+    QFETCH(QString, kind);
+    QFETCH(int, start);
+    if (needsPermissions(kind) && ::geteuid() == 0)
+        QSKIP("run as root: file permissions do not stop reading or writing");
+    TestEnv env;
+    const QString file = env.path(QStringLiteral("muut/seura.mdb"));
+    QVERIFY(make(env, kind, file));
+    const QByteArray before = hashOf(file);
+    env.writeIni("[VORKAM]\n");
+    ScriptedDialogs dialogs;
+    if (kind == u"Jet header")
+        dialogs.answerNo(); // not converted
+
+    SettingsForm form = SettingsForm::current();
+    form.Database = file;
+    const SettingsForm::Saved saved = form.save(QSqlDatabase());
+    QVERIFY(!dialogs.shown().isEmpty());
+    if (start == Refused || start == RepairFailed) {
+        QVERIFY(saved.stopped);
+        QCOMPARE(saved.refused, QStringList(QStringLiteral("tDatabase")));
+        QVERIFY(ProgramSettings::installation().Database != file);
+    }
+    if (start == Opened || start == Repaired)
+        QVERIFY(saved.databaseChanged);
+    if (start != Repaired)
+        QCOMPARE(hashOf(file), before);
+    else
+        QCOMPARE(hashOf(file + QStringLiteral("OLD")), before);
+}
+
+// The file lies on the backup stick as a copy of the day: it never replaces the books in the data
+// folder, and neither file changes.
+void tst_DamagedFiles::restoreFromStick()
+{
+    QFETCH(QString, kind);
+    QFETCH(int, start);
+    if (needsPermissions(kind) && ::geteuid() == 0)
+        QSKIP("run as root: file permissions do not stop reading or writing");
+    TestEnv env;
+    const QString copy = env.path(Stick);
+    QVERIFY(make(env, kind, copy));
+    const QString books = env.path(QStringLiteral("data/seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(books));
+    const QByteArray booksBefore = hashOf(books);
+    const QByteArray copyBefore = hashOf(copy);
+    ScriptedDialogs dialogs;
+    if (start == Opened)
+        dialogs.answerNo(); // sound books of Vorkam: the books in use are not replaced
+
+    const StickRestore::Outcome outcome = StickRestore::restore(copy);
+    QVERIFY(outcome != StickRestore::Outcome::Restored);
+    QVERIFY(!dialogs.shown().isEmpty());
+    QCOMPARE(hashOf(books), booksBefore);
+    QCOMPARE(hashOf(copy), copyBefore);
+    QCOMPARE(QDir(env.path(QStringLiteral("data"))).entryList(QDir::Files | QDir::Hidden),
+        QStringList(QStringLiteral("seura.mdb")));
+}
+
+// vorkam_report's voucher check and income statement: a clear Finnish refusal (exit 3) or a
+// report; the voucher check changes nothing in a file that is not sound books.
+void tst_DamagedFiles::report()
+{
+    QFETCH(QString, kind);
+    QFETCH(int, start);
+    if (needsPermissions(kind) && ::geteuid() == 0)
+        QSKIP("run as root: file permissions do not stop reading or writing");
+    TestEnv env;
+    const QString file = env.path(QStringLiteral("data/seura.mdb"));
+    QVERIFY(make(env, kind, file));
+    const QByteArray before = hashOf(file);
+
+    const Report check = vorkamReport({ file, QStringLiteral("tarkistus") });
+    QVERIFY2(!check.crashed, qPrintable(check.err));
+    if (start != Opened && start != ReadOnly) {
+        QCOMPARE(check.code, 3);
+        QVERIFY2(check.err.contains(QStringLiteral("Tiedosto"))
+                || check.err.contains(QStringLiteral("Kirjanpito")),
+            qPrintable(check.err));
+        QCOMPARE(hashOf(file), before);
+    } else {
+        QVERIFY2(check.code == 0 || check.code == 1, qPrintable(check.err));
+    }
+
+    const Report statement = vorkamReport({ file, QStringLiteral("tuloslaskelma"),
+        QStringLiteral("--template"), QStringLiteral("Yhdistyksen tuloslaskelma"), QStringLiteral("--pdf"),
+        env.path(QStringLiteral("tula.pdf")) });
+    QVERIFY2(!statement.crashed, qPrintable(statement.err));
+    QVERIFY2(statement.code == 0 || !statement.err.trimmed().isEmpty(), "a refusal is explained");
+    if (start != Opened && start != ReadOnly)
+        QCOMPARE(hashOf(file), before);
+}
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    tst_DamagedFiles test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_DamagedFiles.moc"

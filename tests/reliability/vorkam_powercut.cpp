@@ -1,0 +1,575 @@
+// Power cuts in the middle of Vorkam's writes. For each operation a child process performs it
+// on a copy of the books and is killed with SIGKILL at a random moment inside the operation;
+// the books are then opened as Vorkam opens them and must pass the engine's integrity check and
+// hold exactly what they held before the operation or what they hold after it.
+//
+//   vorkam_powercut [--trials N] [--operation NAME] [--seed S]   runs the trials
+//   vorkam_powercut --child NAME WORLD                           performs one operation
+//
+// Exits non-zero when any trial finds the books damaged or in a third state.
+
+#include "DBC.h"
+#include "DatabaseCommands.h"
+#include "DatabaseFile.h"
+#include "DatabaseMaintenance.h"
+#include "Dialogs.h"
+#include "Drives.h"
+#include "Money.h"
+#include "Paths.h"
+#include "ProfitEntries.h"
+#include "ProgramSettings.h"
+#include "StickBackup.h"
+#include "StickRestore.h"
+#include "TilikaudenVaihto.h"
+#include "TositeMuokkaus.h"
+#include "Transaction.h"
+#include "cMalli.h"
+#include "cMalliRivi.h"
+#include "cTili.h"
+
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <QThread>
+
+#include <cstdio>
+#include <functional>
+
+namespace {
+
+const QDate BackupDay(2024, 3, 12);
+
+// Where one trial's files lie: program folder, data folder with the books, ini, a folder that
+// pretends to be the backup stick and the backup folder of the reorganisation.
+struct World {
+    QString root;
+    QString books() const { return root + QStringLiteral("/data/seura.mdb"); }
+    QString data() const { return root + QStringLiteral("/data"); }
+    QString stick() const { return root + QStringLiteral("/tikku"); }
+    QString stickCopy() const
+    {
+        return stick() + QStringLiteral("/Vorkam/") + BackupDay.toString(QStringLiteral("yyyyMMdd"))
+            + QStringLiteral("/seura.mdb");
+    }
+    // The copy the restore takes back; it holds other books than the data folder.
+    QString restoreSource() const { return root + QStringLiteral("/palautus/Vorkam/20240101/seura.mdb"); }
+};
+
+// Answers yes to every question and gives `answer` to an input box.
+class YesDialogs final : public Dialogs {
+public:
+    QString answer;
+    QStringList shown;
+    void information(const QString& text) override { shown << text; }
+    void plain(const QString& text) override { shown << text; }
+    void error(const QString& text) override { shown << QStringLiteral("virhe: ") + text; }
+    bool question(const QString&) override { return true; }
+    std::optional<QString> input(const QString&, const QString&) override { return answer; }
+    QString openFileName(const QString&, const QString&, const QString&) override { return {}; }
+    QString saveFileName(const QString&, const QString&, const QString&) override { return {}; }
+    void beep() override { }
+    void openUrl(const QUrl&) override { }
+};
+
+// One removable volume labelled as Vorkam's backup stick, at the world's stick folder.
+class WorldDrives final : public Drives {
+public:
+    explicit WorldDrives(const QString& folder)
+    {
+        m_stick.mountPoint = folder;
+        m_stick.label = QStringLiteral("KOPIOTIKKU");
+        m_stick.ready = true;
+        m_stick.removable = true;
+        m_stick.freeBytes = qint64(1) << 32;
+    }
+    bool supported() const override { return true; }
+    QList<Volume> volumes() const override { return { m_stick }; }
+
+private:
+    Volume m_stick;
+};
+
+void useWorld(const World& w)
+{
+    Paths::setProgramDir(w.root + QStringLiteral("/bin"));
+    Paths::setDataDir(w.data());
+    Paths::setIniFile(w.root + QStringLiteral("/config/lxvorkam.ini"));
+    ProgramSettings::installation().Database = w.books();
+    ProgramSettings::installation().DatabaseBackup = w.root + QStringLiteral("/varmistus/");
+}
+
+QSqlDatabase openBooks(const World& w)
+{
+    useWorld(w);
+    const QSqlDatabase db = DBC::instance().AvaaDB();
+    if (db.isOpen())
+        ProgramSettings::loadBookkeeping(db, w.books());
+    return db;
+}
+
+// Performs the operation; calls `ready` just before its writing begins, once what it reads
+// first has been read.
+using Ready = std::function<void()>;
+using Work = std::function<bool(const World&, const Ready& ready)>;
+
+struct Operation {
+    const char* name;
+    const char* caption; // Finnish, for the table
+    Work work;
+};
+
+bool saveVoucher(const World& w, const Ready& ready)
+{
+    using P = TositeMuokkaus::Puoli;
+    TositeMuokkaus m(openBooks(w), TositeMuokkaus::Laji::Tavallinen);
+    if (!m.avaa())
+        return false;
+    ready();
+    // Ten entries: five debits on the bank account, five credits on income accounts.
+    std::vector<TositeMuokkaus::Malli> entries;
+    for (int i = 0; i < 5; ++i) {
+        entries.push_back({ P::Debet, 12, Money::fromCents(1000 + i) });
+        entries.push_back({ P::Kredit, 32 + i, Money::fromCents(1000 + i) });
+    }
+    return m.uusiMallista(QStringLiteral("Kymmenen vientiä"), entries);
+}
+
+bool deleteVoucher(const World& w, const Ready& ready)
+{
+    TositeMuokkaus m(openBooks(w), TositeMuokkaus::Laji::Tavallinen);
+    if (!m.avaa())
+        return false;
+    ready();
+    return m.poista();
+}
+
+bool saveAccount(const World& w, const Ready& ready)
+{
+    cTili t(openBooks(w));
+    if (!t.Read(12))
+        return false;
+    ready();
+    t.setNimi(QStringLiteral("Pankkitili, uusi nimi"));
+    t.setKuvaus(QStringLiteral("Vaihdettu katkostestissä"));
+    t.setAlkusaldo(Money::fromCents(123456));
+    t.Save();
+    return true;
+}
+
+bool saveTemplate(const World& w, const Ready& ready)
+{
+    const QSqlDatabase db = openBooks(w);
+    ready();
+    Transaction t(db);
+    cMalli malli(db);
+    malli.setNimi(QStringLiteral("Katkostestin tuloslaskelma"));
+    malli.setTyyppi(cMalli::Tuloslaskelma);
+    malli.Save(true);
+    for (int i = 0; i < 12; ++i) {
+        auto rivi = malli.AddModelRow();
+        rivi->setMalliId(malli.id());
+        rivi->setTeksti(QStringLiteral("Rivi %1").arg(i + 1));
+        rivi->setTilit(QStringLiteral("%1,").arg(32 + i));
+        rivi->setSaldoPuoli(QStringLiteral("K"));
+        rivi->setGroupOrder(i + 1);
+        rivi->Save(true);
+    }
+    t.commitOrThrow();
+    return true;
+}
+
+bool profitEntries(const World& w, const Ready& ready)
+{
+    const QSqlDatabase db = openBooks(w);
+    ready();
+    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    return ProfitEntries::post(db, 1, s.TilikausiAlku, s.TilikausiLoppu).posted;
+}
+
+bool yearChange(const World& w, const Ready& ready)
+{
+    TilikaudenVaihto vaihto(openBooks(w));
+    ready();
+    return vaihto.suorita(2, true);
+}
+
+bool maintenance(const World& w, const Ready& ready, const QString& command)
+{
+    YesDialogs& dialogs = static_cast<YesDialogs&>(Dialogs::instance());
+    dialogs.answer = command;
+    const QSqlDatabase db = openBooks(w);
+    ready();
+    DatabaseMaintenance::run(db);
+    return !dialogs.shown.isEmpty() && !dialogs.shown.last().startsWith(QStringLiteral("virhe"));
+}
+
+bool reorganise(const World& w, const Ready& ready)
+{
+    useWorld(w);
+    ready();
+    return DatabaseCommands::backupAndReorganize();
+}
+
+bool stickBackup(const World& w, const Ready& ready)
+{
+    useWorld(w);
+    ready();
+    WorldDrives drives(w.stick());
+    Drives::install(&drives);
+    StickBackup backup(w.books());
+    backup.today = BackupDay;
+    const bool ok = backup.find() == StickBackup::Found::Ready && backup.copy().ok && backup.compact().ok;
+    Drives::install(nullptr);
+    return ok;
+}
+
+bool restore(const World& w, const Ready& ready)
+{
+    useWorld(w);
+    ready();
+    return StickRestore::restore(w.restoreSource()) == StickRestore::Outcome::Restored;
+}
+
+const QList<Operation>& operations()
+{
+    static const QList<Operation> list {
+        { "tosite", "Tositteen tallennus (10 vientiä)", saveVoucher },
+        { "poisto", "Tositteen poisto", deleteVoucher },
+        { "tili", "Tilin tallennus", saveAccount },
+        { "malli", "Mallin ja sen rivien tallennus", saveTemplate },
+        { "voitto", "Automaattikirjaukset", profitEntries },
+        { "vaihto", "Tilikauden vaihto", yearChange },
+        { "huolto", "Muokkaa tietokantaa: POISTA NYKYISET TOSITTEET",
+            [](const World& w, const Ready& ready) {
+                return maintenance(w, ready, QStringLiteral("POISTA NYKYISET TOSITTEET"));
+            } },
+        { "jarjestely", "Varmuuskopiointi ja uudelleenjärjestely", reorganise },
+        { "tikku", "Tikkuvarmistus: kopio ja tiivistys", stickBackup },
+        { "palautus", "Palautus tikulta", restore },
+    };
+    return list;
+}
+
+const Operation* findOperation(const QString& name)
+{
+    for (const Operation& op : operations())
+        if (name == QLatin1String(op.name))
+            return &op;
+    return nullptr;
+}
+
+// The child: performs the operation, tells the parent when its writing begins and prints how
+// long the writing took in microseconds.
+int child(const QString& name, const QString& root)
+{
+    const Operation* op = findOperation(name);
+    if (!op)
+        return 2;
+    YesDialogs dialogs;
+    Dialogs::install(&dialogs);
+    const World w { root };
+    useWorld(w);
+    QElapsedTimer timer;
+    const Ready ready = [&timer] {
+        std::fputs("R\n", stdout);
+        std::fflush(stdout);
+        timer.start();
+    };
+    bool ok = false;
+    try {
+        ok = op->work(w, ready);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "%s\n", e.what());
+    }
+    DBC::instance().SuljeDB();
+    const qint64 took = timer.nsecsElapsed() / 1000;
+    Dialogs::install(nullptr);
+    if (!ok) {
+        for (const QString& s : dialogs.shown)
+            std::fprintf(stderr, "%s\n", qPrintable(s));
+        return 3;
+    }
+    std::printf("%lld\n", static_cast<long long>(took));
+    return 0;
+}
+
+// The books as text: every row of the tables that hold them, values as text, sorted; a table
+// that is missing is named as missing. Empty with `error` set when the file cannot be opened
+// as Vorkam opens it or fails the integrity check.
+QByteArray canonicalDump(const QString& file, QString* error)
+{
+    static const char* const tables[]
+        = { "to", "vi", "toE", "viE", "tl", "ma", "mr", "Settings", "tpPohjat", "vipPohjat" };
+    const QString connection = QStringLiteral("vorkam_powercut_check");
+    const OpenResult opened = DatabaseFile::open(file, connection);
+    if (!opened) {
+        *error = QStringLiteral("ei aukea: ") + opened.message;
+        return {};
+    }
+    QByteArray dump;
+    {
+        const QSqlDatabase db = QSqlDatabase::database(connection, false);
+        QSqlQuery q(db);
+        if (!q.exec(QStringLiteral("PRAGMA integrity_check")) || !q.next()
+            || q.value(0).toString() != u"ok") {
+            *error = QStringLiteral("integrity_check: ") + q.value(0).toString();
+        } else {
+            for (const char* table : tables) {
+                QStringList rows;
+                if (!q.exec(QStringLiteral("SELECT * FROM \"%1\"").arg(QLatin1String(table)))) {
+                    rows << QStringLiteral("(puuttuu)");
+                } else {
+                    while (q.next()) {
+                        QStringList cells;
+                        for (int i = 0; i < q.record().count(); ++i)
+                            cells << (q.isNull(i) ? QStringLiteral("NULL") : q.value(i).toString());
+                        rows << cells.join(u'|');
+                    }
+                }
+                rows.sort();
+                dump += QByteArray(table) + '\n' + rows.join(u'\n').toUtf8() + '\n';
+            }
+        }
+    }
+    DatabaseFile::close(connection);
+    return error->isEmpty() ? dump : QByteArray();
+}
+
+QByteArray hashOf(const QString& file)
+{
+    QFile f(file);
+    QCryptographicHash h(QCryptographicHash::Sha256);
+    if (f.open(QIODevice::ReadOnly))
+        h.addData(&f);
+    return h.result();
+}
+
+bool copyTree(const QString& from, const QString& to)
+{
+    QDir().mkpath(to);
+    const QDir source(from);
+    for (const QFileInfo& f :
+        source.entryInfoList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden)) {
+        const QString target = to + u'/' + f.fileName();
+        if (f.isDir() ? !copyTree(f.filePath(), target) : !QFile::copy(f.filePath(), target))
+            return false;
+    }
+    return true;
+}
+
+struct Tally {
+    int trials = 0;
+    int before = 0;
+    int after = 0;
+    int other = 0;
+    int cut = 0; // killed before it finished
+    qint64 micros = 0;
+};
+
+class Trials {
+public:
+    Trials(const QString& program, int trials, quint32 seed)
+        : m_program(program)
+        , m_trials(trials)
+        , m_random(seed)
+    {
+    }
+
+    // The world every trial starts from: the demo association as the books, a copy of other
+    // books to restore, and whatever opening the books writes already written.
+    bool prepare(const QString& demo)
+    {
+        m_base = World { m_dir.path() + QStringLiteral("/alku") };
+        QDir().mkpath(m_base.data());
+        QDir().mkpath(m_base.stick());
+        QDir().mkpath(m_base.root + QStringLiteral("/bin"));
+        QDir().mkpath(m_base.root + QStringLiteral("/varmistus"));
+        QDir().mkpath(m_base.root + QStringLiteral("/config"));
+        QDir().mkpath(QFileInfo(m_base.restoreSource()).absolutePath());
+        if (!QFile::copy(demo, m_base.books()) || !QFile::copy(demo, m_base.restoreSource()))
+            return false;
+        QFile::setPermissions(m_base.books(), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QFile::setPermissions(m_base.restoreSource(), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        bool ok = openBooks(m_base).isOpen();
+        DBC::instance().SuljeDB();
+        // The copy to restore differs from the books: its last vouchers are gone.
+        ProgramSettings::installation().Database = m_base.restoreSource();
+        {
+            const QSqlDatabase other = DBC::instance().AvaaDB();
+            ok = ok && other.isOpen()
+                && QSqlQuery(other).exec(QStringLiteral(
+                    "DELETE FROM vi WHERE vitoID IN (SELECT toID FROM \"to\" ORDER BY toID DESC LIMIT 5)"))
+                && QSqlQuery(other).exec(QStringLiteral(
+                    "DELETE FROM \"to\" WHERE toID IN (SELECT toID FROM \"to\" ORDER BY toID DESC LIMIT 5)"));
+        }
+        DBC::instance().SuljeDB();
+        QString error;
+        m_beforeDump = canonicalDump(m_base.books(), &error);
+        m_beforeBytes = hashOf(m_base.books());
+        return ok && error.isEmpty();
+    }
+
+    // All trials of one operation; false when any found the books damaged or in a third state.
+    bool run(const Operation& op, Tally& tally)
+    {
+        QTextStream out(stdout);
+        // The whole operation once, for the state after it and its duration.
+        const World finished = fresh(QStringLiteral("valmis-") + QLatin1String(op.name));
+        QProcess p;
+        start(p, op, finished);
+        if (!p.waitForFinished(600000) || p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0) {
+            out << op.name << ": toiminto ei onnistu: " << p.readAllStandardError() << Qt::endl;
+            return false;
+        }
+        const QList<QByteArray> lines = p.readAllStandardOutput().split('\n');
+        tally.micros = lines.size() > 1 ? lines[1].toLongLong() : 0;
+        QString error;
+        const QByteArray afterDump = canonicalDump(finished.books(), &error);
+        if (!error.isEmpty()) {
+            out << op.name << ": valmiit kirjat: " << error << Qt::endl;
+            return false;
+        }
+        QDir(finished.root).removeRecursively();
+
+        bool ok = true;
+        for (int i = 0; i < m_trials; ++i) {
+            const World w = fresh(QStringLiteral("koe"));
+            QProcess c;
+            start(c, op, w);
+            // The cut lands anywhere from the start of the operation to a little past its
+            // measured end.
+            const qint64 delay = qint64(m_random.bounded(quint32(tally.micros * 11 / 10 + 1)));
+            bool ready = false;
+            while (!ready && c.waitForReadyRead(60000))
+                ready = c.peek(2).startsWith('R');
+            QThread::usleep(quint64(delay));
+            c.kill();
+            c.waitForFinished(60000);
+            ++tally.trials;
+            if (c.exitStatus() == QProcess::CrashExit)
+                ++tally.cut;
+            const QString verdict = check(w, afterDump, op, tally);
+            if (!verdict.isEmpty()) {
+                ok = false;
+                out << op.name << " koe " << i + 1 << " (" << delay << " µs): " << verdict << Qt::endl;
+            }
+            QDir(w.root).removeRecursively();
+        }
+        return ok;
+    }
+
+private:
+    World fresh(const QString& name)
+    {
+        const World w { m_dir.path() + u'/' + name };
+        QDir(w.root).removeRecursively();
+        copyTree(m_base.root, w.root);
+        return w;
+    }
+
+    void start(QProcess& p, const Operation& op, const World& w)
+    {
+        p.setProcessChannelMode(QProcess::SeparateChannels);
+        p.start(m_program, { QStringLiteral("--child"), QLatin1String(op.name), w.root });
+        p.waitForStarted();
+    }
+
+    // Empty when the books are sound and either before or after; else what is wrong.
+    QString check(const World& w, const QByteArray& afterDump, const Operation& op, Tally& tally)
+    {
+        const QByteArray bytes = hashOf(w.books());
+        QString error;
+        const QByteArray now = canonicalDump(w.books(), &error);
+        if (!error.isEmpty()) {
+            ++tally.other;
+            return error;
+        }
+        // A copy on the stick is either absent or whole books.
+        if (QLatin1String(op.name) == u"tikku" && QFileInfo::exists(w.stickCopy())) {
+            const QByteArray copy = canonicalDump(w.stickCopy(), &error);
+            if (copy != m_beforeDump) {
+                ++tally.other;
+                return QStringLiteral("tikun kopio: ")
+                    + (error.isEmpty() ? QStringLiteral("eri sisältö") : error);
+            }
+        }
+        // Compaction keeps every row: there the file itself tells whether it was replaced.
+        if (now == m_beforeDump && (afterDump != m_beforeDump || bytes == m_beforeBytes))
+            ++tally.before;
+        else if (now == afterDump)
+            ++tally.after;
+        else {
+            ++tally.other;
+            return QStringLiteral("kirjat eivät ole kummassakaan tilassa");
+        }
+        return {};
+    }
+
+    QString m_program;
+    int m_trials;
+    QRandomGenerator m_random;
+    QTemporaryDir m_dir;
+    World m_base;
+    QByteArray m_beforeDump;
+    QByteArray m_beforeBytes;
+};
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    if (args.size() == 4 && args[1] == u"--child")
+        return child(args[2], args[3]);
+
+    int trials = 20;
+    quint32 seed = QRandomGenerator::global()->generate();
+    QString only;
+    QString demo = QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb");
+    for (int i = 1; i + 1 < args.size(); i += 2) {
+        if (args[i] == u"--trials")
+            trials = args[i + 1].toInt();
+        else if (args[i] == u"--operation")
+            only = args[i + 1];
+        else if (args[i] == u"--seed")
+            seed = args[i + 1].toUInt();
+        else if (args[i] == u"--books")
+            demo = args[i + 1];
+    }
+    if (!only.isEmpty() && !findOperation(only)) {
+        std::fprintf(stderr, "Tuntematon toiminto: %s\n", qPrintable(only));
+        return 2;
+    }
+
+    QTextStream out(stdout);
+    out << "siemen " << seed << ", " << trials << " koetta toimintoa kohden" << Qt::endl;
+    Trials t(app.applicationFilePath(), trials, seed);
+    if (!t.prepare(demo)) {
+        out << "Lähtötilanteen kirjoja ei voitu tehdä: " << demo << Qt::endl;
+        return 2;
+    }
+    bool ok = true;
+    out << "| Toiminto | Kesto (ms) | Kokeita | Katkaistu kesken | Ennen | Jälkeen | Muu "
+           "|\n|---|---|---|---|---|---|---|"
+        << Qt::endl;
+    for (const Operation& op : operations()) {
+        if (!only.isEmpty() && only != QLatin1String(op.name))
+            continue;
+        Tally tally;
+        ok = t.run(op, tally) && ok;
+        out << "| " << op.caption << " | " << tally.micros / 1000 << " | " << tally.trials << " | "
+            << tally.cut << " | " << tally.before << " | " << tally.after << " | " << tally.other << " |"
+            << Qt::endl;
+    }
+    return ok ? 0 : 1;
+}

@@ -5,6 +5,7 @@
 #include "Dialogs.h"
 #include "IncomeStatement.h"
 #include "ProfitEntries.h"
+#include "TemplateTree.h"
 #include "Transaction.h"
 #include "cMalli.h"
 
@@ -19,6 +20,24 @@ int kindOf(const QSqlDatabase& db, qint32 templateId)
     return kind.isValid() ? kind.toInt() : 0;
 }
 
+namespace {
+
+// Rows whose group links never reach a main group (a cycle, a missing group) are left out of
+// the statement; the user is told how many, so that a total that looks short is explained.
+void tellRowsOutsideTree(const QSqlDatabase& db, qint32 templateId)
+{
+    const TemplateTree tree = TemplateTree::load(db, templateId);
+    const size_t outside = tree.rows().size() - tree.printOrder().size();
+    if (outside > 0)
+        Dialogs::instance().information(
+            QStringLiteral("Mallissa on %1 riviä, jotka eivät kuulu mihinkään pääryhmään (ryhmät muodostavat "
+                           "kehän tai ryhmä puuttuu). Niitä ei lasketa.\nKorjaa malli Tulos ja tase "
+                           "-ikkunassa; mallien tarkistus näyttää rivit.")
+                .arg(outside));
+}
+
+} // namespace
+
 bool compute(const QSqlDatabase& db, const StatementOptions& options)
 {
     const int kind = kindOf(db, options.templateId);
@@ -30,6 +49,7 @@ bool compute(const QSqlDatabase& db, const StatementOptions& options)
         Dialogs::instance().information(BalanceSheet::noIncomeStatementMessage());
         return false;
     }
+    tellRowsOutsideTree(db, options.templateId);
     Transaction t(db);
     if (kind == cMalli::Tuloslaskelma) {
         ProfitEntries::post(db, options.templateId, options.start, options.end);

@@ -329,6 +329,10 @@ void tst_DamagedFiles::report()
         env.path(QStringLiteral("tula.pdf")) });
     QVERIFY2(!statement.crashed, qPrintable(statement.err));
     QVERIFY2(statement.code == 0 || !statement.err.trimmed().isEmpty(), "a refusal is explained");
+    // Rows left out of the statement are told, so that a short total is explained.
+    if (kind == u"template group cycle")
+        QVERIFY2(statement.err.contains(QStringLiteral("eivät kuulu mihinkään pääryhmään")),
+            qPrintable(statement.err));
     if (start != Opened && start != ReadOnly)
         QCOMPARE(hashOf(file), before);
 }

@@ -5,6 +5,7 @@
 // the books are opened and checked as at start and the statements are computed, against the same
 // targets as on the fresh file. The file named is not changed.
 #include "BalanceSheet.h"
+#include "BenchSql.h"
 #include "DBC.h"
 #include "DatabaseFile.h"
 #include "IncomeStatement.h"
@@ -33,19 +34,6 @@ constexpr int Balance = 920002;
 // Vouchers a year: as many as the file's own year holds (100,000 in the stress association).
 int YearVouchers = 100000;
 
-bool exec(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {})
-{
-    QSqlQuery q(db);
-    q.prepare(sql);
-    for (const QVariant& v : values)
-        q.addBindValue(v);
-    if (!q.exec()) {
-        std::fprintf(stderr, "%s: %s\n", qPrintable(sql), qPrintable(q.lastError().text()));
-        return false;
-    }
-    return true;
-}
-
 QVariant scalar(const QSqlDatabase& db, const QString& sql)
 {
     QSqlQuery q(db);
@@ -70,17 +58,17 @@ QString accountList(const QSqlDatabase& db, int from, int to)
 bool makeTemplates(const QSqlDatabase& db)
 {
     Transaction t(db);
-    bool ok
-        = exec(db, QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (9990, 'Tulos', ' ')"))
-        && exec(db,
+    bool ok = benchSql(db,
+                  QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (9990, 'Tulos', ' ')"))
+        && benchSql(db,
             QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (2999, 'Tulos (tase)', ' ')"));
     const QString balanceProfit = accountList(db, 2999, 3000);
     ProgramSettings::bookkeeping().VoittoTaseella = balanceProfit.chopped(1).toInt();
     ok = ok
-        && exec(db,
+        && benchSql(db,
             QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'TL', 1, 0)"),
             { Income })
-        && exec(db,
+        && benchSql(db,
             QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'Tase', 2, ?)"),
             { Balance, Income });
     const QString insertRow = QStringLiteral(
@@ -89,7 +77,7 @@ bool makeTemplates(const QSqlDatabase& db)
     const auto row = [&](int ma, const char* teksti, const QString& tilit, const char* side, int parent,
                          int order, bool profit = false, bool turnover = false) {
         ok = ok
-            && exec(db, insertRow,
+            && benchSql(db, insertRow,
                 { ma, QString::fromUtf8(teksti), tilit, QString::fromLatin1(side), profit ? 1 : 0,
                     turnover ? 1 : 0, parent, order });
         return scalar(db, QStringLiteral("SELECT last_insert_rowid()")).toInt();

@@ -3,6 +3,7 @@
 // FROM vi of the same rows on another copy. The stress association has no templates, so a
 // balance sheet over its accounts, its income statement and the two profit accounts are made
 // on the copy first. The file named on the command line is not changed.
+#include "BenchSql.h"
 #include "DBC.h"
 #include "Paths.h"
 #include "ProgramSettings.h"
@@ -22,19 +23,6 @@
 #include <map>
 
 namespace {
-
-bool run(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {})
-{
-    QSqlQuery q(db);
-    q.prepare(sql);
-    for (const QVariant& v : values)
-        q.addBindValue(v);
-    if (!q.exec()) {
-        std::fprintf(stderr, "%s: %s\n", qPrintable(sql), qPrintable(q.lastError().text()));
-        return false;
-    }
-    return true;
-}
 
 qint64 count(const QSqlDatabase& db, const QString& table)
 {
@@ -65,18 +53,20 @@ qint32 makeTemplates(const QSqlDatabase& db)
     constexpr int Balance = 910002;
     Transaction t(db);
     const QString incomeRows = accounts(db, 3000, 9990);
-    run(db,
+    benchSql(db,
         QStringLiteral(
             "INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (9990, 'Tulos (tuloslaskelma)', ' ')"));
     const QString incomeProfit = accounts(db, 9990, 9991);
-    run(db, QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (2999, 'Tulos (tase)', ' ')"));
+    benchSql(
+        db, QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (2999, 'Tulos (tase)', ' ')"));
     const QString balanceProfit = accounts(db, 2999, 3000);
     ProgramSettings::bookkeeping().VoittoTaseella = balanceProfit.chopped(1).toInt();
-    run(db,
+    benchSql(db,
         QStringLiteral(
             "INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'Tuloslaskelma', 1, 0)"),
         { Income });
-    run(db, QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'Tase', 2, ?)"),
+    benchSql(db,
+        QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'Tase', 2, ?)"),
         { Balance, Income });
     const QString insertRow = QStringLiteral("INSERT INTO mr (mrID, mrmaID, mrTeksti, mrTilit, mrSaldoPuoli, "
                                              "mrIsVoitto, mrBelongsToGroup, mrGroupOrder) "
@@ -84,7 +74,7 @@ qint32 makeTemplates(const QSqlDatabase& db)
     int id = 910000;
     const auto row = [&](int ma, const QString& teksti, const QString& tilit, const QString& side, int parent,
                          bool profit = false) {
-        run(db, insertRow, { ++id, ma, teksti, tilit, side, profit ? 1 : 0, parent, id });
+        benchSql(db, insertRow, { ++id, ma, teksti, tilit, side, profit ? 1 : 0, parent, id });
         return id;
     };
     row(Income, QStringLiteral("Tuotot ja kulut"), incomeRows, QStringLiteral("K"), 0);
@@ -108,20 +98,20 @@ double bareInsertMs(const QString& file)
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
         db.setDatabaseName(file);
         if (db.open()) {
-            run(db, QStringLiteral("PRAGMA synchronous=FULL"));
-            run(db, QStringLiteral("BEGIN"));
-            run(db, QStringLiteral("DELETE FROM viE"));
-            run(db, QStringLiteral("DELETE FROM toE"));
+            benchSql(db, QStringLiteral("PRAGMA synchronous=FULL"));
+            benchSql(db, QStringLiteral("BEGIN"));
+            benchSql(db, QStringLiteral("DELETE FROM viE"));
+            benchSql(db, QStringLiteral("DELETE FROM toE"));
             QElapsedTimer t;
             t.start();
-            if (run(db,
+            if (benchSql(db,
                     QStringLiteral("INSERT INTO viE (viEID, viEtlID, viEtoID, viETyyppi, viEArvo, viESelite, "
                                    "viEAvausvienti, "
                                    "viEPaatosvienti, viEAutomaatti) SELECT viID, vitlID, vitoID, viTyyppi, "
                                    "viArvo, viSelite, "
                                    "viAvausvienti, viPaatosvienti, viAutomaatti FROM vi")))
                 ms = double(t.nsecsElapsed()) / 1e6;
-            run(db, QStringLiteral("ROLLBACK"));
+            benchSql(db, QStringLiteral("ROLLBACK"));
             db.close();
         }
     }

@@ -21,3 +21,17 @@ inline bool benchSql(const QSqlDatabase& db, const QString& sql, const QVariantL
     }
     return true;
 }
+
+// The keys of the accounts whose numbers lie in [from, to), as a template's account list.
+inline QString benchAccountList(const QSqlDatabase& db, int from, int to)
+{
+    QString list;
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT tlID FROM tl WHERE tlNumero >= ? AND tlNumero < ? ORDER BY tlNumero"));
+    q.addBindValue(from);
+    q.addBindValue(to);
+    q.exec();
+    while (q.next())
+        list += q.value(0).toString() + u',';
+    return list;
+}

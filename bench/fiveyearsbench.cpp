@@ -40,19 +40,6 @@ QVariant scalar(const QSqlDatabase& db, const QString& sql)
     return q.exec(sql) && q.next() ? q.value(0) : QVariant();
 }
 
-QString accountList(const QSqlDatabase& db, int from, int to)
-{
-    QString list;
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT tlID FROM tl WHERE tlNumero >= ? AND tlNumero < ? ORDER BY tlNumero"));
-    q.addBindValue(from);
-    q.addBindValue(to);
-    q.exec();
-    while (q.next())
-        list += q.value(0).toString() + u',';
-    return list;
-}
-
 // An income statement over 3000–9989 with its profit row and a balance sheet over 1000–2999
 // with the balance sheet's profit account.
 bool makeTemplates(const QSqlDatabase& db)
@@ -62,7 +49,7 @@ bool makeTemplates(const QSqlDatabase& db)
                   QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (9990, 'Tulos', ' ')"))
         && benchSql(db,
             QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (2999, 'Tulos (tase)', ' ')"));
-    const QString balanceProfit = accountList(db, 2999, 3000);
+    const QString balanceProfit = benchAccountList(db, 2999, 3000);
     ProgramSettings::bookkeeping().VoittoTaseella = balanceProfit.chopped(1).toInt();
     ok = ok
         && benchSql(db,
@@ -82,12 +69,12 @@ bool makeTemplates(const QSqlDatabase& db)
                     turnover ? 1 : 0, parent, order });
         return scalar(db, QStringLiteral("SELECT last_insert_rowid()")).toInt();
     };
-    row(Income, "Tuotot ja kulut", accountList(db, 3000, 9990), "K", 0, 1, false, true);
-    row(Income, "Tilikauden tulos", accountList(db, 9990, 9991), "K", 0, 2, true);
+    row(Income, "Tuotot ja kulut", benchAccountList(db, 3000, 9990), "K", 0, 1, false, true);
+    row(Income, "Tilikauden tulos", benchAccountList(db, 9990, 9991), "K", 0, 2, true);
     const int assets = row(Balance, "Vastaavaa", QString(), "D", 0, 1);
-    row(Balance, "Vastaavat", accountList(db, 1000, 2000), "D", assets, 1);
+    row(Balance, "Vastaavat", benchAccountList(db, 1000, 2000), "D", assets, 1);
     const int liabilities = row(Balance, "Vastattavaa", QString(), "K", 0, 2);
-    row(Balance, "Pääoma ja velat", accountList(db, 2000, 2999), "K", liabilities, 1);
+    row(Balance, "Pääoma ja velat", benchAccountList(db, 2000, 2999), "K", liabilities, 1);
     row(Balance, "Tilikauden tulos", balanceProfit, "K", liabilities, 2);
     // The balance sheet's profit account is kept in the books, as the settings window keeps it.
     return ok && ProgramSettings::saveBookkeeping(db) && t.commit();

@@ -31,20 +31,6 @@ qint64 count(const QSqlDatabase& db, const QString& table)
                                                                                     : -1;
 }
 
-// Account keys of the chart whose numbers lie in [from, to), as a template's account list.
-QString accounts(const QSqlDatabase& db, int from, int to)
-{
-    QString list;
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("SELECT tlID FROM tl WHERE tlNumero >= ? AND tlNumero < ? ORDER BY tlNumero"));
-    q.addBindValue(from);
-    q.addBindValue(to);
-    q.exec();
-    while (q.next())
-        list += q.value(0).toString() + u',';
-    return list;
-}
-
 // An income statement over 3000–9989 with its profit row, and a balance sheet over 1000–2999 whose
 // profit row holds the balance sheet's profit account. Gives the balance sheet's key.
 qint32 makeTemplates(const QSqlDatabase& db)
@@ -52,14 +38,14 @@ qint32 makeTemplates(const QSqlDatabase& db)
     constexpr int Income = 910001;
     constexpr int Balance = 910002;
     Transaction t(db);
-    const QString incomeRows = accounts(db, 3000, 9990);
+    const QString incomeRows = benchAccountList(db, 3000, 9990);
     benchSql(db,
         QStringLiteral(
             "INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (9990, 'Tulos (tuloslaskelma)', ' ')"));
-    const QString incomeProfit = accounts(db, 9990, 9991);
+    const QString incomeProfit = benchAccountList(db, 9990, 9991);
     benchSql(
         db, QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (2999, 'Tulos (tase)', ' ')"));
-    const QString balanceProfit = accounts(db, 2999, 3000);
+    const QString balanceProfit = benchAccountList(db, 2999, 3000);
     ProgramSettings::bookkeeping().VoittoTaseella = balanceProfit.chopped(1).toInt();
     benchSql(db,
         QStringLiteral(
@@ -80,9 +66,10 @@ qint32 makeTemplates(const QSqlDatabase& db)
     row(Income, QStringLiteral("Tuotot ja kulut"), incomeRows, QStringLiteral("K"), 0);
     row(Income, QStringLiteral("Tilikauden tulos"), incomeProfit, QStringLiteral("K"), 0, true);
     const int vastaavaa = row(Balance, QStringLiteral("Vastaavaa"), QString(), QStringLiteral("D"), 0);
-    row(Balance, QStringLiteral("Vastaavat"), accounts(db, 1000, 2000), QStringLiteral("D"), vastaavaa);
+    row(Balance, QStringLiteral("Vastaavat"), benchAccountList(db, 1000, 2000), QStringLiteral("D"),
+        vastaavaa);
     const int vastattavaa = row(Balance, QStringLiteral("Vastattavaa"), QString(), QStringLiteral("K"), 0);
-    row(Balance, QStringLiteral("Pääoma ja velat"), accounts(db, 2000, 2999), QStringLiteral("K"),
+    row(Balance, QStringLiteral("Pääoma ja velat"), benchAccountList(db, 2000, 2999), QStringLiteral("K"),
         vastattavaa);
     row(Balance, QStringLiteral("Tilikauden tulos"), balanceProfit, QStringLiteral("K"), vastattavaa);
     t.commit();

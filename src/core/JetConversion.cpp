@@ -481,20 +481,17 @@ JetConversion::Result JetConversion::convert(const QString& path) const
         return refuse(
             QStringLiteral("Muunnettu kirjanpito ei läpäissyt tarkistusta: %1").arg(checked.message));
 
-    // The old file steps aside under its kept name and the new book takes its place.
+    // The old file is kept as a copy under its kept name, and the new book replaces it in one
+    // rename: whenever the program is stopped, the books' name holds the old file or the new one.
     FileOps& ops = FileOps::instance();
     r.original = keptName(path);
-    if (!ops.rename(r.books, r.original))
-        return refuse(QStringLiteral("Alkuperäistä tiedostoa ei voitu nimetä uudelleen nimelle %1.")
+    if (!ops.copy(r.books, r.original))
+        return refuse(QStringLiteral("Alkuperäistä tiedostoa ei voitu tallentaa nimelle %1.")
                           .arg(QDir::toNativeSeparators(r.original)));
     // The new book may be read and written as the old file could, and by its owner at least.
     QFile::setPermissions(temp.path, permissions | QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    if (!ops.rename(temp.path, r.books)) {
-        if (!ops.rename(r.original, r.books))
-            return refuse(
-                QStringLiteral("Muunnettua kirjanpitoa ei voitu tallentaa nimelle %1. Alkuperäinen tiedosto "
-                               "on tallessa nimellä %2.")
-                    .arg(QDir::toNativeSeparators(r.books), QDir::toNativeSeparators(r.original)));
+    if (!ops.replace(temp.path, r.books)) {
+        ops.remove(r.original);
         return refuse(QStringLiteral("Muunnettua kirjanpitoa ei voitu tallentaa nimelle %1.")
                           .arg(QDir::toNativeSeparators(r.books)));
     }

@@ -4,6 +4,8 @@
 // nothing fails the run.
 //
 //   vorkam_bench FILE.mdb [--runs N]        (make the file with vorkam_stressgen)
+//   vorkam_bench FILE.mdb --reports         (only the reports as whole vorkam_report processes)
+//   vorkam_bench FILE.mdb --five-years      (only five years of use, on a copy)
 //
 // The bench makes and deletes vouchers of its own: the books are left with the same rows, but
 // the key counters of the voucher and entry tables move on.
@@ -154,6 +156,8 @@ int toolsBench(const QSqlDatabase& db);
 int yearChangeBench(const QString& stressFile);
 // Five years of use grown on a copy of the file (fiveyearsbench.cpp).
 int fiveYearsBench(const QString& stressFile);
+// Every report as a whole vorkam_report process on a copy of the file (processbench.cpp).
+int processBench(const QString& stressFile, const QString& binDir);
 
 int run(const QString& file, int runs)
 {
@@ -402,11 +406,14 @@ int main(int argc, char** argv)
     // The optional size: the stress association after five years of use (fiveyearsbench.cpp).
     if (args.size() == 3 && args.at(2) == u"--five-years" && QFileInfo::exists(args.at(1)))
         return fiveYearsBench(QFileInfo(args.at(1)).absoluteFilePath());
+    // Only the reports as whole processes, which need no window and no connection of their own.
+    if (args.size() == 3 && args.at(2) == u"--reports" && QFileInfo::exists(args.at(1)))
+        return processBench(QFileInfo(args.at(1)).absoluteFilePath(), QStringLiteral(VORKAM_BIN_DIR));
     if (args.size() == 4 && args.at(2) == u"--runs")
         runs = args.at(3).toInt();
     if ((args.size() != 2 && args.size() != 4) || runs < 1 || !QFileInfo::exists(args.at(1))) {
         std::fprintf(stderr,
-            "usage: vorkam_bench FILE.mdb [--runs N | --five-years]   (make the file with "
+            "usage: vorkam_bench FILE.mdb [--runs N | --five-years | --reports]   (make the file with "
             "vorkam_stressgen)\n");
         return 2;
     }
@@ -422,5 +429,7 @@ int main(int argc, char** argv)
     if (rc == 0)
         rc = yearChangeBench(QFileInfo(args.at(1)).absoluteFilePath());
     DBC::instance().SuljeDB();
+    if (rc == 0)
+        rc = processBench(QFileInfo(args.at(1)).absoluteFilePath(), QStringLiteral(VORKAM_BIN_DIR));
     return rc;
 }

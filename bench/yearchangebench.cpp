@@ -1,14 +1,13 @@
 // Times the fiscal year change on a copy of the stress association (see README.md): the whole
 // change with its safety copy, and each of its stages, beside a bare INSERT INTO viE SELECT …
-// FROM vi of the same rows on another copy. The stress association has no templates, so a
-// balance sheet over its accounts, its income statement and the two profit accounts are made
-// on the copy first. The file named on the command line is not changed.
+// FROM vi of the same rows on another copy, with the stress association's own balance sheet. The
+// file named on the command line is not changed.
 #include "BenchSql.h"
 #include "DBC.h"
 #include "Paths.h"
 #include "ProgramSettings.h"
+#include "StressBooks.h"
 #include "TilikaudenVaihto.h"
-#include "Transaction.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -29,51 +28,6 @@ qint64 count(const QSqlDatabase& db, const QString& table)
     QSqlQuery q(db);
     return q.exec(QStringLiteral("SELECT COUNT(*) FROM %1").arg(table)) && q.next() ? q.value(0).toLongLong()
                                                                                     : -1;
-}
-
-// An income statement over 3000–9989 with its profit row, and a balance sheet over 1000–2999 whose
-// profit row holds the balance sheet's profit account. Gives the balance sheet's key.
-qint32 makeTemplates(const QSqlDatabase& db)
-{
-    constexpr int Income = 910001;
-    constexpr int Balance = 910002;
-    Transaction t(db);
-    const QString incomeRows = benchAccountList(db, 3000, 9990);
-    benchSql(db,
-        QStringLiteral(
-            "INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (9990, 'Tulos (tuloslaskelma)', ' ')"));
-    const QString incomeProfit = benchAccountList(db, 9990, 9991);
-    benchSql(
-        db, QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (2999, 'Tulos (tase)', ' ')"));
-    const QString balanceProfit = benchAccountList(db, 2999, 3000);
-    ProgramSettings::bookkeeping().VoittoTaseella = balanceProfit.chopped(1).toInt();
-    benchSql(db,
-        QStringLiteral(
-            "INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'Tuloslaskelma', 1, 0)"),
-        { Income });
-    benchSql(db,
-        QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi, maTulosMaID) VALUES (?, 'Tase', 2, ?)"),
-        { Balance, Income });
-    const QString insertRow = QStringLiteral("INSERT INTO mr (mrID, mrmaID, mrTeksti, mrTilit, mrSaldoPuoli, "
-                                             "mrIsVoitto, mrBelongsToGroup, mrGroupOrder) "
-                                             "VALUES (?, ?, ?, ?, ?, ?, ?, ?)");
-    int id = 910000;
-    const auto row = [&](int ma, const QString& teksti, const QString& tilit, const QString& side, int parent,
-                         bool profit = false) {
-        benchSql(db, insertRow, { ++id, ma, teksti, tilit, side, profit ? 1 : 0, parent, id });
-        return id;
-    };
-    row(Income, QStringLiteral("Tuotot ja kulut"), incomeRows, QStringLiteral("K"), 0);
-    row(Income, QStringLiteral("Tilikauden tulos"), incomeProfit, QStringLiteral("K"), 0, true);
-    const int vastaavaa = row(Balance, QStringLiteral("Vastaavaa"), QString(), QStringLiteral("D"), 0);
-    row(Balance, QStringLiteral("Vastaavat"), benchAccountList(db, 1000, 2000), QStringLiteral("D"),
-        vastaavaa);
-    const int vastattavaa = row(Balance, QStringLiteral("Vastattavaa"), QString(), QStringLiteral("K"), 0);
-    row(Balance, QStringLiteral("Pääoma ja velat"), benchAccountList(db, 2000, 2999), QStringLiteral("K"),
-        vastattavaa);
-    row(Balance, QStringLiteral("Tilikauden tulos"), balanceProfit, QStringLiteral("K"), vastattavaa);
-    t.commit();
-    return Balance;
 }
 
 // The bare copy of the entries into the history, after the same deletion the change makes.
@@ -140,9 +94,11 @@ int yearChangeBench(const QString& stressFile)
     if (!db.isOpen()) {
         std::fprintf(stderr, "the copy of the stress file could not be opened\n");
         rc = 1;
+    } else if (!StressBooks::present(db)) {
+        rc = 1;
     } else {
         ProgramSettings::loadBookkeeping(db, copy);
-        const qint32 malli = makeTemplates(db);
+        const qint32 malli = StressBooks::BalanceTemplate;
         const qint64 entries = count(db, QStringLiteral("vi"));
         const qint64 previous = count(db, QStringLiteral("viE"));
 

@@ -1,8 +1,10 @@
 #include "cTiliTarkastelut.h"
 
+#include "ComputedEntries.h"
 #include "DatabaseError.h"
 #include "Dates.h"
 #include "RowReader.h"
+#include "Schema.h"
 #include "Transaction.h"
 
 #include <QVariant>
@@ -11,8 +13,9 @@ namespace {
 
 // The entries of one account in inspection order. The order ends in the entry's own key, so the
 // rows in memory and the rows written by one statement below come out alike.
-const QString Entries = QStringLiteral(
-    "FROM vi INNER JOIN \"to\" ON \"to\".toID = vi.vitoID WHERE \"to\".toNumero >= 0 AND vi.vitlID = ?");
+const QString Entries
+    = QStringLiteral("FROM vi INNER JOIN \"to\" ON \"to\".toID = vi.vitoID WHERE \"to\".toNumero >= 0 AND "
+                     "\"to\".toAutomaatti = 0 AND vi.viAutomaatti = 0 AND vi.vitlID = ?");
 const QString Order = QStringLiteral("ORDER BY \"to\".toPvm, \"to\".toNumero, vi.viID");
 
 } // namespace
@@ -24,7 +27,7 @@ cTiliTarkastelut::cTiliTarkastelut(const QSqlDatabase& db)
 
 void cTiliTarkastelut::Tyhjenna() { Sql::run(m_db, QStringLiteral("DELETE FROM tlTarkastelut")); }
 
-void cTiliTarkastelut::Laske(qint32 tili, bool tyotaulu)
+void cTiliTarkastelut::Laske(qint32 tili)
 {
     std::vector<Rivi> rivit;
     Money debet, kredit;
@@ -52,7 +55,25 @@ void cTiliTarkastelut::Laske(qint32 tili, bool tyotaulu)
         r.erotus = debet - kredit;
         rivit.push_back(std::move(r));
     }
-    if (tyotaulu) {
+    // The year's result lies on the profit accounts only as computed entries: shown last, marked.
+    const std::vector<ComputedEntries::Entry> lasketut = ComputedEntries::forAccount(m_db, tili);
+    for (const ComputedEntries::Entry& e : lasketut) {
+        Rivi r;
+        r.numero = Laskettu;
+        r.paiva = e.date;
+        r.selite = e.text;
+        if (e.type == u"D") {
+            r.debet = e.amount;
+            debet += e.amount;
+        } else {
+            r.kredit = e.amount;
+            kredit += e.amount;
+        }
+        r.erotus = debet - kredit;
+        rivit.push_back(std::move(r));
+    }
+    Schema::createWorkTables(m_db);
+    {
         // Thousands of rows: one statement writes them all, the running balance summed by the
         // database in the same order as above.
         Transaction transaction(m_db);
@@ -69,6 +90,14 @@ void cTiliTarkastelut::Laske(qint32 tili, bool tyotaulu)
                            "END) OVER (")
                 + Order + QStringLiteral(" ROWS UNBOUNDED PRECEDING) ") + Entries + u' ' + Order,
             { tili });
+        for (size_t i = rivit.size() - lasketut.size(); i < rivit.size(); ++i) {
+            const Rivi& r = rivit[i];
+            Sql::run(m_db,
+                QStringLiteral(
+                    "INSERT INTO tlTarkastelut (Numero, Paiva, Selite, Debet, Kredit, Erotus) VALUES "
+                    "(NULL, ?, ?, ?, ?, ?)"),
+                { Dates::toSql(r.paiva), r.selite, r.debet.raw(), r.kredit.raw(), r.erotus.raw() });
+        }
         transaction.commitOrThrow();
     }
     m_rivit = std::move(rivit);

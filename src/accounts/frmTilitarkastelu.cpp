@@ -90,35 +90,28 @@ void frmTilitarkastelu::Paivita()
         return;
     }
     WaitCursor wait;
-    // Books open for reading only are inspected all the same; only the report's table is not written.
-    const bool tyotaulu = !DatabaseFile::isReadOnly(m_db);
     cTiliTarkastelut tarkastelu(m_db);
-    if (!tellIfFails(
-            QStringLiteral("Tilitarkastelua ei voitu laskea."), [&] { tarkastelu.Laske(valittu, tyotaulu); }))
+    if (!tellIfFails(QStringLiteral("Tilitarkastelua ei voitu laskea."), [&] { tarkastelu.Laske(valittu); }))
         return;
     // The rows are formatted as the view shows them: the busiest account has tens of thousands.
     m_rivit = tarkastelu.rivit();
     m_model->setRows(int(m_rivit.size()), [this](int i) {
         const auto summa = [](Money m) { return m.isZero() ? QString() : m.toCurrencyString(); };
         const cTiliTarkastelut::Rivi& r = m_rivit[size_t(i)];
-        return TextTableModel::Row { { QString::number(r.numero), Dates::format(r.paiva), r.selite.trimmed(),
-                                         summa(r.debet), summa(r.kredit), r.erotus.toCurrencyString() },
+        const QString numero = r.numero == cTiliTarkastelut::Laskettu ? QString() : QString::number(r.numero);
+        return TextTableModel::Row { { numero, Dates::format(r.paiva), r.selite.trimmed(), summa(r.debet),
+                                         summa(r.kredit), r.erotus.toCurrencyString() },
             r.toId };
     });
     ui->lblDebetSumma->setText(tarkastelu.debetSumma().toCurrencyString());
     ui->lblKreditSumma->setText(tarkastelu.kreditSumma().toCurrencyString());
     ui->lblErotusSumma->setText(tarkastelu.erotusSumma().toCurrencyString());
     ui->grdTarkastelut->scrollToTop();
-    m_laskettu = tyotaulu ? ui->cmbTili->currentText() : QString();
+    m_laskettu = ui->cmbTili->currentText();
 }
 
 void frmTilitarkastelu::Tulosta()
 {
-    if (DatabaseFile::isReadOnly(m_db)) {
-        Dialogs::instance().information(QStringLiteral(
-            "Kirjanpito on avattu vain lukemista varten, joten tilitarkastelua ei voi tulostaa."));
-        return;
-    }
     if (m_laskettu.isEmpty()) {
         Dialogs::instance().information(QStringLiteral("Valitse ensin tili ja päivitä tilitarkastelu."));
         return;

@@ -85,28 +85,27 @@ namespace ReportCatalog {
 const std::vector<Entry>& entries()
 {
     static const std::vector<Entry> list = {
-        { QStringLiteral("tilit"), QStringLiteral("tililuettelo"), false, false, false, false,
+        { QStringLiteral("tilit"), QStringLiteral("tililuettelo"), false, false, false,
             [](const QSqlDatabase&, const Options&) { return TiliRaportit::tililuettelo(); } },
         { QStringLiteral("tilikart"), QStringLiteral("tilikartta tuloslaskelma- ja tasemallia vasten"), false,
-            false, false, false,
+            false, false,
             [](const QSqlDatabase& db, const Options&) {
                 return TiliRaportit::tilikartta(db, ensimmainenMalli(db, 1), ensimmainenMalli(db, 2));
             } },
-        { QStringLiteral("tilisald"), QStringLiteral("tilien saldot"), true, false, false, false,
+        { QStringLiteral("tilisald"), QStringLiteral("tilien saldot"), false, false, false,
             [](const QSqlDatabase& db, const Options&) {
                 cTilienSaldot saldot(db);
                 saldot.Laske();
                 return TiliRaportit::tilienSaldot();
             } },
         { QStringLiteral("tuloslaskelma"), QStringLiteral("tuloslaskelma mallista (--narrow: suppea)"), true,
-            true, false, false,
+            false, false,
             [](const QSqlDatabase& db, const Options& o) { return statement(db, o, cMalli::Tuloslaskelma); },
             true },
-        { QStringLiteral("tase"), QStringLiteral("tase mallista (--narrow: suppea)"), true, true, false,
-            false, [](const QSqlDatabase& db, const Options& o) { return statement(db, o, cMalli::Tase); },
-            true },
-        { QStringLiteral("tilitark"), QStringLiteral("tilitarkastelu (--account tilinumero)"), true, false,
-            true, false,
+        { QStringLiteral("tase"), QStringLiteral("tase mallista (--narrow: suppea)"), true, false, false,
+            [](const QSqlDatabase& db, const Options& o) { return statement(db, o, cMalli::Tase); }, true },
+        { QStringLiteral("tilitark"), QStringLiteral("tilitarkastelu (--account tilinumero)"), false, true,
+            false,
             [](const QSqlDatabase& db, const Options& o) {
                 if (!o.account)
                     throw ReportError(QStringLiteral("Anna tarkasteltava tili: --account tilinumero."));
@@ -122,13 +121,13 @@ const std::vector<Entry>& entries()
                 return TiliRaportit::tiliTarkastelu(QString::number(*o.account) + u' ' + nimi.trimmed());
             } },
         { QStringLiteral("paivakirja"), QStringLiteral("päiväkirja (--kind, jakso oletuksena tilikausi)"),
-            false, true, false, true,
+            true, false, true,
             [](const QSqlDatabase& db, const Options& o) {
                 const auto [alku, loppu] = jakso(o);
                 return KirjaTulostus::paivakirja(db, laji(o.kind), alku, loppu);
             } },
         { QStringLiteral("paakirja"), QStringLiteral("pääkirja (--kind, jakso oletuksena tilikausi)"), true,
-            true, false, true,
+            false, true,
             [](const QSqlDatabase& db, const Options& o) {
                 const auto [alku, loppu] = jakso(o);
                 const QList<qint32> virheelliset

@@ -12,8 +12,8 @@
 #include <vector>
 
 // The reports vorkam_report writes. Adding a report is one entry: its name, which options it
-// takes, whether it computes a work table first (the books are then opened for writing), and
-// the step that computes that table and builds the job exactly as the report's window does.
+// takes, and the step that computes its work table (the connection's own, never the file's) and
+// builds the job exactly as the report's window does. The books are only read.
 namespace ReportCatalog {
 
 struct Options {
@@ -30,7 +30,6 @@ struct Options {
 struct Entry {
     QString name; // "tilisald"
     QString description; // Finnish, for the usage text
-    bool writesWorkTable = false;
     bool takesPeriod = false;
     bool takesAccount = false;
     bool takesKind = false;

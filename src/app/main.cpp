@@ -1,5 +1,7 @@
+#include "ComputedEntries.h"
 #include "DBC.h"
 #include "Dialogs.h"
+#include "ProfitEntries.h"
 #include "ProgramInfo.h"
 #include "QtDialogs.h"
 #include "frmMain.h"
@@ -26,6 +28,8 @@ int main(int argc, char* argv[])
 
     QtDialogs dialogs;
     Dialogs::install(&dialogs);
+    // The account inspection shows the year's result that the statements compute.
+    ComputedEntries::setSource(ProfitEntries::ofFiscalYear);
 
     int rc = 0;
     {

@@ -6,12 +6,14 @@
 //                 [--narrow] (--pdf F | --csv F | --xlsx F)
 //   vorkam_report OLD.mdb muunna      converts old Jet books into Vorkam's format
 //   vorkam_report BOOKS.mdb tarkistus prints the findings of the voucher check (exit 1 with any)
+#include "ComputedEntries.h"
 #include "DatabaseError.h"
 #include "DatabaseFile.h"
 #include "Dates.h"
 #include "Dialogs.h"
 #include "JetConversion.h"
 #include "PdfWriter.h"
+#include "ProfitEntries.h"
 #include "ProgramInfo.h"
 #include "ProgramSettings.h"
 #include "ReportCatalog.h"
@@ -218,11 +220,13 @@ int convert(const QString& path)
 // Prints each finding of the voucher check on its own line, as the findings window lists them.
 // Opens the books (for reading only when asked), refuses a file that is not Vorkam's books,
 // loads their settings and runs `work` on them; the connection is closed afterwards.
+// A report opens the books for reading only and without the whole-file check, so that a big book
+// starts as fast as a small one; damage met while reading is told all the same (exit 3).
 int withBooks(const QString& books, bool readOnly, const std::function<int(const QSqlDatabase&)>& work,
-    const QString& neededTable = {})
+    bool check = true)
 {
     const QString connection = QStringLiteral("vorkam_report");
-    const OpenResult opened = DatabaseFile::open(books, connection, readOnly);
+    const OpenResult opened = DatabaseFile::open(books, connection, readOnly, check);
     if (!opened) {
         say(stderr,
             QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito tai se on vioittunut.\n%2")
@@ -238,18 +242,17 @@ int withBooks(const QString& books, bool readOnly, const std::function<int(const
                 QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito (taulut %2 puuttuvat).")
                     .arg(books, missing.join(QStringLiteral(", "))));
             rc = BadBooks;
-        } else if (!neededTable.isEmpty() && Schema::tableMissing(db, neededTable)) {
-            say(stderr,
-                QStringLiteral("Kirjanpito %1 on vanhempaa muotoa. Avaa se kerran Vorkamissa, joka päivittää "
-                               "sen, ja aja raportti sitten uudelleen.")
-                    .arg(books));
-            rc = BadBooks;
         } else {
             ProgramSettings::loadBookkeeping(db, books);
             rc = work(db);
         }
     }
     DatabaseFile::close(connection);
+    if (DatabaseFile::damageSeen()) {
+        say(stderr,
+            QStringLiteral("Tiedosto %1 ei ole Vorkamin kirjanpito tai se on vioittunut.").arg(books));
+        return BadBooks;
+    }
     return rc;
 }
 
@@ -306,15 +309,8 @@ int run(const Arguments& a)
         say(stderr, problem);
         return BadBooks;
     }
-    if (entry->writesWorkTable && DatabaseFile::isReadOnly(books)) {
-        say(stderr,
-            QStringLiteral("Kirjanpitoon %1 ei voi kirjoittaa, joten raportin %2 työtaulua ei voi laskea.")
-                .arg(books, entry->name));
-        return BadBooks;
-    }
-    const QString neededTable = entry->writesWorkTable ? QStringLiteral("tlSaldot") : QString();
     return withBooks(
-        books, !entry->writesWorkTable,
+        books, true,
         [&](const QSqlDatabase& db) {
             try {
                 std::unique_ptr<ReportDocument> document;
@@ -347,7 +343,7 @@ int run(const Arguments& a)
             }
             return int(Failed);
         },
-        neededTable);
+        false);
 }
 
 // Qt's remarks about the desktop session it runs without are of no use on a command line.
@@ -367,8 +363,10 @@ int main(int argc, char* argv[])
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("Vorkam"));
+    DatabaseFile::watchForDamage();
     ConsoleDialogs dialogs;
     Dialogs::install(&dialogs);
+    ComputedEntries::setSource(ProfitEntries::ofFiscalYear);
 
     Arguments a;
     const QString problem = parse(QCoreApplication::arguments(), a);

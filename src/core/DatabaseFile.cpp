@@ -14,7 +14,9 @@
 #include <QVariant>
 
 #include <algorithm>
+#include <atomic>
 #include <iterator>
+#include <sqlite3.h>
 
 namespace {
 
@@ -45,6 +47,15 @@ template <typename Work> OpenResult withConnection(const QString& path, bool rea
 
 OpenResult failure(DbError kind, const QString& message) { return OpenResult { kind, message }; }
 
+std::atomic<bool> damage { false };
+
+void logError(void*, int code, const char*)
+{
+    const int primary = code & 0xff;
+    if (primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB)
+        damage = true;
+}
+
 } // namespace
 
 namespace DatabaseFile {
@@ -66,6 +77,10 @@ bool isReadOnly(const QSqlDatabase& db)
 {
     return db.connectOptions().contains(QLatin1String("QSQLITE_OPEN_READONLY"));
 }
+
+bool watchForDamage() { return sqlite3_config(SQLITE_CONFIG_LOG, logError, nullptr) == SQLITE_OK; }
+
+bool damageSeen() { return damage; }
 
 bool isJetFile(const QString& path)
 {
@@ -124,6 +139,9 @@ OpenResult open(const QString& path, const QString& connectionName, bool readOnl
                     q.finish();
                     q.exec(QStringLiteral("PRAGMA synchronous=FULL"));
                 }
+                q.finish();
+                // The reports' work tables live beside the books, never in them.
+                Schema::createWorkTables(db);
             }
         }
         if (!result)

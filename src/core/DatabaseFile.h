@@ -78,6 +78,14 @@ struct RepairResult {
 // leaves no target behind.
 RepairResult repairInto(const QString& source, const QString& target);
 
+// Has the engine report every damaged page or foreign file it meets from now on, on any
+// connection, so that a program that skips the whole-file check at opening still learns of damage
+// met while reading, even where a loop over rows would merely end early. Must be called before
+// the first connection is opened; false when that is too late.
+bool watchForDamage();
+// The engine has met damage since watchForDamage().
+bool damageSeen();
+
 // True when `path` starts like a Jet database ("Standard Jet DB" / "Standard ACE DB").
 bool isJetFile(const QString& path);
 

@@ -136,3 +136,13 @@ QString RowReader::text(int column) const
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(m_sqlite->statement, column));
     return QString::fromUtf8(bytes, sqlite3_column_bytes(m_sqlite->statement, column));
 }
+
+QByteArrayView RowReader::bytes(int column) const
+{
+    if (!m_sqlite) {
+        m_buffer = m_query->value(column).toString().toUtf8();
+        return m_buffer;
+    }
+    const auto* data = reinterpret_cast<const char*>(sqlite3_column_text(m_sqlite->statement, column));
+    return QByteArrayView(data, sqlite3_column_bytes(m_sqlite->statement, column));
+}

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+#include <QByteArrayView>
 #include <QSqlDatabase>
 #include <QString>
 #include <QVariantList>
@@ -26,8 +28,12 @@ public:
     qint64 integer(int column) const;
     double real(int column) const;
     QString text(int column) const;
+    // The text as UTF-8 bytes, valid until the next row: for the hot loops that only compare a
+    // code or read digits, without a QString per cell.
+    QByteArrayView bytes(int column) const;
 
 private:
+    mutable QByteArray m_buffer;
     struct Sqlite;
     std::unique_ptr<Sqlite> m_sqlite;
     std::unique_ptr<QSqlQuery> m_query;

@@ -73,6 +73,30 @@ const CreateTable VipPohjatTable { "vipPohjat",
 const CreateTable* const UpgradeTables[]
     = { &TkTable, &SettingsTable, &TlSaldotTable, &TlTarkastelutTable, &TpPohjatTable, &VipPohjatTable };
 
+// The work tables of the reports in their current layout. Reports never write the books: each
+// connection gets these as TEMP tables, which SQLite finds before the file's tables of the same
+// names, so the file stays byte-identical and read-only books print. The ledger's balances
+// (paakirjaSaldot) have no table in the file at all.
+const char* const WorkTables[] = {
+    "CREATE TEMP TABLE IF NOT EXISTS tula (tulaID INTEGER PRIMARY KEY, tulaTeksti TEXT, tulaTyyppi INTEGER, "
+    "tulaMerkki TEXT, tulaIsGroupRow INTEGER NOT NULL DEFAULT 0, tulaToteutunutKuluva INTEGER, "
+    "tulaToteutunutKuluvaAlusta INTEGER, tulaToteutunutEdellinen INTEGER, tulaToteutunutEdellinenAlusta "
+    "INTEGER, tulaMuutosAlusta INTEGER, tulaProsMuutos REAL, tulaProsMuutosAlusta REAL, tulaProsLvastaKuluva "
+    "REAL, tulaProsLvastaKuluvaAlusta REAL, tulamrID INTEGER)",
+    "CREATE TEMP TABLE IF NOT EXISTS tase (taseID INTEGER PRIMARY KEY, tasetlID INTEGER, taseteksti TEXT, "
+    "taseTyyppi INTEGER, taseMerkki TEXT, taseIsGroupRow INTEGER NOT NULL DEFAULT 0, taseviTyyppi TEXT, "
+    "tasePrintGroup INTEGER, taseAlkusaldo INTEGER, taseLoppusaldo INTEGER, taseLoppusaldoEdellinen INTEGER, "
+    "taseMuutos INTEGER, taseMuutosEdelliseen INTEGER, taseMuutosProsEdelliseen REAL, tasemrID INTEGER)",
+    "CREATE TEMP TABLE IF NOT EXISTS tk (tkID INTEGER PRIMARY KEY, tkTeksti TEXT, tkTyyppi INTEGER, tkParam "
+    "INTEGER)",
+    "CREATE TEMP TABLE IF NOT EXISTS tlSaldot (tlsID INTEGER PRIMARY KEY, Tili TEXT, Debet INTEGER, Kredit "
+    "INTEGER, Erotus INTEGER)",
+    "CREATE TEMP TABLE IF NOT EXISTS tlTarkastelut (tltID INTEGER PRIMARY KEY, Numero INTEGER, Paiva TEXT, "
+    "Selite TEXT, Debet INTEGER, Kredit INTEGER, Erotus INTEGER)",
+    "CREATE TEMP TABLE IF NOT EXISTS paakirjaSaldot (tlID INTEGER PRIMARY KEY, Pvm TEXT, Alkusaldo INTEGER, "
+    "Loppusaldo INTEGER)",
+};
+
 // Fields of the template rows that the model databases carry beyond the oldest layout: an
 // account and an entry side attached to a row. Added, without a step number, to a book that
 // lacks them.
@@ -160,6 +184,36 @@ public:
             if (!stored.isNull() && !exec(0, QStringLiteral("DROP INDEX ") + quoted(name)))
                 return false;
             if (!exec(0, create))
+                return false;
+        }
+        return true;
+    }
+
+    // Earlier versions stored what a report computed: automatic profit vouchers (in both
+    // years) and the ledger's balance rows under a voucher numbered below 0. They are no
+    // bookkeeping of the user's and would unbalance the journal, so they go; a book without them
+    // is not written to.
+    bool removeReportLeftovers()
+    {
+        const char* const leftovers[][2] = {
+            { "SELECT 1 FROM vi WHERE viAutomaatti <> 0 OR vitoID IN (SELECT toID FROM \"to\" WHERE toNumero "
+              "< 0 "
+              "OR toID < 0 OR toAutomaatti <> 0) LIMIT 1",
+                "DELETE FROM vi WHERE viAutomaatti <> 0 OR vitoID IN (SELECT toID FROM \"to\" WHERE toNumero "
+                "< "
+                "0 OR toID < 0 OR toAutomaatti <> 0)" },
+            { "SELECT 1 FROM \"to\" WHERE toAutomaatti <> 0 OR toNumero < 0 OR toID < 0 LIMIT 1",
+                "DELETE FROM \"to\" WHERE toAutomaatti <> 0 OR toNumero < 0 OR toID < 0" },
+            { "SELECT 1 FROM viE WHERE viEAutomaatti <> 0 OR viEtoID IN (SELECT toEID FROM toE WHERE "
+              "toEAutomaatti <> 0) LIMIT 1",
+                "DELETE FROM viE WHERE viEAutomaatti <> 0 OR viEtoID IN (SELECT toEID FROM toE WHERE "
+                "toEAutomaatti <> 0)" },
+            { "SELECT 1 FROM toE WHERE toEAutomaatti <> 0 LIMIT 1",
+                "DELETE FROM toE WHERE toEAutomaatti <> 0" },
+        };
+        for (const auto& [present, remove] : leftovers) {
+            QSqlQuery q(m_db);
+            if (q.exec(QString::fromLatin1(present)) && q.next() && !exec(0, QString::fromLatin1(remove)))
                 return false;
         }
         return true;
@@ -301,6 +355,18 @@ bool reserveIds(const QSqlDatabase& db, const QString& table, qint64 lastUsed, Q
     return ok;
 }
 
+bool createWorkTables(const QSqlDatabase& db, QString* error)
+{
+    QSqlQuery q(db);
+    for (const char* sql : WorkTables)
+        if (!q.exec(QString::fromLatin1(sql))) {
+            if (error)
+                *error = q.lastError().text();
+            return false;
+        }
+    return true;
+}
+
 QString querySql(const QString& name)
 {
     const QString columns = QStringLiteral(
@@ -342,7 +408,8 @@ UpgradeResult UpdateDatabase(const QSqlDatabase& db)
         for (const AddField& f : TemplateRowFields)
             if (!u.addField(0, f))
                 return u.m_result;
-        u.createIndexes();
+        if (u.createIndexes())
+            u.removeReportLeftovers();
     }
     return u.m_result;
 }

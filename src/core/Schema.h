@@ -30,6 +30,11 @@ bool createUpgradeTable(const QSqlDatabase& db, const QString& table, QString* e
 // numbers given before (and perhaps deleted since) are not given again.
 bool reserveIds(const QSqlDatabase& db, const QString& table, qint64 lastUsed, QString* error = nullptr);
 
+// The reports' work tables (tula, tase, tk, tlSaldot, tlTarkastelut and the ledger's balances)
+// as TEMP tables of this connection, which hide the file's tables of the same names. Reading
+// books only, this writes nothing to the file. Harmless when they exist.
+bool createWorkTables(const QSqlDatabase& db, QString* error = nullptr);
+
 struct UpgradeResult {
     bool ok = true;
     // Steps (1–17) that changed something, in the order they ran.
@@ -43,7 +48,8 @@ struct UpgradeResult {
 // exists; the three stored queries are always recreated. A failing step ends the routine:
 // earlier steps stay done and the next run resumes with the first missing item. Finally the
 // template rows' account and side fields (mrtlID, mrviTyyppi) are added when missing, and the
-// indexes that keep queries fast are created when missing.
+// indexes that keep queries fast are created when missing. Last, what earlier versions' reports
+// left in the books (automatic profit vouchers, the ledger's balance rows) is removed.
 UpgradeResult UpdateDatabase(const QSqlDatabase& db);
 
 // The SQL of the stored queries viennit, viennitA and viennitL.

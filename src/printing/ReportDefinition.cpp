@@ -164,6 +164,10 @@ ReportDefinition ReportDefinition::parse(const QByteArray& json, const QString& 
     if (!d.select.trimmed().startsWith(QLatin1String("SELECT"), Qt::CaseInsensitive))
         r.fail(QStringLiteral("kyselyn tulee alkaa sanalla SELECT."));
     d.where = r.text(query, "where");
+    d.unionAll = r.text(query, "unionAll");
+    if (!d.unionAll.isEmpty()
+        && !d.unionAll.trimmed().startsWith(QLatin1String("SELECT"), Qt::CaseInsensitive))
+        r.fail(QStringLiteral("kyselyn unionAll-osan tulee alkaa sanalla SELECT."));
     d.orderBy = r.text(query, "orderBy");
     d.tables = r.texts(query, "tables");
     d.parameters = r.texts(query, "parameters");

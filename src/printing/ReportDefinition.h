@@ -101,6 +101,9 @@ public:
     Orientation orientation = Orientation::Portrait;
     QString select;
     QString where;
+    // Rows added after the selected ones ("UNION ALL"), which the selection formula does not
+    // filter; the sort fields and "orderBy" must then name columns of "select".
+    QString unionAll;
     QString orderBy;
     QStringList tables;
     QStringList parameters;

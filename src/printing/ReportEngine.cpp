@@ -111,6 +111,8 @@ Query query(const QSqlDatabase& db, const ReportDefinition& d, const ReportJob& 
     }
     if (!where.isEmpty())
         q.sql += QStringLiteral(" WHERE ") + where.join(QStringLiteral(" AND "));
+    if (!d.unionAll.trimmed().isEmpty())
+        q.sql += QStringLiteral(" UNION ALL ") + bindNamed(d.unionAll, d, job, q.values);
     QStringList orderTerms;
     if (!order.isEmpty())
         orderTerms.append(order);

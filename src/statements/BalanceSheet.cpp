@@ -3,6 +3,7 @@
 #include "DatabaseError.h"
 #include "Dialogs.h"
 #include "EntrySums.h"
+#include "Schema.h"
 #include "StatementAccounts.h"
 #include "StatementRows.h"
 #include "TemplateText.h"
@@ -14,8 +15,10 @@
 
 namespace {
 
-// Filters of the current year's query, in this order; the previous year has one.
-enum Filter { Opening = 0, Change = 1 };
+// Filters of each year's sums after the linked income statement's two (the period and from the
+// year's start): the current year's opening entries and change; the previous year's balance is
+// the income statement's second, from its start to the date one year earlier.
+enum Filter { Opening = 2, Change = 3, PreviousBalance = 1 };
 
 const QString Assets = QStringLiteral("Vastaavaa");
 
@@ -27,17 +30,35 @@ public:
         , m_incomeTemplateId(incomeTemplateId)
         , m_tree(TemplateTree::load(db, o.templateId))
     {
-        const std::vector<qint32> accounts = m_tree.allAccounts();
-        m_current = EntrySums::read(db, FiscalYear::Current, accounts,
-            { EntryFilter::opening(), EntryFilter::datedNotOpening(o.fiscalStart, o.end) });
-        m_previous = EntrySums::read(db, FiscalYear::Previous, accounts,
-            { EntryFilter::dated(o.previousFiscalStart, o.end.addYears(-1)) });
+        // Each year is read once for both statements.
+        m_income = m_o;
+        m_income.templateId = m_incomeTemplateId;
+        m_income.start = m_o.start.isValid() ? m_o.start : m_o.fiscalStart;
+        m_income.groupsOnly = false;
+        m_income.progress = nullptr;
+        std::vector<qint32> accounts = m_tree.allAccounts();
+        const std::vector<qint32> own = accounts;
+        const std::vector<qint32> income = TemplateTree::load(db, m_incomeTemplateId).allAccounts();
+        accounts.insert(accounts.end(), income.begin(), income.end());
+        std::vector<EntryFilter> current = IncomeStatement::filters(m_income, FiscalYear::Current);
+        current.push_back(EntryFilter::opening());
+        current.push_back(EntryFilter::datedNotOpening(o.fiscalStart, o.end));
+        m_current = EntrySums::read(db, FiscalYear::Current, accounts, current);
+        m_previous = EntrySums::read(
+            db, FiscalYear::Previous, accounts, IncomeStatement::filters(m_income, FiscalYear::Previous));
         if (o.perAccount)
-            m_names = StatementAccounts::captions(db, accounts);
+            m_names = StatementAccounts::captions(db, own);
+        m_result.noPreviousYear = !m_previous.hasEntries(PreviousBalance);
     }
 
     BalanceSheetLines build()
     {
+        // The linked income statement first: its profit entries count on the balance sheet's
+        // profit account, so that the balance sheet balances without a booked result.
+        m_result.income
+            = IncomeStatement::compute(m_db, m_income, IncomeStatementSums { m_current, m_previous });
+        m_current.add(m_result.income->profit.entries);
+        m_previous.add(m_result.income->profit.entries);
         const auto& main = m_tree.mainRows();
         for (size_t i = 0; i < main.size(); ++i) {
             const TemplateRow& r = *main[i];
@@ -47,7 +68,7 @@ public:
             } else if (r.hasChildren()) {
                 group(r, 0);
             } else if (m_o.perAccount) {
-                details(r, 1);
+                details(r, 1, false);
                 add(TaseLine::Kind::Total, 0, r, amounts(TemplateText::accounts(r.tilit), r.saldoPuoli));
             } else {
                 add(TaseLine::Kind::Total, 0, r, amounts(TemplateText::accounts(r.tilit), r.saldoPuoli));
@@ -67,7 +88,7 @@ private:
     Amounts amounts(const std::vector<qint32>& accounts, const QString& side) const
     {
         return { m_current.amount(accounts, side, Opening), m_current.amount(accounts, side, Change),
-            m_previous.amount(accounts, side, 0) };
+            m_previous.amount(accounts, side, PreviousBalance) };
     }
 
     TaseLine& add(TaseLine::Kind kind, qint16 level, const TemplateRow& r, const Amounts& a = {})
@@ -99,19 +120,26 @@ private:
     // With the per-account breakdown each account is a line of its own that carries the
     // account and the row's side, from which the fiscal year change carries the closing
     // balance forward.
-    void details(const TemplateRow& r, qint16 level)
+    void details(const TemplateRow& r, qint16 level, bool ownTotal = true)
     {
         const std::vector<qint32> accounts = TemplateText::accounts(r.tilit);
         if (!m_o.perAccount || accounts.empty()) {
             add(TaseLine::Kind::Detail, level, r, amounts(accounts, r.saldoPuoli));
             return;
         }
+        // The row's caption, its accounts beneath it and its own total; a main row's total
+        // follows anyway.
+        if (ownTotal)
+            add(TaseLine::Kind::Header, level, r);
+        const qint16 below = ownTotal ? qint16(level + 1) : level;
         for (qint32 id : accounts) {
-            TaseLine& line = add(TaseLine::Kind::Detail, level, r, amounts({ id }, r.saldoPuoli));
+            TaseLine& line = add(TaseLine::Kind::Detail, below, r, amounts({ id }, r.saldoPuoli));
             line.teksti = m_names.value(id, r.teksti);
             line.tlId = id;
             line.viTyyppi = r.saldoPuoli;
         }
+        if (ownTotal)
+            add(TaseLine::Kind::Subtotal, level, r, amounts(accounts, r.saldoPuoli));
     }
 
     void group(const TemplateRow& r, qint16 level)
@@ -145,14 +173,6 @@ private:
     // Without a profit row the line holds zeros.
     void profit(const TemplateRow& r, qint16 level)
     {
-        if (!m_result.income) {
-            StatementOptions income = m_o;
-            income.templateId = m_incomeTemplateId;
-            income.start = m_o.start.isValid() ? m_o.start : m_o.fiscalStart;
-            income.groupsOnly = false;
-            income.progress = nullptr;
-            m_result.income = IncomeStatement::compute(m_db, income);
-        }
         Amounts a;
         const QVariant caption = Sql::scalar(m_db,
             QStringLiteral(
@@ -172,6 +192,7 @@ private:
     QSqlDatabase m_db;
     const StatementOptions& m_o;
     qint32 m_incomeTemplateId = 0;
+    StatementOptions m_income;
     TemplateTree m_tree;
     EntrySums m_current;
     EntrySums m_previous;
@@ -232,6 +253,7 @@ void write(const QSqlDatabase& db, const BalanceSheetLines& sheet)
     const QVariant noText(QMetaType(QMetaType::QString));
     const QVariant noNumber(QMetaType(QMetaType::LongLong));
     const QVariant noPercent(QMetaType(QMetaType::Double));
+    const bool noPrevious = sheet.noPreviousYear;
     for (const TaseLine& line : sheet.lines) {
         const bool separator = line.kind == TaseLine::Kind::Separator;
         StatementRows::bindHeading(q, line);
@@ -244,9 +266,9 @@ void write(const QSqlDatabase& db, const BalanceSheetLines& sheet)
             q.addBindValue(money(line.alkusaldo));
             q.addBindValue(money(line.muutos));
             q.addBindValue(money(line.loppusaldo()));
-            q.addBindValue(money(line.loppusaldoEdellinen));
-            q.addBindValue(money(change));
-            q.addBindValue(pct ? QVariant(*pct) : noPercent);
+            q.addBindValue(noPrevious ? noNumber : money(line.loppusaldoEdellinen));
+            q.addBindValue(noPrevious ? noNumber : money(change));
+            q.addBindValue(pct && !noPrevious ? QVariant(*pct) : noPercent);
         } else {
             for (int i = 0; i < 5; ++i)
                 q.addBindValue(noNumber);
@@ -263,6 +285,7 @@ bool run(const QSqlDatabase& db, const StatementOptions& options)
         Dialogs::instance().information(noIncomeStatementMessage());
         return false;
     }
+    Schema::createWorkTables(db);
     Transaction t(db);
     Sql::run(db, QStringLiteral("DELETE FROM tula"));
     Sql::run(db, QStringLiteral("DELETE FROM tase"));

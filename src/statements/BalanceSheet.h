@@ -23,19 +23,24 @@ struct TaseLine {
     Money loppusaldoEdellinen; // the previous year's balance one year before the end date
 
     Money loppusaldo() const { return alkusaldo + muutos; }
-    bool hasAmounts() const { return kind == Kind::Detail || kind == Kind::Total; }
-    bool groupRow() const { return kind == Kind::Header || kind == Kind::Total; }
+    bool hasAmounts() const { return kind == Kind::Detail || kind == Kind::Total || kind == Kind::Subtotal; }
+    bool groupRow() const { return kind == Kind::Header || kind == Kind::Total || kind == Kind::Subtotal; }
 };
 
 struct BalanceSheetLines {
     std::vector<TaseLine> lines;
-    // The linked income statement, computed when the template has a profit line.
+    // The linked income statement, computed for the same dates: its profit entries count in the
+    // balance sheet, and its profit row is the profit line's result.
     std::optional<IncomeStatementLines> income;
+    // The previous year held no entries of the template's accounts up to the date one year
+    // earlier: its column (and the change) is left empty rather than shown as zeros.
+    bool noPreviousYear = false;
 };
 
 // The balance sheet: a template's rows computed at an end date into the work table tase. The
-// year's result is not posted to any account: a formula row of the template is the profit line
-// and takes the result from the linked income statement, computed for the same dates.
+// year's result is not booked: the automatic profit entries of the linked income statement are
+// counted on the profit account, and a formula row of the template is the profit line, which
+// takes the result from that income statement, computed for the same dates.
 namespace BalanceSheet {
 
 // The message when the template names no income statement.

@@ -3,6 +3,7 @@
 #include "DatabaseError.h"
 #include "Dialogs.h"
 #include "EntrySums.h"
+#include "Schema.h"
 #include "StatementAccounts.h"
 #include "StatementRows.h"
 #include "TemplateText.h"
@@ -23,25 +24,36 @@ enum Filter { Period = 0, FromYearStart = 1 };
 
 class Builder {
 public:
-    Builder(const QSqlDatabase& db, const StatementOptions& o)
+    Builder(const QSqlDatabase& db, const StatementOptions& o, std::optional<IncomeStatementSums> sums)
         : m_db(db)
         , m_o(o)
         , m_tree(TemplateTree::load(db, o.templateId))
     {
         const std::vector<qint32> accounts = m_tree.allAccounts();
-        const QDate previousStart = o.start.addYears(-1);
-        const QDate previousEnd = o.end.addYears(-1);
-        m_current = EntrySums::read(db, FiscalYear::Current, accounts,
-            { EntryFilter::dated(o.start, o.end), EntryFilter::dated(o.fiscalStart, o.end) });
-        m_previous = EntrySums::read(db, FiscalYear::Previous, accounts,
-            { EntryFilter::dated(previousStart, previousEnd),
-                EntryFilter::dated(o.previousFiscalStart, previousEnd) });
+        if (sums) {
+            m_current = std::move(sums->current);
+            m_previous = std::move(sums->previous);
+        } else {
+            m_current = EntrySums::read(
+                db, FiscalYear::Current, accounts, IncomeStatement::filters(o, FiscalYear::Current));
+            m_previous = EntrySums::read(
+                db, FiscalYear::Previous, accounts, IncomeStatement::filters(o, FiscalYear::Previous));
+        }
         if (o.perAccount)
             m_names = StatementAccounts::captions(db, accounts);
+        m_result.noPreviousPeriod = !m_previous.hasEntries(Period);
+        m_result.noPreviousYear = !m_previous.hasEntries(FromYearStart);
     }
 
     IncomeStatementLines build()
     {
+        // The year's result counts on the profit rows as if it were booked.
+        m_result.profit = ProfitEntries::fromSums(
+            m_tree, m_current, m_previous, Period, FromYearStart, m_o.start, m_o.end);
+        if (!m_result.profit.posted)
+            Dialogs::instance().information(m_result.profit.refusal);
+        m_current.add(m_result.profit.entries);
+        m_previous.add(m_result.profit.entries);
         turnover();
         const auto& main = m_tree.mainRows();
         for (size_t i = 0; i < main.size(); ++i) {
@@ -53,7 +65,7 @@ public:
             } else if (m_o.perAccount) {
                 // Each account on a line of its own, then the row's total, which formulas and the
                 // balance sheet's profit line find by the row's caption.
-                details(r, 1);
+                details(r, 1, false);
                 total(r, 0, amounts(TemplateText::accounts(r.tilit), r.saldoPuoli));
             } else {
                 total(r, 0, amounts(TemplateText::accounts(r.tilit), r.saldoPuoli));
@@ -111,17 +123,24 @@ private:
     }
     void separator(qint16 level) { add(TulaLine::Kind::Separator, level, QString(), 0); }
 
-    // A lowest-level row as ordinary lines: one for its accounts, or one per account.
-    void details(const TemplateRow& r, qint16 level)
+    // A lowest-level row as ordinary lines: one for its accounts, or, account by account, its
+    // caption, a line per account and the row's own total. `ownTotal` is false for a main row,
+    // whose total line follows anyway.
+    void details(const TemplateRow& r, qint16 level, bool ownTotal = true)
     {
         const std::vector<qint32> accounts = TemplateText::accounts(r.tilit);
         if (!m_o.perAccount || accounts.empty()) {
             add(TulaLine::Kind::Detail, level, r.teksti, r.id, amounts(accounts, r.saldoPuoli));
             return;
         }
+        if (ownTotal)
+            add(TulaLine::Kind::Header, level, r.teksti, r.id);
+        const qint16 below = ownTotal ? qint16(level + 1) : level;
         for (qint32 id : accounts)
-            add(TulaLine::Kind::Detail, level, m_names.value(id, r.teksti), r.id,
+            add(TulaLine::Kind::Detail, below, m_names.value(id, r.teksti), r.id,
                 amounts({ id }, r.saldoPuoli));
+        if (ownTotal)
+            add(TulaLine::Kind::Subtotal, level, r.teksti, r.id, amounts(accounts, r.saldoPuoli));
     }
 
     // Header, the rows below, the total of every ordinary line below at any depth, a separator.
@@ -233,9 +252,18 @@ void checkLookupCaption(const QString& caption)
                                 .arg(caption));
 }
 
-IncomeStatementLines compute(const QSqlDatabase& db, const StatementOptions& options)
+IncomeStatementLines compute(
+    const QSqlDatabase& db, const StatementOptions& options, std::optional<IncomeStatementSums> sums)
 {
-    return Builder(db, options).build();
+    return Builder(db, options, std::move(sums)).build();
+}
+
+std::vector<EntryFilter> filters(const StatementOptions& o, FiscalYear year)
+{
+    if (year == FiscalYear::Current)
+        return { EntryFilter::dated(o.start, o.end), EntryFilter::dated(o.fiscalStart, o.end) };
+    return { EntryFilter::dated(o.start.addYears(-1), o.end.addYears(-1)),
+        EntryFilter::dated(o.previousFiscalStart, o.end.addYears(-1)) };
 }
 
 void finish(IncomeStatementLines& statement, bool groupsOnly)
@@ -260,19 +288,23 @@ void write(const QSqlDatabase& db, const IncomeStatementLines& statement)
             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
     const QVariant noNumber(QMetaType(QMetaType::LongLong));
     const QVariant noPercent(QMetaType(QMetaType::Double));
+    const bool noPeriod = statement.noPreviousPeriod;
+    const bool noYear = statement.noPreviousYear;
     for (const TulaLine& line : statement.lines) {
         StatementRows::bindHeading(q, line);
         if (line.hasAmounts()) {
             q.addBindValue(money(line.kuluva));
             q.addBindValue(money(line.kuluvaAlusta));
-            q.addBindValue(money(line.edellinen));
-            q.addBindValue(money(line.edellinenAlusta));
-            q.addBindValue(money(line.kuluvaAlusta - line.edellinenAlusta));
+            q.addBindValue(noPeriod ? noNumber : money(line.edellinen));
+            q.addBindValue(noYear ? noNumber : money(line.edellinenAlusta));
+            q.addBindValue(noYear ? noNumber : money(line.kuluvaAlusta - line.edellinenAlusta));
             q.addBindValue(percent(percentage(line.kuluva, statement.turnoverPeriod)));
-            q.addBindValue(percent(percentage(line.kuluva - line.edellinen, line.edellinen)));
-            q.addBindValue(percent(percentage(line.kuluvaAlusta, statement.turnoverYear)));
             q.addBindValue(
-                percent(percentage(line.kuluvaAlusta - line.edellinenAlusta, line.edellinenAlusta)));
+                noPeriod ? noPercent : percent(percentage(line.kuluva - line.edellinen, line.edellinen)));
+            q.addBindValue(percent(percentage(line.kuluvaAlusta, statement.turnoverYear)));
+            q.addBindValue(noYear
+                    ? noPercent
+                    : percent(percentage(line.kuluvaAlusta - line.edellinenAlusta, line.edellinenAlusta)));
         } else {
             for (int i = 0; i < 5; ++i)
                 q.addBindValue(noNumber);
@@ -285,6 +317,7 @@ void write(const QSqlDatabase& db, const IncomeStatementLines& statement)
 
 void run(const QSqlDatabase& db, const StatementOptions& options)
 {
+    Schema::createWorkTables(db);
     Transaction t(db);
     Sql::run(db, QStringLiteral("DELETE FROM tula"));
     Sql::run(db, QStringLiteral("DELETE FROM tase"));

@@ -49,9 +49,10 @@ ReportJob job(int kind, bool wide, const QDate& start, const QDate& end, const B
         job.formulas << formula(QStringLiteral("Jakso= "), period(start, end));
     if (income) {
         job.formulas << formula(QStringLiteral("EdJakso= "), period(start.addYears(-1), end.addYears(-1)));
-        job.formulas << formula(QStringLiteral("Tilikausi= "), period(s.TilikausiAlku, s.TilikausiLoppu));
-        job.formulas << formula(
-            QStringLiteral("EdTilikausi= "), period(s.EdTilikausiAlku, s.EdTilikausiLoppu));
+        // The year-to-date columns run from each fiscal year's start to the period's end (one
+        // year earlier for the previous year), and their captions say so.
+        job.formulas << formula(QStringLiteral("Tilikausi= "), period(s.TilikausiAlku, end));
+        job.formulas << formula(QStringLiteral("EdTilikausi= "), period(s.EdTilikausiAlku, end.addYears(-1)));
     } else {
         if (wide)
             job.formulas << formula(QStringLiteral("AlkuPvm= "), mmyy(start));

@@ -14,9 +14,10 @@ template <class Line> void bindHeading(QSqlQuery& q, const Line& line)
     q.addBindValue(line.level);
     q.addBindValue(separator ? QVariant(QMetaType(QMetaType::QString)) : QVariant(line.teksti));
     q.addBindValue(separator ? QVariant(QMetaType(QMetaType::LongLong)) : QVariant(line.mrId));
-    q.addBindValue(separator
-            ? QVariant(QMetaType(QMetaType::QString))
-            : QVariant(line.kind == Line::Kind::Total ? QStringLiteral("**") : QStringLiteral("")));
+    q.addBindValue(separator ? QVariant(QMetaType(QMetaType::QString))
+                             : QVariant(line.kind == Line::Kind::Total || line.kind == Line::Kind::Subtotal
+                                     ? QStringLiteral("**")
+                                     : QStringLiteral("")));
     q.addBindValue(line.groupRow() ? 1 : 0);
 }
 

@@ -4,9 +4,7 @@
 #include "DatabaseError.h"
 #include "Dialogs.h"
 #include "IncomeStatement.h"
-#include "ProfitEntries.h"
 #include "TemplateTree.h"
-#include "Transaction.h"
 #include "cMalli.h"
 
 #include <QVariant>
@@ -50,16 +48,10 @@ bool compute(const QSqlDatabase& db, const StatementOptions& options)
         return false;
     }
     tellRowsOutsideTree(db, options.templateId);
-    Transaction t(db);
-    if (kind == cMalli::Tuloslaskelma) {
-        ProfitEntries::post(db, options.templateId, options.start, options.end);
+    if (kind == cMalli::Tuloslaskelma)
         IncomeStatement::run(db, options);
-    } else {
-        ProfitEntries::post(
-            db, BalanceSheet::incomeTemplateOf(db, options.templateId), options.fiscalStart, options.end);
+    else
         BalanceSheet::run(db, options);
-    }
-    t.commitOrThrow();
     return true;
 }
 

@@ -5,8 +5,10 @@
 #include "PeriodCheck.h"
 #include "ProgramSettings.h"
 #include "ReportFormulas.h"
+#include "Schema.h"
 #include "Transaction.h"
 
+#include <QHash>
 #include <QSet>
 #include <QVariant>
 
@@ -125,7 +127,8 @@ Summat paivakirjanSummat(const QSqlDatabase& db, Laji laji, const QDate& alku, c
 {
     // The vouchers (also those without entries) and the entries by side, each counted in one pass.
     const QString vouchers
-        = QStringLiteral("\"to\".toNumero >= 0 AND \"to\".toPvm <= :loppu AND \"to\".toPvm >= :alku AND ")
+        = QStringLiteral("\"to\".toNumero >= 0 AND \"to\".toAutomaatti = 0 AND \"to\".toPvm <= :loppu AND "
+                         "\"to\".toPvm >= :alku AND ")
         + tositeLaji(laji);
     Summat s;
     QSqlQuery count = run(db, QStringLiteral("SELECT COUNT(*) FROM \"to\" WHERE ") + vouchers, alku, loppu);
@@ -206,26 +209,9 @@ ReportJob paivakirja(const QSqlDatabase& db, Laji laji, const QDate& alku, const
 QList<qint32> valmistelePaakirja(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu)
 {
     const Ehdot e = ehdot(laji);
+    Schema::createWorkTables(db);
     Transaction transaction(db);
-    Sql::run(
-        db, QStringLiteral("DELETE FROM vi WHERE vitoID IN (SELECT toID FROM \"to\" WHERE toNumero < 0)"));
-    QVariant kantaja = Sql::scalar(db, QStringLiteral("SELECT MAX(toID) FROM \"to\" WHERE toID < 0"));
-    if (kantaja.isNull()) {
-        Sql::run(db,
-            QStringLiteral("INSERT INTO \"to\" (toID, toNumero, toSelite, toAvaustosite, toPaatostosite, "
-                           "toAutomaatti) VALUES (-1, -1, 'Alkusaldo', 0, 0, 0)"));
-        kantaja = -1;
-    }
-    Sql::run(db,
-        QStringLiteral(
-            "UPDATE \"to\" SET toNumero = -1, toPvm = ?, toSelite = 'Alkusaldo', toAvaustosite = ?, "
-            "toPaatostosite = ?, toAutomaatti = 0 WHERE toID = ?"),
-        { Dates::toSql(alku), laji == Laji::Avaus ? 1 : 0, laji == Laji::Paatos ? 1 : 0, kantaja });
-    // One balance row per account; it has no type, so no sum ever counts it.
-    Sql::run(db,
-        QStringLiteral("INSERT INTO vi (vitoID, vitlID, viAvausvienti, viPaatosvienti, viAutomaatti) "
-                       "SELECT ?, tlID, ?, ?, 0 FROM tl"),
-        { kantaja, laji == Laji::Avaus ? 1 : 0, laji == Laji::Paatos ? 1 : 0 });
+    Sql::run(db, QStringLiteral("DELETE FROM paakirjaSaldot"));
 
     // Every entry is read once, grouped by account; the unary plus keeps the planner from
     // walking the entries in account-index order. The same pass counts the entries of the period's
@@ -238,7 +224,8 @@ QList<qint32> valmistelePaakirja(const QSqlDatabase& db, Laji laji, const QDate&
             "SELECT vi.vitlID, SUM(CASE WHEN %1 THEN %3 ELSE 0 END), SUM(CASE WHEN %2 THEN %3 ELSE 0 "
             "END), SUM(CASE WHEN (%4) AND (vi.viTyyppi IS NULL OR vi.viTyyppi NOT IN ('D', 'K')) THEN 1 "
             "ELSE 0 END), SUM(CASE WHEN %4 THEN 1 ELSE 0 END) FROM vi INNER JOIN \"to\" ON \"to\".toID = "
-            "vi.vitoID WHERE \"to\".toNumero >= 0 GROUP BY +vi.vitlID")
+            "vi.vitoID WHERE \"to\".toNumero >= 0 AND \"to\".toAutomaatti = 0 AND vi.viAutomaatti = 0 "
+            "GROUP BY +vi.vitlID")
             .arg(e.alku, e.jakso, maara, mukana),
         alku, loppu);
     struct Saldo {
@@ -257,15 +244,29 @@ QList<qint32> valmistelePaakirja(const QSqlDatabase& db, Laji laji, const QDate&
     while (q.next())
         tilit.insert(q.value(0).toInt());
 
-    Sql::run(db, QStringLiteral("UPDATE tl SET tlAlkusaldo = 0, tlLoppusaldo = 0"));
+    // Every account gets its balance row, also one without entries.
+    QHash<qint32, std::pair<qint64, qint64>> alkuJaLoppu;
     QVariantList epaillyt;
     for (const Saldo& saldo : saldot) {
         const bool tunnettu = tilit.contains(saldo.tili);
-        if (tunnettu && (saldo.alku != 0 || saldo.muutos != 0))
-            Sql::run(db, QStringLiteral("UPDATE tl SET tlAlkusaldo = ?, tlLoppusaldo = ? WHERE tlID = ?"),
-                { saldo.alku, saldo.alku + saldo.muutos, saldo.tili });
+        if (tunnettu)
+            alkuJaLoppu.insert(saldo.tili, { saldo.alku, saldo.alku + saldo.muutos });
         if (saldo.virheita || (!tunnettu && saldo.mukana))
             epaillyt.append(saldo.tili);
+    }
+    {
+        QSqlQuery lisaa = Sql::prepare(db,
+            QStringLiteral(
+                "INSERT INTO paakirjaSaldot (tlID, Pvm, Alkusaldo, Loppusaldo) VALUES (?, ?, ?, ?)"));
+        const QString pvm = Dates::toSql(alku);
+        for (const qint32 tili : tilit) {
+            const auto [a, l] = alkuJaLoppu.value(tili, { 0, 0 });
+            lisaa.addBindValue(tili);
+            lisaa.addBindValue(pvm);
+            lisaa.addBindValue(a);
+            lisaa.addBindValue(l);
+            Sql::exec(lisaa);
+        }
     }
 
     // Entries the balances cannot place (no such account, or neither debit nor credit), by

@@ -45,15 +45,14 @@ QString valintakaava(Kirja kirja, Laji laji, const QDate& alku, const QDate& lop
 // Throws DatabaseError.
 ReportJob paivakirja(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu);
 
-// Prepares the ledger's balance rows in one transaction: every voucher numbered below 0 loses
-// its entries; the carrier voucher (key below 0, made when missing, numbered −1 and dated at the
-// period's start, of the kind printed) gets one balance entry per account; every account's
-// balance at the start of the period goes to tlAlkusaldo and at its end to tlLoppusaldo. The
-// balances are those of the kind's own sequence: opening entries start from nothing; ordinary
-// entries start from the opening entries and the ordinary ones before the period; closing
-// entries start from the balance of the year's other entries. The start balance and the rows the
-// ledger shows add up to the end balance. Gives the numbers of the vouchers whose entries of the
-// period have no account or no debit/credit type. Throws DatabaseError.
+// Prepares the ledger's balance rows in this connection's work table paakirjaSaldot, in one
+// transaction; the books are only read. Every account gets a row dated at the period's start with
+// its balance at the start of the period and at its end. The balances are those of the kind's own
+// sequence: opening entries start from nothing; ordinary entries start from the opening entries
+// and the ordinary ones before the period; closing entries start from the balance of the year's
+// other entries. The start balance and the rows the ledger shows add up to the end balance. Gives
+// the numbers of the vouchers whose entries of the period have no account or no debit/credit
+// type. Throws DatabaseError.
 QList<qint32> valmistelePaakirja(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu);
 // "Tarkista tositteen numero 5 viennit." for each, one per line.
 QString virheellisetViennit(const QList<qint32>& numerot);

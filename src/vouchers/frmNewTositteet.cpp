@@ -401,12 +401,6 @@ void frmNewTositteet::Paakirja()
 {
     if (!tallennaEnnenTulostusta())
         return;
-    if (DatabaseFile::isReadOnly(m_muokkaus->database())) {
-        Dialogs::instance().information(QStringLiteral(
-            "Kirjanpito on avattu vain lukemista varten. Pääkirjan alkusaldoja ei voi kirjoittaa, joten "
-            "pääkirjaa ei voi tulostaa."));
-        return;
-    }
     frmDates2 paivat(this);
     if (paivat.exec() != QDialog::Accepted || PrintOptions::current().cancelled)
         return;

@@ -1,7 +1,11 @@
 #include "ReportCommand.h"
 #include "TestEnv.h"
 
+#include <QCryptographicHash>
+#include <QDate>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QMap>
 #include <QProcess>
 #include <QTest>
@@ -24,6 +28,32 @@ qint64 cents(const QString& cell)
     QString t = cell;
     t.remove(u' ').remove(QChar(0xa0));
     return qRound64(t.replace(u',', u'.').toDouble() * 100);
+}
+
+QByteArray digest(const QString& file)
+{
+    return QCryptographicHash::hash(TestEnv::readFile(file), QCryptographicHash::Sha256);
+}
+
+// The report names vorkam_report lists in its usage text, so that a report added to the catalogue
+// is tested here without a line more.
+QStringList reportNames()
+{
+    const QString usage = ReportCommand::run({ "--help" }).out;
+    QStringList names;
+    bool listed = false;
+    for (const QString& line : usage.split(u'\n')) {
+        if (line.startsWith(QLatin1String("Raportit:")))
+            listed = true;
+        else if (listed && line.startsWith(QLatin1String("  ")))
+            names << line.trimmed().section(u' ', 0, 0);
+    }
+    return names;
+}
+
+QString day(int d, int m)
+{
+    return QStringLiteral("%1.%2.%3").arg(d).arg(m).arg(QDate::currentDate().year());
 }
 
 } // namespace
@@ -95,6 +125,78 @@ private slots:
             if (row.first().startsWith(QLatin1String("1910 ")))
                 pankki = cents(row.at(3));
         QCOMPARE(cents(inspection.at(inspection.size() - 2).at(5)), pankki);
+    }
+
+    // Every report of the catalogue, in each of its kinds, periods and forms, runs on a read-only
+    // copy of the books in a read-only folder and leaves the file's bytes as they were: reports
+    // read, never write. A statement printed before the journal leaves it balanced.
+    void reportsNeverWrite_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::newRow("as it comes") << QStringList {};
+        QTest::newRow("a quarter") << QStringList { "--from", day(1, 4), "--to", day(30, 6) };
+        QTest::newRow("opening entries") << QStringList { "--kind", "opening" };
+        QTest::newRow("closing entries") << QStringList { "--kind", "closing" };
+        QTest::newRow("account by account") << QStringList { "--accounts" };
+        QTest::newRow("groups only, narrow") << QStringList { "--groups-only", "--narrow" };
+        QTest::newRow("the bank account") << QStringList { "--account", "1910" };
+        QTest::newRow("the profit account") << QStringList { "--account", "2290" };
+    }
+    void reportsNeverWrite()
+    {
+        QFETCH(QStringList, options);
+        TestEnv env;
+        const QString folder = env.path(QStringLiteral("tilintarkastaja"));
+        QVERIFY(QDir().mkpath(folder));
+        const QString books = folder + QStringLiteral("/demo1.mdb");
+        QVERIFY(ReportCommand::copyBuilt(QStringLiteral("demo1.mdb"), books));
+        QVERIFY(QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::ReadGroup));
+        QVERIFY(QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::ExeOwner));
+        const QByteArray before = digest(books);
+        const QDateTime modified = QFileInfo(books).lastModified();
+        const QStringList names = reportNames();
+        QVERIFY(
+            names.contains(QStringLiteral("tuloslaskelma")) && names.contains(QStringLiteral("paakirja")));
+        int ran = 0;
+        for (const QString& name : names) {
+            const QString out = env.path(name + QStringLiteral(".csv"));
+            const ReportCommand r
+                = ReportCommand::run(QStringList { books, name } + options + QStringList { "--csv", out });
+            // A report that takes none of these options says so (exit 2), or asks for an account.
+            if (r.code == 2 || r.err.contains(QLatin1String("Anna tarkasteltava tili")))
+                continue;
+            QVERIFY2(r.code == 0, qPrintable(name + u' ' + options.join(u' ') + u'\n' + r.err));
+            QVERIFY2(digest(books) == before, qPrintable(name + QStringLiteral(" changed the books")));
+            ++ran;
+        }
+        QVERIFY(ran > 0);
+        QCOMPARE(QFileInfo(books).lastModified(), modified);
+        QCOMPARE(QDir(folder).entryList(QDir::Files), QStringList { "demo1.mdb" });
+        QFile::setPermissions(
+            folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    }
+
+    // A statement printed first changes neither the journal's balance nor its voucher numbers.
+    void journalBalancesAfterStatements()
+    {
+        TestEnv env;
+        const QString books = env.path(QStringLiteral("demo1.mdb"));
+        QVERIFY(ReportCommand::copyBuilt(QStringLiteral("demo1.mdb"), books));
+        const auto journal = [&] {
+            const QString file = env.path(QStringLiteral("paivakirja.csv"));
+            const ReportCommand r = ReportCommand::run({ books, "paivakirja", "--csv", file });
+            return r.code == 0 ? csv(file) : QList<QStringList>();
+        };
+        const QList<QStringList> first = journal();
+        QVERIFY(!first.isEmpty());
+        for (const QStringList& args :
+            { QStringList { "tuloslaskelma", "--from", day(1, 4), "--to", day(30, 6) },
+                QStringList { "tase" }, QStringList { "tuloslaskelma" } }) {
+            const ReportCommand r = ReportCommand::run(
+                QStringList { books } + args + QStringList { "--pdf", env.path("s.pdf") });
+            QVERIFY2(r.code == 0, qPrintable(r.err));
+        }
+        QCOMPARE(journal(), first);
     }
 
     void refusals_data()

@@ -16,7 +16,6 @@
 #include "Drives.h"
 #include "Money.h"
 #include "Paths.h"
-#include "ProfitEntries.h"
 #include "ProgramSettings.h"
 #include "StickBackup.h"
 #include "StickRestore.h"
@@ -187,14 +186,6 @@ bool saveTemplate(const World& w, const Ready& ready)
     return true;
 }
 
-bool profitEntries(const World& w, const Ready& ready)
-{
-    const QSqlDatabase db = openBooks(w);
-    ready();
-    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
-    return ProfitEntries::post(db, 1, s.TilikausiAlku, s.TilikausiLoppu).posted;
-}
-
 bool yearChange(const World& w, const Ready& ready)
 {
     TilikaudenVaihto vaihto(openBooks(w));
@@ -246,7 +237,6 @@ const QList<Operation>& operations()
         { "poisto", "Tositteen poisto", deleteVoucher },
         { "tili", "Tilin tallennus", saveAccount },
         { "malli", "Mallin ja sen rivien tallennus", saveTemplate },
-        { "voitto", "Automaattikirjaukset", profitEntries },
         { "vaihto", "Tilikauden vaihto", yearChange },
         { "huolto", "Muokkaa tietokantaa: POISTA NYKYISET TOSITTEET",
             [](const World& w, const Ready& ready) {

@@ -113,16 +113,15 @@ void tst_BalanceSheet::openingChangeClosing_data()
     QTest::addColumn<bool>("opening");
     QTest::addColumn<bool>("previous");
     QTest::addColumn<QString>("line"); // alku|muutos|loppu|edellinen|muutos edelliseen|%
-    QTest::newRow("opening entry only") << "" << false << false << "1000.00|0.00|1000.00|0.00|1000.00|-";
-    QTest::newRow("dated entry") << "2012-02-01" << false << false << "1000.00|300.00|1300.00|0.00|1300.00|-";
-    QTest::newRow("after the end date")
-        << "2012-07-01" << false << false << "1000.00|0.00|1000.00|0.00|1000.00|-";
+    // A previous year without entries up to the date is left empty, not shown as zeros.
+    QTest::newRow("opening entry only") << "" << false << false << "1000.00|0.00|1000.00|-|-|-";
+    QTest::newRow("dated entry") << "2012-02-01" << false << false << "1000.00|300.00|1300.00|-|-|-";
+    QTest::newRow("after the end date") << "2012-07-01" << false << false << "1000.00|0.00|1000.00|-|-|-";
     QTest::newRow("opening voucher after the end date")
-        << "2012-08-01" << true << false << "1300.00|0.00|1300.00|0.00|1300.00|-";
+        << "2012-08-01" << true << false << "1300.00|0.00|1300.00|-|-|-";
     QTest::newRow("previous year at the same date")
         << "2011-06-30" << false << true << "1000.00|0.00|1000.00|300.00|700.00|233.33";
-    QTest::newRow("previous year after it")
-        << "2011-07-01" << false << true << "1000.00|0.00|1000.00|0.00|1000.00|-";
+    QTest::newRow("previous year after it") << "2011-07-01" << false << true << "1000.00|0.00|1000.00|-|-|-";
     QTest::newRow("previous year's opening")
         << "2011-01-01" << true << true << "1000.00|0.00|1000.00|300.00|700.00|233.33";
 }

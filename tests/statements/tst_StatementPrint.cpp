@@ -108,8 +108,9 @@ private slots:
         const QString seura = QStringLiteral("Seurannimi= 'Seura ry'");
         const QString tulos = QStringLiteral("Otsake= 'Kirjanpidon tuloslaskelma : Ajalle : 1.3.2012 - "
                                              "31.5.2012 Tilikaudella : 1.1.2012 - 31.12.2012'");
+        // The year-to-date columns end where the period ends.
         const QStringList income { seura, "Jakso= '0312-0512'", "EdJakso= '0311-0511'",
-            "Tilikausi= '0112-1212'", "EdTilikausi= '0111-1211'", tulos };
+            "Tilikausi= '0112-0512'", "EdTilikausi= '0111-0511'", tulos };
         QTest::newRow("income statement, wide") << 1 << true << "tula.rpt" << income;
         QTest::newRow("income statement, narrow") << 1 << false << "tulas.rpt" << income;
         QTest::newRow("balance sheet, wide")

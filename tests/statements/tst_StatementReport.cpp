@@ -44,18 +44,21 @@ private slots:
                                  "Esimerkkiyhdistys ry - Kirjanpidon tuloslaskelma : Ajalle : %1 - %2 "
                                  "Tilikaudella : %1 - %2")
                                  .arg(date(1, 1), date(31, 12)),
-                   "Tilikauden ylijäämä (alijäämä);253,69;4,6;0,00;;253,69;4,6;0,00;253,69;" }
+                   "Tilikauden ylijäämä (alijäämä);253,69;4,6;;;253,69;4,6;;;" }
             << 26;
         QTest::newRow("named template, by account, spring")
             << QStringList { "tuloslaskelma", "--template", "yhdistyksen TULOSLASKELMA", "--accounts",
                    "--from", date(1, 3), "--to", date(31, 5) }
-            << QStringList { "3020 Retkien osallistumismaksut;1260,00;71,6;0,00;;1260,00;49,6;0,00;1260,00;" }
-            << 59;
+            // Every line item keeps its caption and its own total around its accounts.
+            << QStringList { "Varsinaisen toiminnan tuotot;;;;;;;;;",
+                   "3020 Retkien osallistumismaksut;1260,00;71,6;;;1260,00;49,6;;;",
+                   "Varsinaisen toiminnan tuotot;1760,00;100,0;;;2540,00;100,0;;;" }
+            << 75;
         QTest::newRow("balance sheet, groups only")
             << QStringList { "tase", "--groups-only", "--from", date(1, 1), "--to", date(30, 6) }
             << QStringList { QStringLiteral("Esimerkkiyhdistys ry - Kirjanpidon tase : %1").arg(date(30, 6)),
-                   "Vastaavaa;7630,00;2574,22;10204,22;0,00;10204,22;",
-                   "Vastattavaa;7630,00;2574,22;10204,22;0,00;10204,22;" }
+                   "Vastaavaa;7630,00;2574,22;10204,22;;;",
+                   "Vastattavaa;7630,00;2574,22;10204,22;;;" }
             << 4;
     }
 

@@ -93,7 +93,8 @@ struct Kirjat {
     QStringList saldot() const
     {
         QSqlQuery q(VoucherFixture::db());
-        q.exec(QStringLiteral("SELECT tlNumero, tlAlkusaldo, tlLoppusaldo FROM tl ORDER BY tlNumero"));
+        q.exec(QStringLiteral("SELECT tl.tlNumero, s.Alkusaldo, s.Loppusaldo FROM tl INNER JOIN paakirjaSaldot s "
+                              "ON s.tlID = tl.tlID ORDER BY tl.tlNumero"));
         QStringList out;
         while (q.next())
             out.append(QStringLiteral("%1 %2/%3")
@@ -332,39 +333,23 @@ private slots:
         QCOMPARE(kaikki.cells.at(4).toDouble(), 330.50);
     }
 
-    // The carrier voucher and its rows: one of each however often the ledger runs, never seen by
-    // numbering, browsing, the voucher list, the longest-voucher count or the balances.
-    void carrierInvisible()
+    // The ledger's balances live beside the books: preparing it for every kind leaves the vouchers,
+    // entries and accounts as they were, and the next voucher number too.
+    void ledgerWritesNothing()
     {
         Kirjat k;
         const QSqlDatabase db = VoucherFixture::db();
-        const qint16 ennen = cTosite::MaxLkmViennitPerTosite(db);
-        cTilienSaldot saldot(db);
-        saldot.Laske();
-        const Money debet = saldot.debetSumma();
+        const auto books = [] {
+            return VoucherFixture::value(
+                QStringLiteral("SELECT (SELECT COUNT(*) || '/' || SUM(toID) FROM \"to\") || ' ' || (SELECT "
+                               "COUNT(*) || '/' || SUM(viArvo) FROM vi) || ' ' || (SELECT "
+                               "group_concat(tlAlkusaldo || ':' || tlLoppusaldo) FROM tl)"))
+                .toString();
+        };
+        const QString ennen = books();
         for (const Laji laji : { Laji::Tavallinen, Laji::Avaus, Laji::Paatos })
             KirjaTulostus::valmistelePaakirja(db, laji, Alku, Loppu);
-        QCOMPARE(VoucherFixture::count(QStringLiteral("\"to\""), QStringLiteral("toNumero < 0")), 1);
-        QCOMPARE(VoucherFixture::count(QStringLiteral("vi"), QStringLiteral("vitoID < 0")), 5);
-        QCOMPARE(VoucherFixture::value(QStringLiteral("SELECT toPaatostosite FROM \"to\" WHERE toID = -1"))
-                     .toInt(),
-            1);
-        QCOMPARE(cTosite::MaxLkmViennitPerTosite(db), ennen);
-        saldot.Laske();
-        QCOMPARE(saldot.debetSumma(), debet);
-
-        ScriptedDialogs dialogs;
-        for (const Laji laji : { Laji::Tavallinen, Laji::Paatos }) {
-            KirjaTulostus::valmistelePaakirja(db, laji, Alku, Loppu);
-            TositeMuokkaus m(db, laji);
-            QVERIFY(m.avaa());
-            for (const cTosite::Rivi& r : m.luettelo())
-                QVERIFY(r.numero >= 0);
-            QVERIFY(m.siirry(TositeMuokkaus::Siirto::Ensimmainen) || m.tosite().Numero() >= 0);
-            QVERIFY(!m.siirry(TositeMuokkaus::Siirto::Edellinen));
-            QVERIFY(m.tosite().Numero() >= 0);
-            QVERIFY(!m.lataa(-1));
-        }
+        QCOMPARE(books(), ennen);
         cTosite uusi(db);
         QCOMPARE(uusi.SetTositeNumeroJaPaiva(Alku, false), 6);
         uusi.setIsEmpty(true);

@@ -130,11 +130,11 @@ const std::vector<Entry>& entries()
             false, true,
             [](const QSqlDatabase& db, const Options& o) {
                 const auto [alku, loppu] = jakso(o);
-                const QList<qint32> virheelliset
+                const KirjaTulostus::Paakirja valmis
                     = KirjaTulostus::valmistelePaakirja(db, laji(o.kind), alku, loppu);
-                if (!virheelliset.isEmpty())
-                    Dialogs::instance().information(KirjaTulostus::virheellisetViennit(virheelliset));
-                return KirjaTulostus::paakirja(laji(o.kind), alku, loppu);
+                if (!valmis.virheelliset.isEmpty())
+                    Dialogs::instance().information(KirjaTulostus::virheellisetViennit(valmis.virheelliset));
+                return KirjaTulostus::paakirja(valmis, laji(o.kind), alku, loppu);
             } },
     };
     return list;

@@ -324,6 +324,9 @@ int run(const Arguments& a)
                     }
                     document = ReportEngine::run(db, job);
                 }
+                // Damage the engine met but read past is not printed.
+                if (DatabaseFile::damageSeen())
+                    return int(Failed);
                 if (a.format == u"pdf")
                     PdfWriter::write(*document, a.output);
                 else if (a.format == u"csv")

@@ -140,6 +140,10 @@ OpenResult open(const QString& path, const QString& connectionName, bool readOnl
                     q.exec(QStringLiteral("PRAGMA synchronous=FULL"));
                 }
                 q.finish();
+                // Every page is checked as it is read, so that damage met while reading is told,
+                // not read as rows (a report opens the books without the whole-file check).
+                q.exec(QStringLiteral("PRAGMA cell_size_check=ON"));
+                q.finish();
                 // The reports' work tables live beside the books, never in them.
                 Schema::createWorkTables(db);
             }

@@ -7,7 +7,10 @@
 #include "TextMetrics.h"
 
 #include <QFile>
+#include <cmath>
+#include <cstring>
 #include <hpdf.h>
+#include <hpdf_pages.h>
 #include <vector>
 
 namespace {
@@ -55,6 +58,58 @@ private:
     HPDF_Doc m_pdf;
 };
 
+// A number given in hundredths, as PDF numbers are written ("123.45", "-0.5", "7"), at `p`;
+// gives the end. At most 24 characters.
+char* writeNumber(char* p, qint64 hundredths)
+{
+    if (hundredths < 0) {
+        *p++ = '-';
+        hundredths = -hundredths;
+    }
+    char digits[20];
+    int n = 0;
+    qint64 whole = hundredths / 100;
+    do {
+        digits[n++] = char('0' + whole % 10);
+        whole /= 10;
+    } while (whole > 0);
+    while (n > 0)
+        *p++ = digits[--n];
+    const int cents = int(hundredths % 100);
+    if (cents != 0) {
+        *p++ = '.';
+        *p++ = char('0' + cents / 10);
+        if (cents % 10 != 0)
+            *p++ = char('0' + cents % 10);
+    }
+    return p;
+}
+
+qint64 hundredths(float value) { return qint64(std::lround(double(value) * 100.0)); }
+
+// One text run's operators, moving from the previous run's position: "dx dy Td (text) Tj".
+void appendRun(QByteArray& out, qint64 dx, qint64 dy, const char* text, quint32 length)
+{
+    const qsizetype start = out.size();
+    out.resize(start + 2 * 24 + 2 * qsizetype(length) + 16);
+    char* p = out.data() + start;
+    p = writeNumber(p, dx);
+    *p++ = ' ';
+    p = writeNumber(p, dy);
+    memcpy(p, " Td (", 5);
+    p += 5;
+    for (quint32 i = 0; i < length; ++i) {
+        const char c = text[i];
+        // Parentheses and backslashes are escaped in a PDF string.
+        if (c == '(' || c == ')' || c == '\\')
+            *p++ = '\\';
+        *p++ = c;
+    }
+    memcpy(p, ") Tj\n", 5);
+    p += 5;
+    out.resize(p - out.constData());
+}
+
 } // namespace
 
 namespace PdfWriter {
@@ -75,6 +130,8 @@ void write(const ReportDocument& document, const QString& path, const Progress& 
     for (const PageFont& f : document.fonts())
         fonts.push_back(
             HPDF_GetFont(doc, TextMetrics::pdfFontName(f.family, f.bold, f.italic), "WinAnsiEncoding"));
+    QByteArray content;
+    content.reserve(64 * 1024);
     const float width = float(document.pageSize().width());
     const float height = float(document.pageSize().height());
 
@@ -97,14 +154,35 @@ void write(const ReportDocument& document, const QString& path, const Progress& 
         if (lineWidth >= 0)
             HPDF_Page_Stroke(p);
         HPDF_Page_BeginText(p);
+        // The library places each run through several calls that format, measure and track the
+        // text position; a long report has millions of runs. The font is chosen through the
+        // library, so that it stands in the page's resources, and each run's position and text
+        // are written straight into the page's content stream.
+        HPDF_Stream stream = static_cast<HPDF_PageAttr>(p->attr)->stream;
+        content.clear();
         int current = -1;
+        // Td moves from the start of the previous line, the first from the page's origin; the
+        // moves are whole hundredths of a point, so that rounding never adds up down a page.
+        qint64 lastX = 0;
+        qint64 lastY = 0;
         for (const TextRun& run : page.runs) {
             if (run.font != current) {
+                if (!content.isEmpty())
+                    HPDF_Stream_Write(stream, reinterpret_cast<const HPDF_BYTE*>(content.constData()),
+                        HPDF_UINT(content.size()));
+                content.clear();
                 current = run.font;
                 HPDF_Page_SetFontAndSize(p, fonts[run.font], document.fonts()[run.font].size);
             }
-            HPDF_Page_TextOut(p, run.x, height - run.y, page.runBytes(run));
+            const qint64 x = hundredths(run.x);
+            const qint64 y = hundredths(height - run.y);
+            appendRun(content, x - lastX, y - lastY, page.runBytes(run), run.length);
+            lastX = x;
+            lastY = y;
         }
+        if (!content.isEmpty())
+            HPDF_Stream_Write(
+                stream, reinterpret_cast<const HPDF_BYTE*>(content.constData()), HPDF_UINT(content.size()));
         HPDF_Page_EndText(p);
         if (progress && !progress(i + 1, pages))
             throw ReportCancelled();

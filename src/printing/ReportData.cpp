@@ -109,6 +109,27 @@ void ReportData::setDate(int row, int field, const QString& text)
     m_columns[size_t(field)].numbers[size_t(row)] = d.isValid() ? d.toJulianDay() : Null;
 }
 
+void ReportData::setDate(int row, int field, QByteArrayView text)
+{
+    // Read by hand: a long report has a date on every row.
+    const auto digits = [&text](int from, int count) {
+        int n = 0;
+        for (int i = from; i < from + count; ++i) {
+            if (text[i] < '0' || text[i] > '9')
+                return -1;
+            n = n * 10 + (text[i] - '0');
+        }
+        return n;
+    };
+    if (text.size() >= 10 && text[4] == '-' && text[7] == '-' && digits(0, 4) >= 0 && digits(5, 2) >= 0
+        && digits(8, 2) >= 0) {
+        const QDate d(digits(0, 4), digits(5, 2), digits(8, 2));
+        m_columns[size_t(field)].numbers[size_t(row)] = d.isValid() ? d.toJulianDay() : Null;
+        return;
+    }
+    setDate(row, field, QString::fromUtf8(text));
+}
+
 void ReportData::copyValue(int row, int from, int field)
 {
     Column& c = m_columns[size_t(field)];

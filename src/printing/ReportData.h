@@ -36,6 +36,7 @@ public:
     void setText(int row, int field, const QString& value);
     // A date in the storage form "YYYY-MM-DD"; anything else is null.
     void setDate(int row, int field, const QString& value);
+    void setDate(int row, int field, QByteArrayView value);
     // The value of `field` in row `from`, given to `row` as well.
     void copyValue(int row, int from, int field);
 

@@ -126,11 +126,15 @@ Query query(const QSqlDatabase& db, const ReportDefinition& d, const ReportJob& 
 std::shared_ptr<ReportData> fetch(
     const QSqlDatabase& db, const ReportDefinition& d, const ReportJob& job, const Progress& progress)
 {
-    const Query built = query(db, d, job);
     const QString failure = QStringLiteral("Raportin %1 tietoja ei voitu lukea.").arg(d.name);
-    std::unique_ptr<RowReader> q;
+    std::unique_ptr<RowSource> q;
     try {
-        q = std::make_unique<RowReader>(db, built.sql, built.values);
+        if (job.rows) {
+            q = job.rows(db);
+        } else {
+            const Query built = query(db, d, job);
+            q = std::make_unique<RowReader>(db, built.sql, built.values);
+        }
     } catch (const DatabaseError& e) {
         throw ReportError(e.message(failure));
     }
@@ -199,7 +203,7 @@ std::shared_ptr<ReportData> fetch(
             data->setNumber(row, f, q->integer(column));
             break;
         case CellFormat::Date:
-            data->setDate(row, f, q->text(column));
+            data->setDate(row, f, q->bytes(column));
             break;
         case CellFormat::Percentage:
             data->setValue(row, f, q->real(column));

@@ -36,18 +36,24 @@ int dayNumber(QByteArrayView text)
 
 int dayNumber(const QDate& d) { return d.isValid() ? d.year() * 10000 + d.month() * 100 + d.day() : 0; }
 
+// A filter's dates as day numbers, worked out once for the hundred thousand vouchers of a year.
+struct FilterDays {
+    EntryFilter::Kind kind;
+    int from = 0; // 0: the filter takes no dated voucher
+    int to = 0;
+};
+
 // Which filters a voucher falls under, one bit each.
-quint32 filterMask(const std::vector<EntryFilter>& filters, int day, bool opening)
+quint32 filterMask(const std::vector<FilterDays>& filters, int day, bool opening)
 {
     quint32 mask = 0;
     for (size_t i = 0; i < filters.size(); ++i) {
-        const EntryFilter& f = filters[i];
+        const FilterDays& f = filters[i];
         bool in = false;
         if (f.kind == EntryFilter::Kind::Opening)
             in = opening;
-        else if (day != 0 && f.from.isValid() && f.to.isValid())
-            in = day >= dayNumber(f.from) && day <= dayNumber(f.to)
-                && !(f.kind == EntryFilter::Kind::DatedNotOpening && opening);
+        else if (day != 0 && f.from != 0)
+            in = day >= f.from && day <= f.to && !(f.kind == EntryFilter::Kind::DatedNotOpening && opening);
         if (in)
             mask |= 1u << i;
     }
@@ -73,6 +79,10 @@ EntrySums EntrySums::read(const QSqlDatabase& db, FiscalYear year, const std::ve
     // voucher inside the engine costs several times more than the scans themselves. First each
     // voucher's filters (vouchers below 0 carry no bookkeeping; automatic ones an earlier version
     // stored are replaced by computed entries).
+    std::vector<FilterDays> days;
+    for (const EntryFilter& f : filters)
+        days.push_back({ f.kind, f.from.isValid() && f.to.isValid() ? dayNumber(f.from) : 0,
+            f.from.isValid() && f.to.isValid() ? dayNumber(f.to) : 0 });
     std::vector<quint32> masks;
     QHash<qint64, quint32> farMasks; // keys too far apart for the vector
     {
@@ -81,7 +91,7 @@ EntrySums EntrySums::read(const QSqlDatabase& db, FiscalYear year, const std::ve
                 .arg(l.toID, l.toPvm, l.toAvaustosite, l.to, l.toNumero, l.toAutomaatti));
         while (q.next()) {
             const qint64 id = q.integer(0);
-            const quint32 mask = filterMask(filters, dayNumber(q.bytes(1)), q.integer(2) != 0);
+            const quint32 mask = filterMask(days, dayNumber(q.bytes(1)), q.integer(2) != 0);
             if (mask == 0)
                 continue;
             if (id >= 0 && id < 64 * 1024 * 1024) {
@@ -93,11 +103,19 @@ EntrySums EntrySums::read(const QSqlDatabase& db, FiscalYear year, const std::ve
             }
         }
     }
-    QSet<qint32> listed(accounts.begin(), accounts.end());
+    // Each listed account's sums, found by its key through a table while the keys are small.
+    const qint32 largest = *std::max_element(accounts.begin(), accounts.end());
+    std::vector<std::vector<TypeSums>*> byKey(size_t(std::clamp(largest + 1, 0, 1 << 20)), nullptr);
+    // Every listed account is in the table before the scan, which then adds none, so that the
+    // table never grows under the pointers into it.
+    for (qint32 id : accounts)
+        result.m_byAccount[id];
+    for (qint32 id : accounts)
+        if (id >= 0 && size_t(id) < byKey.size())
+            byKey[size_t(id)] = &result.m_byAccount[id];
     RowReader q(db,
         QStringLiteral("SELECT %1, %2, %3, %4 FROM %5 WHERE %6 = 0")
             .arg(l.vitoID, l.vitlID, l.viTyyppi, l.viArvo, l.vi, l.viAutomaatti));
-    // The last account's sums at hand: entries of one account often come in runs.
     while (q.next()) {
         const qint64 voucher = q.integer(0);
         const quint32 mask = voucher >= 0 && size_t(voucher) < masks.size() ? masks[size_t(voucher)]
@@ -105,10 +123,17 @@ EntrySums EntrySums::read(const QSqlDatabase& db, FiscalYear year, const std::ve
         if (mask == 0)
             continue;
         const qint32 account = qint32(q.integer(1));
-        if (!listed.contains(account))
+        std::vector<TypeSums>* slot = nullptr;
+        if (account >= 0 && size_t(account) < byKey.size()) {
+            slot = byKey[size_t(account)];
+        } else {
+            const auto far = result.m_byAccount.find(account);
+            slot = far == result.m_byAccount.end() ? nullptr : &far.value();
+        }
+        if (!slot)
             continue;
         const QByteArrayView type = q.bytes(2);
-        std::vector<TypeSums>& types = result.m_byAccount[account];
+        std::vector<TypeSums>& types = *slot;
         auto it = std::find_if(
             types.begin(), types.end(), [&type](const TypeSums& t) { return t.bytes == type; });
         if (it == types.end()) {

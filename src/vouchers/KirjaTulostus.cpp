@@ -5,12 +5,19 @@
 #include "PeriodCheck.h"
 #include "ProgramSettings.h"
 #include "ReportFormulas.h"
+#include "RowReader.h"
 #include "Schema.h"
 #include "Transaction.h"
 
 #include <QHash>
 #include <QSet>
 #include <QVariant>
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <tuple>
 
 namespace {
 
@@ -46,51 +53,303 @@ QString tositeLaji(Laji laji)
     return QStringLiteral("\"to\".toAvaustosite = 0 AND \"to\".toPaatostosite = 0");
 }
 
-// The entries of the ledger's balance pass. The dates are bound: ?1 the start, ?2 the end.
+// A date as yyyymmdd, which orders as the dates do; 0 when it is no date.
+int paiva(QByteArrayView text)
+{
+    if (text.size() < 10 || text[4] != '-' || text[7] != '-')
+        return 0;
+    int n = 0;
+    for (int i : { 0, 1, 2, 3, 5, 6, 8, 9 }) {
+        if (text[i] < '0' || text[i] > '9')
+            return 0;
+        n = n * 10 + (text[i] - '0');
+    }
+    return n;
+}
+
+int paiva(const QDate& d) { return d.year() * 10000 + d.month() * 100 + d.day(); }
+
+// Which entries of the kind count in the balance at the start of the period, and which are the
+// period's rows: the opening entries start from nothing; the ordinary ones from the opening
+// entries and the ordinary ones before the period; the closing ones from every other entry of the
+// year. An entry without a date is neither before nor in the period.
 struct Ehdot {
-    QString alku; // counted in the balance at the start of the period
-    QString jakso; // the rows of the period
+    Laji laji;
+    int alku;
+    int loppu;
+
+    bool ennen(int pvm) const { return pvm != 0 && pvm < alku; }
+    bool sisalla(int pvm) const { return pvm != 0 && pvm >= alku && pvm <= loppu; }
+    bool alussa(bool avaus, bool paatos, int pvm) const
+    {
+        const bool tavallinen = !avaus && !paatos;
+        switch (laji) {
+        case Laji::Avaus:
+            return avaus && ennen(pvm);
+        case Laji::Paatos:
+            return avaus || (tavallinen && pvm != 0 && pvm <= loppu) || (paatos && ennen(pvm));
+        case Laji::Tavallinen:
+            break;
+        }
+        return avaus || (tavallinen && ennen(pvm));
+    }
+    bool jaksolla(bool avaus, bool paatos, int pvm) const
+    {
+        switch (laji) {
+        case Laji::Avaus:
+            return avaus && sisalla(pvm);
+        case Laji::Paatos:
+            return paatos && sisalla(pvm);
+        case Laji::Tavallinen:
+            break;
+        }
+        return !avaus && !paatos && sisalla(pvm);
+    }
 };
 
-Ehdot ehdot(Laji laji)
-{
-    const QString avaus = QStringLiteral("vi.viAvausvienti <> 0");
-    const QString paatos = QStringLiteral("vi.viPaatosvienti <> 0");
-    const QString tavallinen = QStringLiteral("(vi.viAvausvienti = 0 AND vi.viPaatosvienti = 0)");
-    const QString ennen = QStringLiteral("\"to\".toPvm < :alku");
-    const QString sisalla = QStringLiteral("(\"to\".toPvm >= :alku AND \"to\".toPvm <= :loppu)");
-    switch (laji) {
-    case Laji::Avaus:
-        return { avaus + QStringLiteral(" AND ") + ennen, avaus + QStringLiteral(" AND ") + sisalla };
-    case Laji::Paatos:
-        return { QStringLiteral("%1 OR (%2 AND \"to\".toPvm <= :loppu) OR (%3 AND %4)")
-                     .arg(avaus, tavallinen, paatos, ennen),
-            paatos + QStringLiteral(" AND ") + sisalla };
-    case Laji::Tavallinen:
-        break;
-    }
-    return { QStringLiteral("%1 OR (%2 AND %3)").arg(avaus, tavallinen, ennen),
-        tavallinen + QStringLiteral(" AND ") + sisalla };
-}
+} // namespace
 
-// Binds the period to the named places of `sql`, in the order they come.
-QSqlQuery run(const QSqlDatabase& db, QString sql, const QDate& alku, const QDate& loppu,
-    const QVariantList& first = {})
-{
-    QVariantList values = first;
-    for (qsizetype i = sql.indexOf(u':'); i >= 0; i = sql.indexOf(u':', i)) {
-        if (sql.mid(i, 5) == u":alku") {
-            sql.replace(i, 5, u'?');
-            values.append(Dates::toSql(alku));
-        } else if (sql.mid(i, 6) == u":loppu") {
-            sql.replace(i, 6, u'?');
-            values.append(Dates::toSql(loppu));
-        } else {
-            ++i;
+namespace KirjaTulostus {
+
+// The ledger's rows computed in memory: the accounts, the vouchers of the year and the rows to
+// print in print order.
+struct PaakirjanRivit {
+    struct Tili {
+        qint32 id;
+        qint64 numero;
+        QString nimi;
+        bool tulostetaan;
+        qint64 alkusaldo = 0;
+        qint64 loppusaldo = 0;
+    };
+    struct Tosite {
+        qint64 numero;
+        int paiva; // yyyymmdd
+        QByteArray pvm; // as stored
+        QString selite;
+    };
+    struct Rivi {
+        int tili; // index into tilit
+        int tosite; // index into tositteet; -1 for the account's balance row
+        qint64 viId;
+        char puoli; // 'D', 'K' or 0
+        qint64 arvo;
+    };
+    QByteArray alku; // the period's start as stored, the balance rows' date
+    std::vector<Tili> tilit;
+    std::vector<Tosite> tositteet;
+    std::vector<Rivi> rivit;
+};
+
+// The journal's rows computed in memory: the vouchers of the period in number order, each with
+// its entries (or one row saying it has none).
+struct PaivakirjanRivit {
+    struct Tosite {
+        qint64 id;
+        qint64 numero;
+        QByteArray pvm;
+        QString selite;
+    };
+    struct Rivi {
+        int tosite; // index into tositteet
+        qint64 viId; // 0: the voucher has no entries
+        int tyyppi; // the entry type's place in `tyypit` (0: none), which orders as the text does
+        int tili; // index into tilit; -1: no such account
+        qint64 arvo;
+    };
+    std::vector<Tosite> tositteet;
+    std::vector<Rivi> rivit;
+    std::vector<QByteArray> tyypit; // sorted, "" first standing for none
+    std::vector<std::optional<QString>> tilit; // "1910 Pankkitili"; nullopt for an account without a number
+    Summat summat;
+};
+
+} // namespace KirjaTulostus
+
+namespace {
+
+using KirjaTulostus::PaakirjanRivit;
+using KirjaTulostus::PaivakirjanRivit;
+
+// The journal's rows for the report engine, with the columns of the journal's query.
+class PaivakirjanLahde final : public RowSource {
+public:
+    explicit PaivakirjanLahde(std::shared_ptr<const PaivakirjanRivit> rivit)
+        : m_rivit(std::move(rivit))
+    {
+    }
+    int columnIndex(const QString& name) const override
+    {
+        for (int i = 0; i < int(std::size(Sarakkeet)); ++i)
+            if (name.compare(QLatin1String(Sarakkeet[i]), Qt::CaseInsensitive) == 0)
+                return i;
+        return -1;
+    }
+    bool next() override { return ++m_rivi < qsizetype(m_rivit->rivit.size()); }
+    bool isNull(int column) const override
+    {
+        const PaivakirjanRivit::Rivi& r = rivi();
+        switch (Sarake(column)) {
+        case Pvm:
+            return tosite().pvm.isNull();
+        case Tili:
+            return r.viId != 0 && r.tili >= 0 && !m_rivit->tilit[size_t(r.tili)];
+        case Debet:
+            return r.viId == 0 || m_rivit->tyypit[size_t(r.tyyppi)] != "D";
+        case Kredit:
+            return r.viId == 0 || m_rivit->tyypit[size_t(r.tyyppi)] != "K";
+        default:
+            return false;
         }
     }
-    return Sql::run(db, sql, values);
-}
+    qint64 integer(int column) const override
+    {
+        switch (Sarake(column)) {
+        case ToId:
+            return tosite().id;
+        case Numero:
+            return tosite().numero;
+        case Debet:
+        case Kredit:
+            return rivi().arvo;
+        default:
+            return 0;
+        }
+    }
+    double real(int column) const override { return double(integer(column)); }
+    QString text(int column) const override
+    {
+        const PaivakirjanRivit::Rivi& r = rivi();
+        switch (Sarake(column)) {
+        case Selite:
+            return tosite().selite;
+        case Pvm:
+            return QString::fromUtf8(tosite().pvm);
+        case Tili:
+            if (r.viId == 0)
+                return QStringLiteral("Tositteella ei ole vientejä.");
+            if (r.tili < 0)
+                return QStringLiteral("Tiliä ei ole (tili poistettu)");
+            return m_rivit->tilit[size_t(r.tili)].value_or(QString());
+        default:
+            return QString::number(integer(column));
+        }
+    }
+    QByteArrayView bytes(int column) const override
+    {
+        if (Sarake(column) == Pvm)
+            return tosite().pvm;
+        m_teksti = text(column).toUtf8();
+        return m_teksti;
+    }
+
+private:
+    enum Sarake { ToId, Numero, Pvm, Selite, Tili, Debet, Kredit };
+    static constexpr const char* Sarakkeet[]
+        = { "ToId", "Numero", "Pvm", "Selite", "Tili", "Debet", "Kredit" };
+
+    const PaivakirjanRivit::Rivi& rivi() const { return m_rivit->rivit[size_t(m_rivi)]; }
+    const PaivakirjanRivit::Tosite& tosite() const { return m_rivit->tositteet[size_t(rivi().tosite)]; }
+
+    std::shared_ptr<const PaivakirjanRivit> m_rivit;
+    qsizetype m_rivi = -1;
+    mutable QByteArray m_teksti;
+};
+
+// The ledger's rows for the report engine, with the columns of the ledger's query.
+class PaakirjanLahde final : public RowSource {
+public:
+    explicit PaakirjanLahde(std::shared_ptr<const PaakirjanRivit> rivit)
+        : m_rivit(std::move(rivit))
+    {
+    }
+    int columnIndex(const QString& name) const override
+    {
+        for (int i = 0; i < int(std::size(Sarakkeet)); ++i)
+            if (name.compare(QLatin1String(Sarakkeet[i]), Qt::CaseInsensitive) == 0)
+                return i;
+        return -1;
+    }
+    bool next() override { return ++m_rivi < qsizetype(m_rivit->rivit.size()); }
+    bool isNull(int column) const override
+    {
+        const PaakirjanRivit::Rivi& r = rivi();
+        const bool kantaja = r.tosite < 0;
+        switch (Sarake(column)) {
+        case Loppusaldo:
+        case Alkusaldo:
+            return !kantaja;
+        case Numero:
+        case VientiId:
+            return kantaja;
+        case Debet:
+            return r.puoli != 'D';
+        case Kredit:
+            return r.puoli != 'K';
+        case Pvm:
+            return !kantaja && tosite().pvm.isNull();
+        default:
+            return false;
+        }
+    }
+    qint64 integer(int column) const override
+    {
+        const PaakirjanRivit::Rivi& r = rivi();
+        switch (Sarake(column)) {
+        case TiliId:
+            return tili().id;
+        case Tili:
+            return tili().numero;
+        case Loppusaldo:
+            return tili().loppusaldo;
+        case Alkusaldo:
+            return tili().alkusaldo;
+        case Numero:
+            return r.tosite < 0 ? 0 : tosite().numero;
+        case Debet:
+        case Kredit:
+            return r.arvo;
+        case VientiId:
+            return r.viId;
+        default:
+            return 0;
+        }
+    }
+    double real(int column) const override { return double(integer(column)); }
+    QString text(int column) const override
+    {
+        switch (Sarake(column)) {
+        case Nimi:
+            return tili().nimi;
+        case Selite:
+            return rivi().tosite < 0 ? QStringLiteral("Alkusaldo") : tosite().selite;
+        case Pvm:
+            return QString::fromUtf8(bytes(column));
+        default:
+            return QString::number(integer(column));
+        }
+    }
+    QByteArrayView bytes(int column) const override
+    {
+        if (Sarake(column) == Pvm)
+            return rivi().tosite < 0 ? QByteArrayView(m_rivit->alku) : QByteArrayView(tosite().pvm);
+        m_teksti = text(column).toUtf8();
+        return m_teksti;
+    }
+
+private:
+    enum Sarake { TiliId, Tili, Nimi, Loppusaldo, Numero, Pvm, Selite, Debet, Kredit, Alkusaldo, VientiId };
+    static constexpr const char* Sarakkeet[] = { "TiliId", "Tili", "Nimi", "Loppusaldo", "Numero", "Pvm",
+        "Selite", "Debet", "Kredit", "Alkusaldo", "VientiId" };
+
+    const PaakirjanRivit::Rivi& rivi() const { return m_rivit->rivit[size_t(m_rivi)]; }
+    const PaakirjanRivit::Tili& tili() const { return m_rivit->tilit[size_t(rivi().tili)]; }
+    const PaakirjanRivit::Tosite& tosite() const { return m_rivit->tositteet[size_t(rivi().tosite)]; }
+
+    std::shared_ptr<const PaakirjanRivit> m_rivit;
+    qsizetype m_rivi = -1;
+    mutable QByteArray m_teksti;
+};
 
 } // namespace
 
@@ -123,32 +382,101 @@ QString jaksonVirhe(const QDate& alku, const QDate& loppu)
     return PeriodCheck::jakso(alku, loppu);
 }
 
+std::shared_ptr<const PaivakirjanRivit> paivakirjanRivit(
+    const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu)
+{
+    using Rivi = PaivakirjanRivit::Rivi;
+    auto rivit = std::make_shared<PaivakirjanRivit>();
+    PaivakirjanRivit& r = *rivit;
+    // The vouchers of the kind numbered 0 or above and dated in the period, in three plain scans
+    // joined and sorted here, as in the ledger.
+    QHash<qint64, int> tositteet; // toID → index
+    {
+        RowReader q(db,
+            QStringLiteral(
+                "SELECT toID, toNumero, toPvm, COALESCE(toSelite, '') FROM \"to\" WHERE toNumero >= 0 "
+                "AND toAutomaatti = 0 AND ")
+                + tositeLaji(laji));
+        const QByteArray a = Dates::toSql(alku).toUtf8();
+        const QByteArray l = Dates::toSql(loppu).toUtf8();
+        while (q.next()) {
+            // The dates compared as the query compares them, as text.
+            const QByteArrayView pvm = q.bytes(2);
+            if (q.isNull(2) || pvm < a || pvm > l)
+                continue;
+            tositteet.insert(q.integer(0), int(r.tositteet.size()));
+            r.tositteet.push_back(
+                { q.integer(0), q.integer(1), QByteArray(pvm.data(), pvm.size()), q.text(3) });
+        }
+    }
+    r.summat.tositteita = qint64(r.tositteet.size());
+    QHash<qint32, int> tilit;
+    {
+        RowReader q(db, QStringLiteral("SELECT tlID, tlNumero, COALESCE(tlNimi, '') FROM tl"));
+        while (q.next()) {
+            tilit.insert(qint32(q.integer(0)), int(r.tilit.size()));
+            r.tilit.push_back(q.isNull(1)
+                    ? std::nullopt
+                    : std::optional<QString>(QString::number(q.integer(1)) + u' ' + q.text(2)));
+        }
+    }
+    std::vector<bool> vienteja(r.tositteet.size(), false);
+    QHash<QByteArray, int> tyypit; // each entry type met, by its order of meeting (from 1)
+    {
+        RowReader q(db, QStringLiteral("SELECT viID, vitoID, vitlID, viTyyppi, viArvo FROM vi"));
+        while (q.next()) {
+            const auto tosite = tositteet.constFind(q.integer(1));
+            if (tosite == tositteet.constEnd())
+                continue;
+            vienteja[size_t(*tosite)] = true;
+            const QByteArrayView tyyppi = q.bytes(3);
+            int tunnus = 0;
+            if (!q.isNull(3)) {
+                const QByteArray avain(tyyppi.data(), tyyppi.size());
+                tunnus = tyypit.value(avain, 0);
+                if (tunnus == 0) {
+                    tunnus = int(tyypit.size()) + 1;
+                    tyypit.insert(avain, tunnus);
+                }
+            }
+            const qint64 arvo = q.integer(4);
+            if (tunnus != 0 && tyyppi == "D") {
+                ++r.summat.debetVienteja;
+                r.summat.debet += Money::fromRaw(arvo);
+            } else if (tunnus != 0 && tyyppi == "K") {
+                ++r.summat.kreditVienteja;
+                r.summat.kredit += Money::fromRaw(arvo);
+            }
+            const auto tili = tilit.constFind(qint32(q.integer(2)));
+            r.rivit.push_back({ *tosite, q.integer(0), tunnus, tili == tilit.constEnd() ? -1 : *tili, arvo });
+        }
+    }
+    // The types in the order the query sorts them (none first, then as text).
+    r.tyypit.push_back(QByteArray());
+    for (auto it = tyypit.cbegin(); it != tyypit.cend(); ++it)
+        r.tyypit.push_back(it.key());
+    std::sort(r.tyypit.begin() + 1, r.tyypit.end());
+    std::vector<int> paikka(tyypit.size() + 1, 0);
+    for (size_t i = 1; i < r.tyypit.size(); ++i)
+        paikka[size_t(tyypit.value(r.tyypit[i]))] = int(i);
+    for (Rivi& rivi : r.rivit)
+        rivi.tyyppi = paikka[size_t(rivi.tyyppi)];
+    // A voucher without entries still shows, with a row saying so.
+    for (size_t i = 0; i < vienteja.size(); ++i)
+        if (!vienteja[i])
+            r.rivit.push_back({ int(i), 0, 0, -1, 0 });
+    std::sort(r.rivit.begin(), r.rivit.end(), [&r](const Rivi& a, const Rivi& b) {
+        const PaivakirjanRivit::Tosite& ta = r.tositteet[size_t(a.tosite)];
+        const PaivakirjanRivit::Tosite& tb = r.tositteet[size_t(b.tosite)];
+        return std::tuple(ta.numero, ta.id, a.tyyppi, a.viId)
+            < std::tuple(tb.numero, tb.id, b.tyyppi, b.viId);
+    });
+    return rivit;
+}
+
 Summat paivakirjanSummat(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu)
 {
-    // The vouchers (also those without entries) and the entries by side, each counted in one pass.
-    const QString vouchers
-        = QStringLiteral("\"to\".toNumero >= 0 AND \"to\".toAutomaatti = 0 AND \"to\".toPvm <= :loppu AND "
-                         "\"to\".toPvm >= :alku AND ")
-        + tositeLaji(laji);
-    Summat s;
-    QSqlQuery count = run(db, QStringLiteral("SELECT COUNT(*) FROM \"to\" WHERE ") + vouchers, alku, loppu);
-    if (count.next())
-        s.tositteita = count.value(0).toLongLong();
-    QSqlQuery q = run(db,
-        QStringLiteral("SELECT COALESCE(SUM(CASE WHEN vi.viTyyppi = 'D' THEN 1 ELSE 0 END), 0), "
-                       "COALESCE(SUM(CASE WHEN vi.viTyyppi = 'K' THEN 1 ELSE 0 END), 0), "
-                       "COALESCE(SUM(CASE WHEN vi.viTyyppi = 'D' THEN vi.viArvo ELSE 0 END), 0), "
-                       "COALESCE(SUM(CASE WHEN vi.viTyyppi = 'K' THEN vi.viArvo ELSE 0 END), 0) "
-                       "FROM \"to\" INNER JOIN vi ON vi.vitoID = \"to\".toID WHERE ")
-            + vouchers,
-        alku, loppu);
-    if (q.next()) {
-        s.debetVienteja = q.value(0).toLongLong();
-        s.kreditVienteja = q.value(1).toLongLong();
-        s.debet = Money::fromRaw(q.value(2).toLongLong());
-        s.kredit = Money::fromRaw(q.value(3).toLongLong());
-    }
-    return s;
+    return paivakirjanRivit(db, laji, alku, loppu)->summat;
 }
 
 QString valintakaava(Kirja kirja, Laji laji, const QDate& alku, const QDate& loppu)
@@ -186,7 +514,8 @@ QString valintakaava(Kirja kirja, Laji laji, const QDate& alku, const QDate& lop
 
 ReportJob paivakirja(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu)
 {
-    const Summat s = paivakirjanSummat(db, laji, alku, loppu);
+    const std::shared_ptr<const PaivakirjanRivit> rivit = paivakirjanRivit(db, laji, alku, loppu);
+    const Summat& s = rivit->summat;
     const QString otsake = laji == Laji::Avaus ? QStringLiteral("Päiväkirja - Avausviennit -- ")
         : laji == Laji::Paatos                 ? QStringLiteral("Päiväkirja - Tilinpäätösviennit -- ")
                                                : QStringLiteral("Päiväkirja -- ");
@@ -203,92 +532,121 @@ ReportJob paivakirja(const QSqlDatabase& db, Laji laji, const QDate& alku, const
     job.selectionFormula = valintakaava(Kirja::Paivakirja, laji, alku, loppu);
     job.periodStart = alku;
     job.periodEnd = loppu;
+    job.rows = [rivit](const QSqlDatabase&) { return std::make_unique<PaivakirjanLahde>(rivit); };
     return job;
 }
 
-QList<qint32> valmistelePaakirja(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu)
+Paakirja valmistelePaakirja(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu)
 {
-    const Ehdot e = ehdot(laji);
+    using Tili = PaakirjanRivit::Tili;
+    using Tosite = PaakirjanRivit::Tosite;
+    using Rivi = PaakirjanRivit::Rivi;
+    // The year is read in three plain scans and joined, summed and sorted here: the engine's own
+    // joins and sort of every entry cost several times more.
+    auto rivit = std::make_shared<PaakirjanRivit>();
+    PaakirjanRivit& r = *rivit;
+    r.alku = Dates::toSql(alku).toUtf8();
+    QHash<qint32, int> tilit; // tlID → index
+    {
+        RowReader q(db, QStringLiteral("SELECT tlID, tlNumero, COALESCE(tlNimi, ''), tlPrint FROM tl"));
+        while (q.next()) {
+            tilit.insert(qint32(q.integer(0)), int(r.tilit.size()));
+            r.tilit.push_back(
+                { qint32(q.integer(0)), q.integer(1), q.text(2), !q.isNull(3) && q.integer(3) != 0 });
+        }
+    }
+    QHash<qint64, int> tositteet; // toID → index
+    {
+        RowReader q(db,
+            QStringLiteral(
+                "SELECT toID, toNumero, toPvm, COALESCE(toSelite, '') FROM \"to\" WHERE toNumero >= 0 "
+                "AND toAutomaatti = 0"));
+        while (q.next()) {
+            tositteet.insert(q.integer(0), int(r.tositteet.size()));
+            const QByteArrayView pvm = q.bytes(2);
+            r.tositteet.push_back(
+                { q.integer(1), paiva(pvm), QByteArray(pvm.data(), pvm.size()), q.text(3) });
+        }
+    }
+    const Ehdot e { laji, paiva(alku), paiva(loppu) };
+    std::vector<qint64> alkusaldot(r.tilit.size(), 0);
+    std::vector<qint64> muutokset(r.tilit.size(), 0);
+    QSet<qint32> virheelliset;
+    {
+        RowReader q(db,
+            QStringLiteral(
+                "SELECT viID, vitoID, vitlID, viTyyppi, viArvo, viAvausvienti, viPaatosvienti FROM vi "
+                "WHERE viAutomaatti = 0"));
+        while (q.next()) {
+            const auto tosite = tositteet.constFind(q.integer(1));
+            if (tosite == tositteet.constEnd())
+                continue;
+            const Tosite& t = r.tositteet[size_t(*tosite)];
+            const bool avaus = q.integer(5) != 0;
+            const bool paatos = q.integer(6) != 0;
+            const bool alussa = e.alussa(avaus, paatos, t.paiva);
+            const bool jaksolla = e.jaksolla(avaus, paatos, t.paiva);
+            if (!alussa && !jaksolla)
+                continue;
+            const QByteArrayView tyyppi = q.bytes(3);
+            const char puoli = tyyppi == "D" ? 'D' : tyyppi == "K" ? 'K' : 0;
+            const auto tili = tilit.constFind(qint32(q.integer(2)));
+            // Entries no balance can take (no such account, or neither debit nor credit).
+            if (puoli == 0 || tili == tilit.constEnd())
+                virheelliset.insert(qint32(t.numero));
+            if (tili == tilit.constEnd())
+                continue;
+            const qint64 arvo = q.integer(4);
+            const qint64 maara = puoli == 'D' ? arvo : puoli == 'K' ? -arvo : 0;
+            if (alussa)
+                alkusaldot[size_t(*tili)] += maara;
+            if (jaksolla) {
+                muutokset[size_t(*tili)] += maara;
+                if (r.tilit[size_t(*tili)].tulostetaan)
+                    r.rivit.push_back({ *tili, *tosite, q.integer(0), puoli, arvo });
+            }
+        }
+    }
+    // Every account marked for printing gets its balance row, also one without entries; it
+    // comes first in its account, as a voucher without a number.
+    for (size_t i = 0; i < r.tilit.size(); ++i) {
+        r.tilit[i].alkusaldo = alkusaldot[i];
+        r.tilit[i].loppusaldo = alkusaldot[i] + muutokset[i];
+        if (r.tilit[i].tulostetaan)
+            r.rivit.push_back({ int(i), -1, 0, 0, 0 });
+    }
+    std::sort(r.rivit.begin(), r.rivit.end(), [&r](const Rivi& a, const Rivi& b) {
+        const Tili& ta = r.tilit[size_t(a.tili)];
+        const Tili& tb = r.tilit[size_t(b.tili)];
+        const auto avain = [&r](const Tili& t, const Rivi& x) {
+            const bool kantaja = x.tosite < 0;
+            return std::tuple(t.numero,
+                kantaja ? std::numeric_limits<qint64>::min() : r.tositteet[size_t(x.tosite)].numero, t.id,
+                kantaja ? std::numeric_limits<qint64>::min() : x.viId);
+        };
+        return avain(ta, a) < avain(tb, b);
+    });
+
+    // The same balances for the report's own query, which the rows above stand in for.
     Schema::createWorkTables(db);
     Transaction transaction(db);
     Sql::run(db, QStringLiteral("DELETE FROM paakirjaSaldot"));
-
-    // Every entry is read once, grouped by account; the unary plus keeps the planner from
-    // walking the entries in account-index order. The same pass counts the entries of the period's
-    // passes that no balance can take (no debit or credit type), per account.
-    const QString maara = QStringLiteral(
-        "CASE WHEN vi.viTyyppi = 'D' THEN vi.viArvo WHEN vi.viTyyppi = 'K' THEN -vi.viArvo ELSE 0 END");
-    const QString mukana = QStringLiteral("(%1) OR (%2)").arg(e.alku, e.jakso);
-    QSqlQuery q = run(db,
-        QStringLiteral(
-            "SELECT vi.vitlID, SUM(CASE WHEN %1 THEN %3 ELSE 0 END), SUM(CASE WHEN %2 THEN %3 ELSE 0 "
-            "END), SUM(CASE WHEN (%4) AND (vi.viTyyppi IS NULL OR vi.viTyyppi NOT IN ('D', 'K')) THEN 1 "
-            "ELSE 0 END), SUM(CASE WHEN %4 THEN 1 ELSE 0 END) FROM vi INNER JOIN \"to\" ON \"to\".toID = "
-            "vi.vitoID WHERE \"to\".toNumero >= 0 AND \"to\".toAutomaatti = 0 AND vi.viAutomaatti = 0 "
-            "GROUP BY +vi.vitlID")
-            .arg(e.alku, e.jakso, maara, mukana),
-        alku, loppu);
-    struct Saldo {
-        qint32 tili;
-        qint64 alku;
-        qint64 muutos;
-        bool virheita;
-        bool mukana;
-    };
-    std::vector<Saldo> saldot;
-    while (q.next())
-        saldot.push_back({ q.value(0).toInt(), q.value(1).toLongLong(), q.value(2).toLongLong(),
-            q.value(3).toLongLong() > 0, q.value(4).toLongLong() > 0 });
-    QSet<qint32> tilit;
-    q = Sql::run(db, QStringLiteral("SELECT tlID FROM tl"));
-    while (q.next())
-        tilit.insert(q.value(0).toInt());
-
-    // Every account gets its balance row, also one without entries.
-    QHash<qint32, std::pair<qint64, qint64>> alkuJaLoppu;
-    QVariantList epaillyt;
-    for (const Saldo& saldo : saldot) {
-        const bool tunnettu = tilit.contains(saldo.tili);
-        if (tunnettu)
-            alkuJaLoppu.insert(saldo.tili, { saldo.alku, saldo.alku + saldo.muutos });
-        if (saldo.virheita || (!tunnettu && saldo.mukana))
-            epaillyt.append(saldo.tili);
-    }
-    {
-        QSqlQuery lisaa = Sql::prepare(db,
-            QStringLiteral(
-                "INSERT INTO paakirjaSaldot (tlID, Pvm, Alkusaldo, Loppusaldo) VALUES (?, ?, ?, ?)"));
-        const QString pvm = Dates::toSql(alku);
-        for (const qint32 tili : tilit) {
-            const auto [a, l] = alkuJaLoppu.value(tili, { 0, 0 });
-            lisaa.addBindValue(tili);
-            lisaa.addBindValue(pvm);
-            lisaa.addBindValue(a);
-            lisaa.addBindValue(l);
-            Sql::exec(lisaa);
-        }
-    }
-
-    // Entries the balances cannot place (no such account, or neither debit nor credit), by
-    // voucher number; looked for only among the accounts the pass above found them in.
-    QList<qint32> virheelliset;
-    if (!epaillyt.isEmpty()) {
-        QStringList paikat;
-        for (qsizetype i = 0; i < epaillyt.size(); ++i)
-            paikat.append(QStringLiteral("?"));
-        q = run(db,
-            QStringLiteral(
-                "SELECT DISTINCT \"to\".toNumero FROM vi INNER JOIN \"to\" ON \"to\".toID = vi.vitoID "
-                "WHERE vi.vitlID IN (%1) AND \"to\".toNumero >= 0 AND (%2) AND (vi.viTyyppi IS NULL OR "
-                "vi.viTyyppi NOT IN ('D', 'K') OR NOT EXISTS (SELECT 1 FROM tl WHERE tl.tlID = vi.vitlID)) "
-                "ORDER BY 1")
-                .arg(paikat.join(QStringLiteral(", ")), mukana),
-            alku, loppu, epaillyt);
-        while (q.next())
-            virheelliset.append(q.value(0).toInt());
+    QSqlQuery lisaa = Sql::prepare(db,
+        QStringLiteral("INSERT INTO paakirjaSaldot (tlID, Pvm, Alkusaldo, Loppusaldo) VALUES (?, ?, ?, ?)"));
+    for (const Tili& t : r.tilit) {
+        lisaa.addBindValue(t.id);
+        lisaa.addBindValue(Dates::toSql(alku));
+        lisaa.addBindValue(t.alkusaldo);
+        lisaa.addBindValue(t.loppusaldo);
+        Sql::exec(lisaa);
     }
     transaction.commitOrThrow();
-    return virheelliset;
+
+    Paakirja valmis;
+    valmis.virheelliset = QList<qint32>(virheelliset.begin(), virheelliset.end());
+    std::sort(valmis.virheelliset.begin(), valmis.virheelliset.end());
+    valmis.rivit = std::move(rivit);
+    return valmis;
 }
 
 QString virheellisetViennit(const QList<qint32>& numerot)
@@ -299,7 +657,7 @@ QString virheellisetViennit(const QList<qint32>& numerot)
     return rivit.join(u'\n');
 }
 
-ReportJob paakirja(Laji laji, const QDate& alku, const QDate& loppu)
+ReportJob paakirja(const Paakirja& valmis, Laji laji, const QDate& alku, const QDate& loppu)
 {
     const QString otsake = laji == Laji::Avaus ? QStringLiteral("Pääkirja - Avausviennit -- ")
         : laji == Laji::Paatos                 ? QStringLiteral("Pääkirja - Tilinpäätösviennit -- ")
@@ -312,6 +670,10 @@ ReportJob paakirja(Laji laji, const QDate& alku, const QDate& loppu)
     job.sortFields = { QStringLiteral("+{tl.tlNumero}"), QStringLiteral("+{to.toNumero}") };
     job.periodStart = alku;
     job.periodEnd = loppu;
+    if (valmis.rivit) {
+        const std::shared_ptr<const PaakirjanRivit> rivit = valmis.rivit;
+        job.rows = [rivit](const QSqlDatabase&) { return std::make_unique<PaakirjanLahde>(rivit); };
+    }
     return job;
 }
 

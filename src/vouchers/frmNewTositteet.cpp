@@ -410,17 +410,17 @@ void frmNewTositteet::Paakirja()
         Dialogs::instance().information(virhe);
         return;
     }
-    QList<qint32> virheelliset;
+    KirjaTulostus::Paakirja valmis;
     {
         WaitCursor wait;
         if (!tellIfFails(QStringLiteral("Pääkirjan saldoja ei voitu laskea."), [&] {
-                virheelliset = KirjaTulostus::valmistelePaakirja(m_muokkaus->database(), laji(), alku, loppu);
+                valmis = KirjaTulostus::valmistelePaakirja(m_muokkaus->database(), laji(), alku, loppu);
             }))
             return;
     }
-    if (!virheelliset.isEmpty())
-        Dialogs::instance().information(KirjaTulostus::virheellisetViennit(virheelliset));
-    ReportRunner::print(this, m_muokkaus->database(), KirjaTulostus::paakirja(laji(), alku, loppu));
+    if (!valmis.virheelliset.isEmpty())
+        Dialogs::instance().information(KirjaTulostus::virheellisetViennit(valmis.virheelliset));
+    ReportRunner::print(this, m_muokkaus->database(), KirjaTulostus::paakirja(valmis, laji(), alku, loppu));
 }
 
 void frmNewTositteet::lataaLuettelosta(const QModelIndex& index)

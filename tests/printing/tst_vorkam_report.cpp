@@ -3,6 +3,8 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTest>
 
 namespace {
@@ -42,6 +44,51 @@ private slots:
         const ReportCommand list = ReportCommand::run({ books, "tilit", "--csv", csv });
         QVERIFY2(list.code == 0, qPrintable(list.err));
         QVERIFY(QString::fromUtf8(TestEnv::readFile(csv)).contains(QStringLiteral("1910;Pankkitili;")));
+    }
+
+    // The books are opened without reading the whole file first; a damaged page of the entries
+    // met in the middle of a report still ends in the message and exit code 3, with no file
+    // written, whichever report reads it.
+    void damagedPageMidReport_data()
+    {
+        QTest::addColumn<QString>("report");
+        for (const char* report : { "tilisald", "tuloslaskelma", "tase", "paivakirja", "paakirja" })
+            QTest::newRow(report) << QString::fromLatin1(report);
+    }
+    void damagedPageMidReport()
+    {
+        QFETCH(QString, report);
+        TestEnv env;
+        const QString books = env.path(QStringLiteral("demo1.mdb"));
+        QVERIFY(ReportCommand::copyBuilt(QStringLiteral("demo1.mdb"), books));
+        int page = 0;
+        int pageSize = 0;
+        {
+            const QString name = QStringLiteral("sivu");
+            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+            db.setDatabaseName(books);
+            QVERIFY(db.open());
+            QSqlQuery q(db);
+            QVERIFY(
+                q.exec(QStringLiteral("SELECT rootpage FROM sqlite_master WHERE name = 'vi'")) && q.next());
+            page = q.value(0).toInt();
+            QVERIFY(q.exec(QStringLiteral("PRAGMA page_size")) && q.next());
+            pageSize = q.value(0).toInt();
+            q.finish();
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(QStringLiteral("sivu"));
+        // The demo's entries fit on their root page: it becomes a leaf whose cells point at garbage.
+        QByteArray bytes = TestEnv::readFile(books);
+        QByteArray garbage(pageSize, '\xff');
+        garbage.replace(0, 5, QByteArray("\x0d\x00\x00\x00\x77", 5));
+        bytes.replace((page - 1) * pageSize, pageSize, garbage);
+        QVERIFY(TestEnv::writeFile(books, bytes));
+        const QString pdf = env.path(QStringLiteral("r.pdf"));
+        const ReportCommand r = ReportCommand::run({ books, report, "--pdf", pdf });
+        QCOMPARE(r.code, 3);
+        QVERIFY2(r.err.contains(QStringLiteral("vioittunut")), qPrintable(r.err));
+        QVERIFY(!QFile::exists(pdf));
     }
 
     void refusals_data()

@@ -312,6 +312,18 @@ int run(const Arguments& a)
     return withBooks(
         books, true,
         [&](const QSqlDatabase& db) {
+            // The reports tell computed entries from booked ones by the automatic flags, which an
+            // older layout lacks until Vorkam has brought it up to date.
+            for (const auto& [table, field] :
+                { std::pair("to", "toAutomaatti"), std::pair("vi", "viAutomaatti"),
+                    std::pair("toE", "toEAutomaatti"), std::pair("viE", "viEAutomaatti") })
+                if (Schema::fieldMissing(db, QLatin1String(table), QLatin1String(field))) {
+                    say(stderr,
+                        QStringLiteral("Kirjanpito %1 on vanhempaa muotoa. Avaa se kerran Vorkamissa, joka "
+                                       "päivittää sen, ja aja raportti sitten uudelleen.")
+                            .arg(books));
+                    return int(BadBooks);
+                }
             try {
                 std::unique_ptr<ReportDocument> document;
                 if (entry->document) {

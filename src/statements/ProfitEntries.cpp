@@ -126,7 +126,7 @@ std::vector<ComputedEntries::Entry> ofFiscalYear(const QSqlDatabase& db, qint32 
     for (const ComputedEntry& e : o.entries)
         if (e.year == FiscalYear::Current && e.account == account)
             entries.push_back({ e.date, e.account, e.type, e.amount,
-                QStringLiteral("%1: tilikauden tulos, laskettu (ei tallennettu tosite)").arg(Selite) });
+                QStringLiteral("Tilikauden tulos (laskettu, ei tositetta)") });
     return entries;
 }
 

@@ -11,15 +11,12 @@
 
 class TemplateTree;
 
-// The automatic profit entries: the year's result (profit or loss) as two entries "Automaattikirjaukset",
-// one on the income statement's profit account and one on the balance sheet's (the setting
-// VoittoTaseella), for the current and the previous year. They are computed at every statement run
-// from the books as they stand and counted by the statements as if they were booked; they are
-// never stored, so printing never changes the books, takes no voucher number and leaves nothing
-// that the journal, the voucher window or the voucher check would show.
+// The automatic profit entries: the year's result (profit or loss) as two entries, one on the income
+// statement's profit account and one on the balance sheet's (the setting VoittoTaseella), for the current and
+// the previous year. They are computed at every statement run from the books as they stand and counted by the
+// statements as if they were booked; they are never stored, so printing never changes the books, takes no
+// voucher number and leaves nothing that the journal, the voucher window or the voucher check would show.
 namespace ProfitEntries {
-
-inline const QString Selite = QStringLiteral("Automaattikirjaukset");
 
 struct Outcome {
     bool posted = false; // false: refused, see `refusal`

@@ -81,7 +81,7 @@ void TositeHaku::arvolla(const QSqlDatabase& db, qint64 raw, std::vector<Osuma>&
     // One line per entry of the amount, in the order the entries were stored.
     QSqlQuery q = Sql::run(db,
         QStringLiteral("SELECT %1 FROM vi JOIN \"to\" t ON t.toID = vi.vitoID WHERE vi.viArvo = ? AND "
-                       "t.toNumero >= 0 ORDER BY vi.viID")
+                       "t.toNumero >= 0 AND t.toAutomaatti = 0 ORDER BY vi.viID")
             .arg(Columns),
         { raw });
     while (q.next())
@@ -91,8 +91,10 @@ void TositeHaku::arvolla(const QSqlDatabase& db, qint64 raw, std::vector<Osuma>&
 void TositeHaku::selitteella(const QSqlDatabase& db, const QString& teksti, std::vector<Osuma>& osumat)
 {
     QSqlQuery q = Sql::run(db,
-        QStringLiteral("SELECT %1 FROM \"to\" t WHERE t.toNumero >= 0 AND t.toSelite LIKE ? ESCAPE '\\' "
-                       "ORDER BY t.toID")
+        QStringLiteral(
+            "SELECT %1 FROM \"to\" t WHERE t.toNumero >= 0 AND t.toAutomaatti = 0 AND t.toSelite LIKE ? "
+            "ESCAPE '\\' "
+            "ORDER BY t.toID")
             .arg(Columns),
         { likePattern(teksti) });
     while (q.next()) {

@@ -67,8 +67,9 @@ qint16 cTosite::MaxLkmViennitPerTosite(const QSqlDatabase& db)
 std::vector<cTosite::Rivi> cTosite::Luettelo(const QSqlDatabase& db, bool avaustosite, bool paatostosite)
 {
     QSqlQuery q = Sql::run(db,
-        QStringLiteral("SELECT toID, toNumero, toSelite FROM \"to\" WHERE (toAvaustosite <> 0) = ? "
-                       "AND (toPaatostosite <> 0) = ? AND toNumero >= 0 ORDER BY toNumero, toID"),
+        QStringLiteral(
+            "SELECT toID, toNumero, toSelite FROM \"to\" WHERE (toAvaustosite <> 0) = ? "
+            "AND (toPaatostosite <> 0) = ? AND toNumero >= 0 AND toAutomaatti = 0 ORDER BY toNumero, toID"),
         { avaustosite ? 1 : 0, paatostosite ? 1 : 0 });
     std::vector<Rivi> rivit;
     while (q.next())

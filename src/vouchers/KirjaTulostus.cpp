@@ -171,21 +171,49 @@ namespace {
 using KirjaTulostus::PaakirjanRivit;
 using KirjaTulostus::PaivakirjanRivit;
 
-// The journal's rows for the report engine, with the columns of the journal's query.
-class PaivakirjanLahde final : public RowSource {
+// Rows computed in memory (a `Rows` with a vector `rivit`), read one by one by the report engine
+// under the column names of the report's query.
+template <class Rows> class MemoryRows : public RowSource {
 public:
-    explicit PaivakirjanLahde(std::shared_ptr<const PaivakirjanRivit> rivit)
-        : m_rivit(std::move(rivit))
+    MemoryRows(std::shared_ptr<const Rows> rows, std::vector<const char*> columns)
+        : m_rivit(std::move(rows))
+        , m_columns(std::move(columns))
     {
     }
     int columnIndex(const QString& name) const override
     {
-        for (int i = 0; i < int(std::size(Sarakkeet)); ++i)
-            if (name.compare(QLatin1String(Sarakkeet[i]), Qt::CaseInsensitive) == 0)
+        for (int i = 0; i < int(m_columns.size()); ++i)
+            if (name.compare(QLatin1String(m_columns[size_t(i)]), Qt::CaseInsensitive) == 0)
                 return i;
         return -1;
     }
     bool next() override { return ++m_rivi < qsizetype(m_rivit->rivit.size()); }
+    double real(int column) const override { return double(integer(column)); }
+
+protected:
+    const auto& rivi() const { return m_rivit->rivit[size_t(m_rivi)]; }
+    // A cell's text as UTF-8, kept until the next cell is asked for.
+    QByteArrayView utf8(int column) const
+    {
+        m_text = text(column).toUtf8();
+        return m_text;
+    }
+
+    std::shared_ptr<const Rows> m_rivit;
+
+private:
+    std::vector<const char*> m_columns;
+    qsizetype m_rivi = -1;
+    mutable QByteArray m_text;
+};
+
+// The journal's rows for the report engine, with the columns of the journal's query.
+class PaivakirjanLahde final : public MemoryRows<PaivakirjanRivit> {
+public:
+    explicit PaivakirjanLahde(std::shared_ptr<const PaivakirjanRivit> rivit)
+        : MemoryRows(std::move(rivit), { "ToId", "Numero", "Pvm", "Selite", "Tili", "Debet", "Kredit" })
+    {
+    }
     bool isNull(int column) const override
     {
         const PaivakirjanRivit::Rivi& r = rivi();
@@ -216,7 +244,6 @@ public:
             return 0;
         }
     }
-    double real(int column) const override { return double(integer(column)); }
     QString text(int column) const override
     {
         const PaivakirjanRivit::Rivi& r = rivi();
@@ -239,38 +266,24 @@ public:
     {
         if (Sarake(column) == Pvm)
             return tosite().pvm;
-        m_teksti = text(column).toUtf8();
-        return m_teksti;
+        return utf8(column);
     }
 
 private:
     enum Sarake { ToId, Numero, Pvm, Selite, Tili, Debet, Kredit };
-    static constexpr const char* Sarakkeet[]
-        = { "ToId", "Numero", "Pvm", "Selite", "Tili", "Debet", "Kredit" };
 
-    const PaivakirjanRivit::Rivi& rivi() const { return m_rivit->rivit[size_t(m_rivi)]; }
     const PaivakirjanRivit::Tosite& tosite() const { return m_rivit->tositteet[size_t(rivi().tosite)]; }
-
-    std::shared_ptr<const PaivakirjanRivit> m_rivit;
-    qsizetype m_rivi = -1;
-    mutable QByteArray m_teksti;
 };
 
 // The ledger's rows for the report engine, with the columns of the ledger's query.
-class PaakirjanLahde final : public RowSource {
+class PaakirjanLahde final : public MemoryRows<PaakirjanRivit> {
 public:
     explicit PaakirjanLahde(std::shared_ptr<const PaakirjanRivit> rivit)
-        : m_rivit(std::move(rivit))
+        : MemoryRows(std::move(rivit),
+            { "TiliId", "Tili", "Nimi", "Loppusaldo", "Numero", "Pvm", "Selite", "Debet", "Kredit",
+                "Alkusaldo", "VientiId" })
     {
     }
-    int columnIndex(const QString& name) const override
-    {
-        for (int i = 0; i < int(std::size(Sarakkeet)); ++i)
-            if (name.compare(QLatin1String(Sarakkeet[i]), Qt::CaseInsensitive) == 0)
-                return i;
-        return -1;
-    }
-    bool next() override { return ++m_rivi < qsizetype(m_rivit->rivit.size()); }
     bool isNull(int column) const override
     {
         const PaakirjanRivit::Rivi& r = rivi();
@@ -315,7 +328,6 @@ public:
             return 0;
         }
     }
-    double real(int column) const override { return double(integer(column)); }
     QString text(int column) const override
     {
         switch (Sarake(column)) {
@@ -333,22 +345,14 @@ public:
     {
         if (Sarake(column) == Pvm)
             return rivi().tosite < 0 ? QByteArrayView(m_rivit->alku) : QByteArrayView(tosite().pvm);
-        m_teksti = text(column).toUtf8();
-        return m_teksti;
+        return utf8(column);
     }
 
 private:
     enum Sarake { TiliId, Tili, Nimi, Loppusaldo, Numero, Pvm, Selite, Debet, Kredit, Alkusaldo, VientiId };
-    static constexpr const char* Sarakkeet[] = { "TiliId", "Tili", "Nimi", "Loppusaldo", "Numero", "Pvm",
-        "Selite", "Debet", "Kredit", "Alkusaldo", "VientiId" };
 
-    const PaakirjanRivit::Rivi& rivi() const { return m_rivit->rivit[size_t(m_rivi)]; }
     const PaakirjanRivit::Tili& tili() const { return m_rivit->tilit[size_t(rivi().tili)]; }
     const PaakirjanRivit::Tosite& tosite() const { return m_rivit->tositteet[size_t(rivi().tosite)]; }
-
-    std::shared_ptr<const PaakirjanRivit> m_rivit;
-    qsizetype m_rivi = -1;
-    mutable QByteArray m_teksti;
 };
 
 } // namespace

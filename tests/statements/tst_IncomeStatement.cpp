@@ -395,8 +395,7 @@ void tst_IncomeStatement::noTurnoverRow()
         (QStringList { "information: Voittotiliä ei ole määritelty tuloslaskelmaan.",
             "information: Liikevaihtoriviä ei ole määritelty.\nSuhdelukuja liikevaihtoon ei voida "
             "laskea ilman liikevaihtorivin määrittelyä." }));
-    QCOMPARE(f->rows(QStringLiteral("tula")),
-        QStringList { "0|**|1|Tuotot|1000.00|-|-|-|1000.00|-|-|-|-" });
+    QCOMPARE(f->rows(QStringLiteral("tula")), QStringList { "0|**|1|Tuotot|1000.00|-|-|-|1000.00|-|-|-|-" });
 }
 
 // Links that loop, rows whose group is missing, formulas naming themselves and an empty

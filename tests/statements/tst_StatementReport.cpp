@@ -57,8 +57,7 @@ private slots:
         QTest::newRow("balance sheet, groups only")
             << QStringList { "tase", "--groups-only", "--from", date(1, 1), "--to", date(30, 6) }
             << QStringList { QStringLiteral("Esimerkkiyhdistys ry - Kirjanpidon tase : %1").arg(date(30, 6)),
-                   "Vastaavaa;7630,00;2574,22;10204,22;;;",
-                   "Vastattavaa;7630,00;2574,22;10204,22;;;" }
+                   "Vastaavaa;7630,00;2574,22;10204,22;;;", "Vastattavaa;7630,00;2574,22;10204,22;;;" }
             << 4;
     }
 

@@ -345,10 +345,13 @@ int run(const Arguments& a)
                     ReportExport::writeCsv(*document, a.output);
                 else
                     ReportExport::writeXlsx(*document, a.output);
+                // A spreadsheet or a CSV file has rows, not pages.
+                const QString size = a.format == u"pdf"
+                    ? QStringLiteral("%1 sivua").arg(document->pageCount())
+                    : QStringLiteral("%1 riviä").arg(document->tableRows().size());
                 say(stdout,
-                    QStringLiteral("Kirjoitettiin %1 (%2 sivua).")
-                        .arg(QDir::toNativeSeparators(QFileInfo(a.output).absoluteFilePath()))
-                        .arg(document->pageCount()));
+                    QStringLiteral("Kirjoitettiin %1 (%2).")
+                        .arg(QDir::toNativeSeparators(QFileInfo(a.output).absoluteFilePath()), size));
                 return int(Ok);
             } catch (const DatabaseError& e) {
                 say(stderr,

@@ -6,8 +6,10 @@
 #include "ReportError.h"
 #include "TextMetrics.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <hpdf.h>
 #include <hpdf_pages.h>
@@ -125,6 +127,19 @@ void write(const ReportDocument& document, const QString& path, const Progress& 
     HPDF_SetCompressionMode(doc, pages <= CompressUpToPages ? HPDF_COMP_ALL : HPDF_COMP_NONE);
     HPDF_SetInfoAttr(doc, HPDF_INFO_CREATOR, "Vorkam");
     HPDF_SetInfoAttr(doc, HPDF_INFO_TITLE, WinAnsi::fromUnicode(document.title()).constData());
+    // The association is the document's author; the report is dated when it is written.
+    if (!document.titleLines().isEmpty())
+        HPDF_SetInfoAttr(
+            doc, HPDF_INFO_AUTHOR, WinAnsi::fromUnicode(document.titleLines().first()).constData());
+    const QDateTime now = QDateTime::currentDateTime();
+    const int offset = now.offsetFromUtc();
+    HPDF_Date created { now.date().year(), now.date().month(), now.date().day(), now.time().hour(),
+        now.time().minute(), now.time().second(),
+        offset > 0       ? '+'
+            : offset < 0 ? '-'
+                         : 'Z',
+        std::abs(offset) / 3600, std::abs(offset) % 3600 / 60 };
+    HPDF_SetInfoDateAttr(doc, HPDF_INFO_CREATION_DATE, created);
 
     std::vector<HPDF_Font> fonts;
     for (const PageFont& f : document.fonts())

@@ -681,6 +681,9 @@ std::vector<ReportDocument::TableRow> ReportDocument::tableRows() const
             TableRow row { RowKind::Detail, QVariantList(columns) };
             for (int c = 0; c < columns; ++c)
                 row.cells[c] = m_data->value(item.index, m_columnField[size_t(c)]);
+            if (m_indentField >= 0)
+                row.level = int(std::max<qint64>(0, m_data->number(item.index, m_indentField)));
+            row.bold = m_boldField >= 0 && m_data->number(item.index, m_boldField) != 0;
             rows.push_back(row);
             break;
         }

@@ -51,6 +51,10 @@ public:
     struct TableRow {
         RowKind kind;
         QVariantList cells; // one per column
+        // A detail row of a report whose rows vary in style (a statement): its level below the
+        // main groups and whether it is printed in bold.
+        int level = 0;
+        bool bold = false;
     };
     std::vector<TableRow> tableRows() const;
 

@@ -6,7 +6,11 @@
 #include "ReportError.h"
 
 #include <QFile>
+#include <QHash>
+#include <QRegularExpression>
+#include <algorithm>
 #include <cmath>
+#include <optional>
 #include <xlsxwriter.h>
 
 namespace {
@@ -36,6 +40,44 @@ QString csvCell(const QVariant& v, CellFormat format)
     if (text.contains(u';') || text.contains(u'"') || text.contains(u'\n') || text.contains(u'\r'))
         text = u'"' + text.replace(u'"', QStringLiteral("\"\"")) + u'"';
     return text;
+}
+
+// A worksheet's name from the report's heading: its words before the period ("Päiväkirja",
+// "Kirjanpidon tuloslaskelma"), without the characters a sheet name may not hold, at most 31.
+QString sheetName(const QString& heading)
+{
+    QString name = heading;
+    for (const QString& cut : { QStringLiteral(" -- "), QStringLiteral(" : ") })
+        if (const qsizetype at = name.indexOf(cut); at > 0)
+            name.truncate(at);
+    for (const QChar c : { u'[', u']', u':', u'*', u'?', u'/', u'\\' })
+        name.remove(c);
+    name = name.trimmed().left(31).trimmed();
+    return name.isEmpty() ? QStringLiteral("Raportti") : name;
+}
+
+int firstTextColumn(const ReportDefinition& d)
+{
+    for (int c = 0; c < int(d.columns.size()); ++c)
+        if (d.columns[c].format == CellFormat::Text)
+            return c;
+    return -1;
+}
+
+// The number in a summary's text ("25 978,80", "90") of a money or integer column; none for
+// other text.
+std::optional<double> summaryNumber(const QString& text, CellFormat format)
+{
+    if (format != CellFormat::Money && format != CellFormat::Integer)
+        return std::nullopt;
+    QString t = text.trimmed();
+    t.remove(u' ').remove(QChar(0xa0));
+    static const QRegularExpression number(QStringLiteral("^-?\\d+(,\\d+)?$"));
+    if (t.isEmpty() || !number.match(t).hasMatch())
+        return std::nullopt;
+    bool ok = false;
+    const double n = t.replace(u',', u'.').toDouble(&ok);
+    return ok ? std::optional<double>(n) : std::nullopt;
 }
 
 } // namespace
@@ -69,78 +111,106 @@ void writeCsv(const ReportDocument& document, const QString& path)
 void writeXlsx(const ReportDocument& document, const QString& path)
 {
     const ReportDefinition& d = document.definition();
+    const int columns = int(d.columns.size());
+    const std::vector<ReportDocument::TableRow> rows = document.tableRows();
     OutputFile file(path);
     lxw_workbook* wb = workbook_new(QFile::encodeName(file.temporaryPath()).constData());
     if (!wb)
         throw ReportError(OutputFile::failure(path, QStringLiteral("taulukkotiedostoa ei voitu luoda.")));
-    lxw_worksheet* ws = workbook_add_worksheet(wb, "Raportti");
-    lxw_format* bold = workbook_add_format(wb);
-    format_set_bold(bold);
+    const QStringList& titleLines = document.titleLines();
+    lxw_worksheet* ws = workbook_add_worksheet(wb, sheetName(titleLines.value(1)).toUtf8().constData());
     lxw_format* titleFormat = workbook_add_format(wb);
     format_set_bold(titleFormat);
     format_set_font_size(titleFormat, 12);
-    lxw_format* formats[2][5] = {};
-    for (int b = 0; b < 2; ++b) {
-        for (int f = 0; f < 5; ++f) {
-            lxw_format* format = workbook_add_format(wb);
-            if (b)
-                format_set_bold(format);
-            switch (CellFormat(f)) {
-            case CellFormat::Money:
-                format_set_num_format(format, "#,##0.00");
-                break;
-            case CellFormat::Date:
-                format_set_num_format(format, "d.m.yyyy");
-                break;
-            case CellFormat::Integer:
-                format_set_num_format(format, "0");
-                break;
-            case CellFormat::Percentage:
-                format_set_num_format(format, "0.0");
-                break;
-            case CellFormat::Text:
-                break;
-            }
-            formats[b][f] = format;
+    lxw_format* headFormat = workbook_add_format(wb);
+    format_set_bold(headFormat);
+    format_set_bottom(headFormat, LXW_BORDER_THIN);
+    // A cell's format by its column's format, boldness and indentation, each made once.
+    QHash<int, lxw_format*> formats;
+    const auto formatOf = [&](CellFormat f, bool bold, int level) {
+        const int key = int(f) * 1000 + (bold ? 100 : 0) + std::min(level, 15);
+        if (lxw_format* made = formats.value(key))
+            return made;
+        lxw_format* format = workbook_add_format(wb);
+        if (bold)
+            format_set_bold(format);
+        if (level > 0)
+            format_set_indent(format, uint8_t(std::min(level, 15)));
+        switch (f) {
+        case CellFormat::Money:
+            format_set_num_format(format, "#,##0.00");
+            break;
+        case CellFormat::Date:
+            format_set_num_format(format, "d.m.yyyy");
+            break;
+        case CellFormat::Integer:
+            format_set_num_format(format, "0");
+            break;
+        case CellFormat::Percentage:
+            format_set_num_format(format, "0.0%");
+            break;
+        case CellFormat::Text:
+            break;
         }
-    }
+        formats.insert(key, format);
+        return format;
+    };
     lxw_error error = LXW_NO_ERROR;
     const auto check = [&error](lxw_error e) {
         if (error == LXW_NO_ERROR)
             error = e;
     };
-    check(worksheet_write_string(ws, 0, 0, document.title().toUtf8().constData(), titleFormat));
-    double weights = 0;
-    for (const ReportColumn& c : d.columns)
-        weights += c.width;
-    for (int c = 0; c < int(d.columns.size()); ++c) {
-        check(worksheet_set_column(
-            ws, lxw_col_t(c), lxw_col_t(c), std::max(8.0, 90.0 * d.columns[c].width / weights), nullptr));
-        check(worksheet_write_string(
-            ws, 2, lxw_col_t(c), document.columnCaption(int(c)).toUtf8().constData(), bold));
+    // The association and the report's heading (which names its period) above the table.
+    lxw_row_t r = 0;
+    for (const QString& line : titleLines.mid(0, 2))
+        check(worksheet_write_string(ws, r++, 0, line.toUtf8().constData(), titleFormat));
+    ++r;
+    const lxw_row_t headRow = r;
+    std::vector<qsizetype> widths(size_t(columns), 0);
+    for (int c = 0; c < columns; ++c) {
+        const QString caption = document.columnCaption(c);
+        widths[size_t(c)] = caption.size();
+        check(worksheet_write_string(ws, headRow, lxw_col_t(c), caption.toUtf8().constData(), headFormat));
     }
-    lxw_row_t r = 3;
-    for (const ReportDocument::TableRow& row : document.tableRows()) {
-        const bool strong = row.kind != ReportDocument::RowKind::Detail;
-        for (int c = 0; c < int(d.columns.size()); ++c) {
+    ++r;
+    for (const ReportDocument::TableRow& row : rows) {
+        const bool strong = row.bold || row.kind != ReportDocument::RowKind::Detail;
+        for (int c = 0; c < columns; ++c) {
             const QVariant& v = row.cells.at(c);
             if (v.isNull())
                 continue;
-            lxw_format* format = formats[strong ? 1 : 0][int(d.columns[c].format)];
+            const CellFormat cf = d.columns[c].format;
             const lxw_col_t col = lxw_col_t(c);
+            // Only the caption column is indented: the first text column.
+            const int level = cf == CellFormat::Text && c == firstTextColumn(d) ? row.level : 0;
+            const QString shown = v.typeId() == QMetaType::QString ? v.toString() : csvCell(v, cf);
+            widths[size_t(c)] = std::max(widths[size_t(c)], shown.size() + 2 * level);
             if (v.typeId() == QMetaType::QDate) {
                 lxw_datetime dt { v.toDate().year(), v.toDate().month(), v.toDate().day(), 0, 0, 0 };
-                check(worksheet_write_datetime(ws, r, col, &dt, format));
+                check(worksheet_write_datetime(ws, r, col, &dt, formatOf(cf, strong, 0)));
             } else if (v.typeId() == QMetaType::Double || v.typeId() == QMetaType::LongLong
                 || v.typeId() == QMetaType::Int) {
-                check(worksheet_write_number(ws, r, col, v.toDouble(), format));
+                // Percentages are stored as parts of one, as a spreadsheet counts them.
+                const double n = cf == CellFormat::Percentage ? v.toDouble() / 100.0 : v.toDouble();
+                check(worksheet_write_number(ws, r, col, n, formatOf(cf, strong, 0)));
+            } else if (const std::optional<double> n = summaryNumber(v.toString(), cf)) {
+                // A summary's amount or count, filled into its text: a number all the same.
+                check(worksheet_write_number(ws, r, col, *n, formatOf(cf, strong, 0)));
             } else {
-                check(worksheet_write_string(
-                    ws, r, col, v.toString().toUtf8().constData(), strong ? bold : nullptr));
+                check(worksheet_write_string(ws, r, col, v.toString().toUtf8().constData(),
+                    formatOf(CellFormat::Text, strong, level)));
             }
         }
         ++r;
     }
+    for (int c = 0; c < columns; ++c)
+        check(worksheet_set_column(ws, lxw_col_t(c), lxw_col_t(c),
+            double(std::clamp<qsizetype>(widths[size_t(c)] + 2, 8, 70)), nullptr));
+    // The heading row stays in sight while scrolling and is printed on every page.
+    worksheet_freeze_panes(ws, headRow + 1, 0);
+    check(worksheet_repeat_rows(ws, headRow, headRow));
+    if (document.landscape())
+        worksheet_set_landscape(ws);
     check(workbook_close(wb));
     if (error != LXW_NO_ERROR)
         throw ReportError(OutputFile::failure(path, QString::fromUtf8(lxw_strerror(error))));

@@ -373,15 +373,23 @@ private slots:
                 cells.insert(ref, type == u"s" ? shared.value(v.toInt()) : v);
             }
         }
-        QCOMPARE(cells.value("A1"), QStringLiteral("Åkerlundin ystävät ry - Kokeilu"));
-        QCOMPARE(cells.value("B3"), QStringLiteral("Päivä"));
-        // Row 5 is the first detail row (title, blank, heads, group header): date as a serial day.
-        QCOMPARE(cells.value("A5"), QStringLiteral("Äänestys ja €-maksu 1"));
-        QCOMPARE(cells.value("B5"), QStringLiteral("40787"));
+        // The association and the heading above the table, a sheet named after the report, the
+        // heading row frozen and repeated on every printed page.
+        QCOMPARE(cells.value("A1"), QStringLiteral("Åkerlundin ystävät ry"));
+        QCOMPARE(cells.value("A2"), QStringLiteral("Kokeilu"));
+        QCOMPARE(cells.value("B4"), QStringLiteral("Päivä"));
+        const QByteArray workbook = run(QStringLiteral("unzip"), { "-p", xlsx, "xl/workbook.xml" }).toUtf8();
+        QVERIFY2(workbook.contains("<sheet name=\"Kokeilu\""), workbook.constData());
+        QVERIFY2(workbook.contains("_xlnm.Print_Titles"), workbook.constData());
+        QVERIFY(sheet.contains("state=\"frozen\""));
+        // Row 6 is the first detail row (title, heading, blank, heads, group header): date as a
+        // serial day.
+        QCOMPARE(cells.value("A6"), QStringLiteral("Äänestys ja €-maksu 1"));
+        QCOMPARE(cells.value("B6"), QStringLiteral("40787"));
         for (int line = 3; line < csvLines.size(); ++line) {
             const QStringList c = csvLines.at(line).split(u';');
             for (int col = 2; col < 4; ++col) {
-                const QString ref2 = QString(QChar(u'A' + col)) + QString::number(line + 2);
+                const QString ref2 = QString(QChar(u'A' + col)) + QString::number(line + 3);
                 QCOMPARE(cells.value(ref2).toDouble(), QString(c.at(col)).replace(u',', u'.').toDouble());
             }
         }

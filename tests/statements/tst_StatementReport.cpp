@@ -38,6 +38,9 @@ private slots:
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<QStringList>("lines"); // lines the CSV holds
         QTest::addColumn<int>("rows"); // data rows after the title and the heads
+        // The spreadsheet's sheet name and a value its sheet holds.
+        QTest::addColumn<QString>("sheet");
+        QTest::addColumn<QString>("value");
         QTest::newRow("income statement")
             << QStringList { "tuloslaskelma" }
             << QStringList { QStringLiteral(
@@ -45,7 +48,9 @@ private slots:
                                  "Tilikaudella : %1 - %2")
                                  .arg(date(1, 1), date(31, 12)),
                    "Tilikauden ylijäämä (alijäämä);253,69;4,6;;;253,69;4,6;;;" }
-            << 26;
+            // 4,6 % as a part of one, as a spreadsheet counts percentages.
+            << 26 << "Kirjanpidon tuloslaskelma"
+            << "<v>0.0462";
         QTest::newRow("named template, by account, spring")
             << QStringList { "tuloslaskelma", "--template", "yhdistyksen TULOSLASKELMA", "--accounts",
                    "--from", date(1, 3), "--to", date(31, 5) }
@@ -53,12 +58,14 @@ private slots:
             << QStringList { "Varsinaisen toiminnan tuotot;;;;;;;;;",
                    "3020 Retkien osallistumismaksut;1260,00;71,6;;;1260,00;49,6;;;",
                    "Varsinaisen toiminnan tuotot;1760,00;100,0;;;2540,00;100,0;;;" }
-            << 75;
+            << 75 << "Kirjanpidon tuloslaskelma"
+            << "<v>1260</v>";
         QTest::newRow("balance sheet, groups only")
             << QStringList { "tase", "--groups-only", "--from", date(1, 1), "--to", date(30, 6) }
             << QStringList { QStringLiteral("Esimerkkiyhdistys ry - Kirjanpidon tase : %1").arg(date(30, 6)),
                    "Vastaavaa;7630,00;2574,22;10204,22;;;", "Vastattavaa;7630,00;2574,22;10204,22;;;" }
-            << 4;
+            << 4 << "Kirjanpidon tase"
+            << "<v>10204.22</v>";
     }
 
     void writesRows()
@@ -66,10 +73,14 @@ private slots:
         QFETCH(QStringList, args);
         QFETCH(QStringList, lines);
         QFETCH(int, rows);
+        QFETCH(QString, sheet);
+        QFETCH(QString, value);
         const QString csv = env->path(QStringLiteral("rivit.csv"));
         const ReportCommand r
             = ReportCommand::run(QStringList { books } + args + QStringList { "--csv", csv });
         QVERIFY2(r.code == 0, qPrintable(r.err));
+        // A CSV file is told by its rows, not pages.
+        QVERIFY2(r.out.contains(QStringLiteral("(%1 riviä)").arg(rows)), qPrintable(r.out));
         const QStringList written = QString::fromUtf8(TestEnv::readFile(csv))
                                         .remove(QChar(0xFEFF))
                                         .split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
@@ -80,7 +91,14 @@ private slots:
 
         const QString xlsx = env->path(QStringLiteral("rivit.xlsx"));
         QCOMPARE(ReportCommand::run(QStringList { books } + args + QStringList { "--xlsx", xlsx }).code, 0);
-        QVERIFY(TestEnv::readFile(xlsx).startsWith("PK"));
+        const auto unzip = [&xlsx](const char* part) {
+            QProcess p;
+            p.start(QStringLiteral("unzip"), { "-p", xlsx, QLatin1String(part) });
+            p.waitForFinished(60000);
+            return QString::fromUtf8(p.readAllStandardOutput());
+        };
+        QVERIFY(unzip("xl/workbook.xml").contains(QStringLiteral("<sheet name=\"%1\"").arg(sheet)));
+        QVERIFY2(unzip("xl/worksheets/sheet1.xml").contains(value), qPrintable(value));
     }
 
     // The printed statements, wide and narrow, as PDF files: the same pages as the statement

@@ -20,6 +20,13 @@ public:
 
     // "Tiedostoa X ei voitu kirjoittaa: reason"
     static QString failure(const QString& target, const QString& reason);
+    // Why a file could not be written, in Finnish, from the system's error number (errno): a full
+    // disk, a folder without the right to write, a read-only disk, a file in use; otherwise a
+    // Finnish sentence with the system's own text on a line of its own.
+    static QString reason(int error);
+    // The failure of writing the temporary file, for a library that does not tell why: a full
+    // disk or a folder that cannot be written, judged from the folder; else `fallback`.
+    QString writeFailure(const QString& fallback) const;
 
 private:
     QString m_target;

@@ -46,10 +46,9 @@ public:
 
     HPDF_Doc get() const { return m_pdf; }
     bool failed() const { return !m_pdf || m_failure.error != HPDF_OK; }
-    QString reason() const
+    // The library's own error, for the second line of the message.
+    QString detail() const
     {
-        if (m_failure.error == HPDF_FILE_IO_ERROR || m_failure.error == HPDF_FILE_OPEN_ERROR)
-            return QStringLiteral("tiedostoa ei voi kirjoittaa (levy täynnä tai kansio suojattu?).");
         return QStringLiteral("PDF-kirjaston virhe 0x%1/%2.")
             .arg(m_failure.error, 0, 16)
             .arg(m_failure.detail);
@@ -205,7 +204,8 @@ void write(const ReportDocument& document, const QString& path, const Progress& 
     if (!pdf.failed())
         HPDF_SaveToFile(doc, QFile::encodeName(out.temporaryPath()).constData());
     if (pdf.failed())
-        throw ReportError(OutputFile::failure(path, pdf.reason()));
+        throw ReportError(OutputFile::failure(
+            path, out.writeFailure(QStringLiteral("PDF-tiedostoa ei voitu kirjoittaa.\n") + pdf.detail())));
     out.commit();
 }
 

@@ -9,8 +9,12 @@
 #include <QHash>
 #include <QRegularExpression>
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
+#include <fcntl.h>
 #include <optional>
+#include <unistd.h>
 #include <xlsxwriter.h>
 
 namespace {
@@ -41,6 +45,34 @@ QString csvCell(const QVariant& v, CellFormat format)
         text = u'"' + text.replace(u'"', QStringLiteral("\"\"")) + u'"';
     return text;
 }
+
+// The error stream silenced while it lives: libxlsxwriter writes "[ERROR]" lines of its own.
+class QuietErrors final {
+public:
+    QuietErrors()
+    {
+        std::fflush(stderr);
+        m_saved = ::dup(STDERR_FILENO);
+        const int null = ::open("/dev/null", O_WRONLY);
+        if (m_saved >= 0 && null >= 0)
+            ::dup2(null, STDERR_FILENO);
+        if (null >= 0)
+            ::close(null);
+    }
+    ~QuietErrors()
+    {
+        std::fflush(stderr);
+        if (m_saved >= 0) {
+            ::dup2(m_saved, STDERR_FILENO);
+            ::close(m_saved);
+        }
+    }
+    QuietErrors(const QuietErrors&) = delete;
+    QuietErrors& operator=(const QuietErrors&) = delete;
+
+private:
+    int m_saved = -1;
+};
 
 // A worksheet's name from the report's heading: its words before the period ("Päiväkirja",
 // "Kirjanpidon tuloslaskelma"), without the characters a sheet name may not hold, at most 31.
@@ -102,8 +134,14 @@ void writeCsv(const ReportDocument& document, const QString& path)
     }
     OutputFile file(path);
     QFile f(file.temporaryPath());
-    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate) || f.write(out) != out.size() || !f.flush())
-        throw ReportError(OutputFile::failure(path, f.errorString()));
+    errno = 0;
+    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate) || f.write(out) != out.size() || !f.flush()) {
+        const int error = errno;
+        throw ReportError(OutputFile::failure(path,
+            error != 0 ? OutputFile::reason(error)
+                       : file.writeFailure(
+                           QStringLiteral("CSV-tiedostoa ei voitu kirjoittaa.\n") + f.errorString())));
+    }
     f.close();
     file.commit();
 }
@@ -114,9 +152,12 @@ void writeXlsx(const ReportDocument& document, const QString& path)
     const int columns = int(d.columns.size());
     const std::vector<ReportDocument::TableRow> rows = document.tableRows();
     OutputFile file(path);
+    // The library tells its failures on the error stream in English; the user gets them in Finnish.
+    const QuietErrors quiet;
     lxw_workbook* wb = workbook_new(QFile::encodeName(file.temporaryPath()).constData());
     if (!wb)
-        throw ReportError(OutputFile::failure(path, QStringLiteral("taulukkotiedostoa ei voitu luoda.")));
+        throw ReportError(OutputFile::failure(
+            path, file.writeFailure(QStringLiteral("taulukkotiedostoa ei voitu luoda."))));
     const QStringList& titleLines = document.titleLines();
     lxw_worksheet* ws = workbook_add_worksheet(wb, sheetName(titleLines.value(1)).toUtf8().constData());
     lxw_format* titleFormat = workbook_add_format(wb);
@@ -213,7 +254,9 @@ void writeXlsx(const ReportDocument& document, const QString& path)
         worksheet_set_landscape(ws);
     check(workbook_close(wb));
     if (error != LXW_NO_ERROR)
-        throw ReportError(OutputFile::failure(path, QString::fromUtf8(lxw_strerror(error))));
+        throw ReportError(OutputFile::failure(path,
+            file.writeFailure(QStringLiteral("taulukkotiedostoa ei voitu kirjoittaa.\n")
+                + QString::fromUtf8(lxw_strerror(error)))));
     file.commit();
 }
 

@@ -49,15 +49,19 @@ ReportJob tilienSaldot()
     job.reportFile = QStringLiteral("tilisald.rpt");
     job.formulas = { seurannimi(), QStringLiteral("Otsake= 'Tilien saldot'") };
     job.sortFields = { QStringLiteral("+{tlSaldot.tlsID}") };
+    // The balances are the current fiscal year's: its dates stand in the heading.
+    job.periodStart = ProgramSettings::bookkeeping().TilikausiAlku;
+    job.periodEnd = ProgramSettings::bookkeeping().TilikausiLoppu;
     return job;
 }
 
-ReportJob tiliTarkastelu(const QString& tili)
+ReportJob tiliTarkastelu(const QString& tili, Money loppusaldo)
 {
     ReportJob job;
     job.reportFile = QStringLiteral("tilitark.rpt");
     job.formulas = { seurannimi(), QStringLiteral("Otsake= 'Tilitarkastelu'"),
-        QStringLiteral("Tili= ") + ReportFormulas::quoted(tili) };
+        QStringLiteral("Tili= ") + ReportFormulas::quoted(tili),
+        QStringLiteral("Erotus= ") + ReportFormulas::quoted(loppusaldo.toString()) };
     job.sortFields = { QStringLiteral("+{tlTarkastelut.tltID}") };
     return job;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Money.h"
 #include "ReportJob.h"
 
 #include <QSqlDatabase>
@@ -14,10 +15,12 @@ ReportJob tililuettelo();
 // "tilikart.rpt" (0: no template of that kind). Reads the templates' names for the title.
 // Throws DatabaseError.
 ReportJob tilikartta(const QSqlDatabase& db, qint32 tuloslaskelmaID, qint32 taseID);
-// The account balances of the last computation in tlSaldot, "tilisald.rpt".
+// The account balances of the last computation in tlSaldot, "tilisald.rpt", headed by the fiscal
+// year.
 ReportJob tilienSaldot();
 // The account inspection of the last computation in tlTarkastelut, "tilitark.rpt"; `tili` is the
-// account as its list shows it ("1910 Pankkitili").
-ReportJob tiliTarkastelu(const QString& tili);
+// account as its list shows it ("1910 Pankkitili"), named in the heading of every page, and
+// `loppusaldo` the balance its last line ends at (debit − credit).
+ReportJob tiliTarkastelu(const QString& tili, Money loppusaldo);
 
 } // namespace TiliRaportit

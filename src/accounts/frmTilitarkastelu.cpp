@@ -108,6 +108,7 @@ void frmTilitarkastelu::Paivita()
     ui->lblErotusSumma->setText(tarkastelu.erotusSumma().toCurrencyString());
     ui->grdTarkastelut->scrollToTop();
     m_laskettu = ui->cmbTili->currentText();
+    m_loppusaldo = tarkastelu.erotusSumma();
 }
 
 void frmTilitarkastelu::Tulosta()
@@ -116,7 +117,7 @@ void frmTilitarkastelu::Tulosta()
         Dialogs::instance().information(QStringLiteral("Valitse ensin tili ja päivitä tilitarkastelu."));
         return;
     }
-    ReportRunner::print(this, m_db, TiliRaportit::tiliTarkastelu(m_laskettu));
+    ReportRunner::print(this, m_db, TiliRaportit::tiliTarkastelu(m_laskettu, m_loppusaldo));
 }
 
 void frmTilitarkastelu::avaaRivi(const QModelIndex& index)

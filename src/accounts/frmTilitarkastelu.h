@@ -45,4 +45,5 @@ private:
     std::vector<cTiliTarkastelut::Rivi> m_rivit;
     // The account whose rows tlTarkastelut holds, as its list shows it; empty before a run.
     QString m_laskettu;
+    Money m_loppusaldo; // its balance after the last line
 };

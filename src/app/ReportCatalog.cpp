@@ -118,7 +118,8 @@ const std::vector<Entry>& entries()
                 const QString nimi
                     = Sql::scalar(db, QStringLiteral("SELECT tlNimi FROM tl WHERE tlID = ?"), { id })
                           .toString();
-                return TiliRaportit::tiliTarkastelu(QString::number(*o.account) + u' ' + nimi.trimmed());
+                return TiliRaportit::tiliTarkastelu(
+                    QString::number(*o.account) + u' ' + nimi.trimmed(), tarkastelu.erotusSumma());
             } },
         { QStringLiteral("paivakirja"), QStringLiteral("päiväkirja (--kind, jakso oletuksena tilikausi)"),
             true, false, true,

@@ -24,6 +24,9 @@ public:
     Books()
     {
         ProgramSettings::bookkeeping().Seurannimi = QStringLiteral("Kylätalon kannatusyhdistys ry");
+        // The heading names the fiscal year.
+        ProgramSettings::bookkeeping().TilikausiAlku = QDate(2011, 1, 1);
+        ProgramSettings::bookkeeping().TilikausiLoppu = QDate(2011, 12, 31);
         for (const char* rpt : { "tilisald.rpt", "tilit.rpt", "tilikart.rpt" })
             QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/") + QLatin1String(rpt),
                 f.env.programDir() + u'/' + QLatin1String(rpt));

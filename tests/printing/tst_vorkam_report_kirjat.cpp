@@ -117,14 +117,16 @@ private slots:
         }
         QCOMPARE(compared, loppusaldot.size());
 
-        // The inspection of the bank account ends at its balance.
+        // The inspection of the bank account ends at its balance, and says so on its last line.
         const auto inspection = write({ "tilitark", "--account", "1910" }, "tilitark.csv");
         QVERIFY(inspection.size() > 3);
         qint64 pankki = 0;
         for (const QStringList& row : balances)
             if (row.first().startsWith(QLatin1String("1910 ")))
                 pankki = cents(row.at(3));
-        QCOMPARE(cents(inspection.at(inspection.size() - 2).at(5)), pankki);
+        QCOMPARE(cents(inspection.at(inspection.size() - 3).at(5)), pankki);
+        QCOMPARE(inspection.last().at(2), QStringLiteral("Loppusaldo (debet - kredit)"));
+        QCOMPARE(cents(inspection.last().at(5)), pankki);
     }
 
     // Every report of the catalogue, in each of its kinds, periods and forms, runs on a read-only

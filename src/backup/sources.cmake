@@ -5,8 +5,6 @@ target_sources(vorkam_core PRIVATE
   backup/BackupStick.h
   backup/Drives.cpp
   backup/Drives.h
-  backup/ErrorText.cpp
-  backup/ErrorText.h
   backup/StickBackup.cpp
   backup/StickBackup.h
   backup/StickRestore.cpp

@@ -1,5 +1,6 @@
 #include "OutputFile.h"
 
+#include "ErrorText.h"
 #include "ReportError.h"
 
 #include <QDir>
@@ -53,28 +54,27 @@ QString OutputFile::failure(const QString& target, const QString& reason)
 
 QString OutputFile::reason(int error)
 {
+    // What to do about it, after the system's reason in Finnish.
+    QString advice;
     switch (error) {
     case ENOSPC:
     case EDQUOT:
-        return QStringLiteral("levy on täynnä. Vapauta levyltä tilaa tai tallenna toiseen paikkaan.");
+        advice = QStringLiteral("Vapauta levyltä tilaa tai tallenna toiseen paikkaan.");
+        break;
     case EACCES:
     case EPERM:
-        return QStringLiteral("kansioon ei ole kirjoitusoikeutta. Valitse toinen kansio.");
     case EROFS:
-        return QStringLiteral("levy on kirjoitussuojattu. Valitse toinen paikka.");
-    case ENOENT:
-    case ENOTDIR:
-        return QStringLiteral("kansiota ei ole.");
+        advice = QStringLiteral("Valitse kansio, johon saat kirjoittaa.");
+        break;
     case EBUSY:
     case ETXTBSY:
-        return QStringLiteral("tiedosto on toisen ohjelman käytössä. Sulje se ja yritä uudelleen.");
-    case EIO:
-        return QStringLiteral("levyn käsittely epäonnistui. Onko muistitikku irrotettu?");
+        advice = QStringLiteral("Sulje se ja yritä uudelleen.");
+        break;
     default:
         break;
     }
-    return QStringLiteral("järjestelmä ei sallinut kirjoittamista.\n")
-        + QString::fromLocal8Bit(std::strerror(error));
+    const QString text = ErrorText::meaning(error) + u'.';
+    return advice.isEmpty() ? text : text + u' ' + advice;
 }
 
 QString OutputFile::writeFailure(const QString& fallback) const

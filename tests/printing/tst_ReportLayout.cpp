@@ -431,8 +431,8 @@ private slots:
                 write(*doc, locked + QStringLiteral("/r.out"));
                 QFAIL("written into a folder that cannot be written");
             } catch (const ReportError& e) {
-                QVERIFY2(e.text().contains(QLatin1String("kirjoitusoikeutta"))
-                        || e.text().contains(QLatin1String("kansiota ei ole")),
+                QVERIFY2(e.text().contains(QStringLiteral("Käyttöoikeus ei riitä"))
+                        || e.text().contains(QStringLiteral("Tiedostoa tai kansiota ei löydy")),
                     qPrintable(e.text()));
             }
         }
@@ -467,7 +467,7 @@ private slots:
             } catch (const ReportError& e) {
                 text = e.text();
             }
-            QVERIFY2(text.contains(QStringLiteral("levy on täynnä")), qPrintable(text));
+            QVERIFY2(text.contains(QStringLiteral("Levyllä ei ole tilaa")), qPrintable(text));
             QCOMPARE(QDir(disk).entryList(QDir::Files | QDir::Hidden), QStringList());
         }
     }

@@ -73,6 +73,8 @@ QString engineMeaning(int code)
 
 QString system(int number) { return QString::number(number) + QStringLiteral(": ") + systemMeaning(number); }
 
+QString meaning(int number) { return systemMeaning(number); }
+
 QString engine(int code, const QString& engineText)
 {
     QString text = QString::number(code) + QStringLiteral(": ") + engineMeaning(code);

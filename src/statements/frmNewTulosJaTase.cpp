@@ -11,6 +11,8 @@
 #include "TemplateChecks.h"
 #include "TemplateEditor.h"
 #include "TemplateText.h"
+#include "TemplateTree.h"
+#include "Tilikartta.h"
 #include "Transaction.h"
 #include "frmDates.h"
 #include "frmLisaaTili.h"
@@ -228,19 +230,13 @@ void frmNewTulosJaTase::rebuildTree(const QString& key)
             roots[kind - 1] = new QTreeWidgetItem(m_tree, { TemplateEditor::rootCaption(kind) });
             roots[kind - 1]->setData(0, KeyRole, Node::root(kind).key());
         }
-        QSqlQuery q = Sql::run(
-            m_db, QStringLiteral("SELECT maID, maNimi, maTyyppi FROM ma ORDER BY maTyyppi, maNimi"));
-        std::vector<std::pair<QTreeWidgetItem*, qint32>> templates;
-        while (q.next()) {
-            const int kind = q.value(2).toInt();
-            if (kind != 1 && kind != 2)
+        for (const Tilikartta::Malli& m : Tilikartta::tilinpaatosMallit(m_db)) {
+            if (m.tyyppi != 1 && m.tyyppi != 2)
                 continue;
-            auto* item = new QTreeWidgetItem(roots[kind - 1], { q.value(1).toString().trimmed() });
-            item->setData(0, KeyRole, Node::ofTemplate(q.value(0).toInt()).key());
-            templates.emplace_back(item, q.value(0).toInt());
+            auto* item = new QTreeWidgetItem(roots[m.tyyppi - 1], { m.nimi.trimmed() });
+            item->setData(0, KeyRole, Node::ofTemplate(m.id).key());
+            addRows(item, TemplateTree::load(m_db, m.id));
         }
-        for (const auto& [item, id] : templates)
-            addRows(item, id, 0);
     });
     for (const QString& k : expanded)
         if (QTreeWidgetItem* item = itemOf(k))
@@ -254,29 +250,19 @@ void frmNewTulosJaTase::rebuildTree(const QString& key)
     load(keyOf(selected));
 }
 
-void frmNewTulosJaTase::addRows(QTreeWidgetItem* parent, qint32 maId, qint32 rowId)
+void frmNewTulosJaTase::addRows(QTreeWidgetItem* parent, const TemplateTree& tree)
 {
-    // Each group's rows at once; a damaged link that loops is followed only once round.
-    QSet<qint32> seen;
-    std::function<void(QTreeWidgetItem*, qint32)> add = [&](QTreeWidgetItem* under, qint32 group) {
-        QSqlQuery q = Sql::run(m_db,
-            QStringLiteral("SELECT mrID, mrTeksti FROM mr WHERE mrmaID = ? AND mrBelongsToGroup = ? "
-                           "ORDER BY mrGroupOrder, mrID"),
-            { maId, group });
-        std::vector<std::pair<QTreeWidgetItem*, qint32>> children;
-        while (q.next()) {
-            const qint32 id = q.value(0).toInt();
-            if (seen.contains(id))
-                continue;
-            seen.insert(id);
-            auto* item = new QTreeWidgetItem(under, { q.value(1).toString().trimmed() });
-            item->setData(0, KeyRole, Node::ofRow(id).key());
-            children.emplace_back(item, id);
-        }
-        for (const auto& [item, id] : children)
-            add(item, id);
-    };
-    add(parent, rowId);
+    // The template's tree as the statements read it: rows whose links loop or lead nowhere are
+    // outside it, and the template checks show them.
+    std::function<void(QTreeWidgetItem*, const std::vector<const TemplateRow*>&)> add
+        = [&add](QTreeWidgetItem* under, const std::vector<const TemplateRow*>& rows) {
+              for (const TemplateRow* r : rows) {
+                  auto* item = new QTreeWidgetItem(under, { r->teksti.trimmed() });
+                  item->setData(0, KeyRole, Node::ofRow(r->id).key());
+                  add(item, r->children);
+              }
+          };
+    add(parent, tree.mainRows());
 }
 
 void frmNewTulosJaTase::selectionChanged()

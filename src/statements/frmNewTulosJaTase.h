@@ -12,6 +12,7 @@ class frmNewTulosJaTase;
 }
 class QTreeWidget;
 class QTreeWidgetItem;
+class TemplateTree;
 
 // The statement window: the templates as a tree (tvMalli), the selected template's or row's
 // fields, its accounts and its formula, the commands that build the tree, printing of the
@@ -51,7 +52,7 @@ protected:
 private:
     // Builds the tree again from the books, keeping what was expanded, and selects `key`.
     void rebuildTree(const QString& key);
-    void addRows(QTreeWidgetItem* parent, qint32 maId, qint32 rowId);
+    void addRows(QTreeWidgetItem* parent, const TemplateTree& tree);
     QTreeWidgetItem* itemOf(const QString& key) const;
     void selectionChanged();
     // Loads the selected template and row and shows them.

@@ -4,6 +4,7 @@
 #include "DatabaseError.h"
 #include "Dialogs.h"
 #include "TemplateChecks.h"
+#include "Tilikartta.h"
 
 #include <QVariant>
 
@@ -20,11 +21,8 @@ frmTarkistusVirheet::frmTarkistusVirheet(const QSqlDatabase& db, qint32 tulos, q
         return;
     }
     tellIfFails(QStringLiteral("Malleja ei voitu lukea."), [&] {
-        QSqlQuery q
-            = Sql::run(m_db, QStringLiteral("SELECT maID, maNimi, maTyyppi FROM ma ORDER BY maNimi, maID"));
-        while (q.next())
-            (q.value(2).toInt() == 2 ? ui->cmbTase : ui->cmbTuloslaskelma)
-                ->addItem(q.value(1).toString().trimmed(), q.value(0).toInt());
+        for (const Tilikartta::Malli& m : Tilikartta::tilinpaatosMallit(m_db))
+            (m.tyyppi == 2 ? ui->cmbTase : ui->cmbTuloslaskelma)->addItem(m.nimi.trimmed(), m.id);
     });
     for (const auto& [combo, id] :
         { std::pair { ui->cmbTuloslaskelma, tulos }, std::pair { ui->cmbTase, tase } }) {

@@ -1,14 +1,13 @@
 #include "cTilienSaldot.h"
 
 #include "DatabaseError.h"
+#include "KeyTable.h"
 #include "RowReader.h"
 #include "Transaction.h"
 #include "cTilienSaldo.h"
 
 #include <QHash>
-#include <QSet>
 #include <QVariant>
-#include <algorithm>
 
 cTilienSaldot::cTilienSaldot(const QSqlDatabase& db)
     : m_db(db)
@@ -23,31 +22,19 @@ void cTilienSaldot::Laske()
     Money debet, kredit;
     // The year is read in two plain scans and summed here, by account: joining every entry to its
     // voucher in the engine costs several times more. An entry counts when its voucher exists.
-    std::vector<bool> tositteet;
-    QSet<qint64> kaukaiset; // keys too large for the table
+    KeyTable<bool> tositteet;
     {
         RowReader q(m_db, QStringLiteral("SELECT toID FROM \"to\""));
-        while (q.next()) {
-            const qint64 id = q.integer(0);
-            if (id >= 0 && id < 64 * 1024 * 1024) {
-                if (size_t(id) >= tositteet.size())
-                    tositteet.resize(std::max(size_t(id) + 1, tositteet.size() * 2), false);
-                tositteet[size_t(id)] = true;
-            } else {
-                kaukaiset.insert(id);
-            }
-        }
+        while (q.next())
+            tositteet.set(q.integer(0), true);
     }
     QHash<qint32, std::pair<qint64, qint64>> summat; // tlID → debit, credit
     {
         RowReader q(
             m_db, QStringLiteral("SELECT vitoID, vitlID, viTyyppi, viArvo FROM vi WHERE viAutomaatti = 0"));
         while (q.next()) {
-            const qint64 tosite = q.integer(0);
-            const bool on = tosite >= 0 && size_t(tosite) < tositteet.size() ? tositteet[size_t(tosite)]
-                                                                             : kaukaiset.contains(tosite);
             const QByteArrayView tyyppi = q.bytes(2);
-            if (!on || q.isNull(2) || (tyyppi != "D" && tyyppi != "K"))
+            if (!tositteet.value(q.integer(0)) || q.isNull(2) || (tyyppi != "D" && tyyppi != "K"))
                 continue;
             std::pair<qint64, qint64>& s = summat[qint32(q.integer(1))];
             (tyyppi == "D" ? s.first : s.second) += q.integer(3);

@@ -62,4 +62,20 @@ QString sqlLiteral(const QDate& date)
 QDate yearStart(const QDate& today) { return QDate(today.year(), 1, 1); }
 QDate yearEnd(const QDate& today) { return QDate(today.year(), 12, 31); }
 
+int dayNumber(QByteArrayView text)
+{
+    if (text.size() < 10 || text[4] != '-' || text[7] != '-')
+        return 0;
+    int n = 0;
+    for (int i : { 0, 1, 2, 3, 5, 6, 8, 9 }) {
+        const char c = text[i];
+        if (c < '0' || c > '9')
+            return 0;
+        n = n * 10 + (c - '0');
+    }
+    return n;
+}
+
+int dayNumber(const QDate& d) { return d.isValid() ? d.year() * 10000 + d.month() * 100 + d.day() : 0; }
+
 } // namespace Dates

@@ -89,45 +89,16 @@ void ReportData::setValue(int row, int field, const QVariant& value)
 
 void ReportData::setDate(int row, int field, const QString& text)
 {
-    // Read by hand: a long report has a date on every row.
-    const QChar* p = text.constData();
-    const auto digits = [p](int from, int count) {
-        int n = 0;
-        for (int i = from; i < from + count; ++i) {
-            if (!p[i].isDigit())
-                return -1;
-            n = n * 10 + p[i].digitValue();
-        }
-        return n;
-    };
-    QDate d;
-    if (text.size() >= 10 && p[4] == u'-' && p[7] == u'-' && digits(0, 4) >= 0 && digits(5, 2) >= 0
-        && digits(8, 2) >= 0)
-        d = QDate(digits(0, 4), digits(5, 2), digits(8, 2));
-    else
-        d = Dates::fromSql(text);
-    m_columns[size_t(field)].numbers[size_t(row)] = d.isValid() ? d.toJulianDay() : Null;
+    setDate(row, field, QByteArrayView(text.toLatin1()));
 }
 
 void ReportData::setDate(int row, int field, QByteArrayView text)
 {
     // Read by hand: a long report has a date on every row.
-    const auto digits = [&text](int from, int count) {
-        int n = 0;
-        for (int i = from; i < from + count; ++i) {
-            if (text[i] < '0' || text[i] > '9')
-                return -1;
-            n = n * 10 + (text[i] - '0');
-        }
-        return n;
-    };
-    if (text.size() >= 10 && text[4] == '-' && text[7] == '-' && digits(0, 4) >= 0 && digits(5, 2) >= 0
-        && digits(8, 2) >= 0) {
-        const QDate d(digits(0, 4), digits(5, 2), digits(8, 2));
-        m_columns[size_t(field)].numbers[size_t(row)] = d.isValid() ? d.toJulianDay() : Null;
-        return;
-    }
-    setDate(row, field, QString::fromUtf8(text));
+    const int day = Dates::dayNumber(text);
+    const QDate d
+        = day != 0 ? QDate(day / 10000, day / 100 % 100, day % 100) : Dates::fromSql(QString::fromUtf8(text));
+    m_columns[size_t(field)].numbers[size_t(row)] = d.isValid() ? d.toJulianDay() : Null;
 }
 
 void ReportData::copyValue(int row, int from, int field)

@@ -2,11 +2,11 @@
 
 #include "DatabaseError.h"
 #include "Dates.h"
+#include "KeyTable.h"
 #include "RowReader.h"
 #include "VoucherLayout.h"
 
 #include <QHash>
-#include <QSet>
 #include <QStringList>
 #include <QVariant>
 #include <algorithm>
@@ -18,23 +18,6 @@ const VoucherLayout& layoutOf(FiscalYear year)
 {
     return year == FiscalYear::Current ? VoucherLayout::current() : VoucherLayout::previous();
 }
-
-// A date as yyyymmdd, which orders as the dates do; 0 when it is no date.
-int dayNumber(QByteArrayView text)
-{
-    if (text.size() < 10 || text[4] != '-' || text[7] != '-')
-        return 0;
-    int n = 0;
-    for (int i : { 0, 1, 2, 3, 5, 6, 8, 9 }) {
-        const char c = text[i];
-        if (c < '0' || c > '9')
-            return 0;
-        n = n * 10 + (c - '0');
-    }
-    return n;
-}
-
-int dayNumber(const QDate& d) { return d.isValid() ? d.year() * 10000 + d.month() * 100 + d.day() : 0; }
 
 // A filter's dates as day numbers, worked out once for the hundred thousand vouchers of a year.
 struct FilterDays {
@@ -81,26 +64,17 @@ EntrySums EntrySums::read(const QSqlDatabase& db, FiscalYear year, const std::ve
     // stored are replaced by computed entries).
     std::vector<FilterDays> days;
     for (const EntryFilter& f : filters)
-        days.push_back({ f.kind, f.from.isValid() && f.to.isValid() ? dayNumber(f.from) : 0,
-            f.from.isValid() && f.to.isValid() ? dayNumber(f.to) : 0 });
-    std::vector<quint32> masks;
-    QHash<qint64, quint32> farMasks; // keys too far apart for the vector
+        days.push_back({ f.kind, f.from.isValid() && f.to.isValid() ? Dates::dayNumber(f.from) : 0,
+            f.from.isValid() && f.to.isValid() ? Dates::dayNumber(f.to) : 0 });
+    KeyTable<quint32> masks;
     {
         RowReader q(db,
             QStringLiteral("SELECT %1, %2, %3 FROM %4 WHERE %5 >= 0 AND %6 = 0")
                 .arg(l.toID, l.toPvm, l.toAvaustosite, l.to, l.toNumero, l.toAutomaatti));
         while (q.next()) {
-            const qint64 id = q.integer(0);
-            const quint32 mask = filterMask(days, dayNumber(q.bytes(1)), q.integer(2) != 0);
-            if (mask == 0)
-                continue;
-            if (id >= 0 && id < 64 * 1024 * 1024) {
-                if (size_t(id) >= masks.size())
-                    masks.resize(std::max(size_t(id) + 1, masks.size() * 2), 0);
-                masks[size_t(id)] = mask;
-            } else {
-                farMasks.insert(id, mask);
-            }
+            const quint32 mask = filterMask(days, Dates::dayNumber(q.bytes(1)), q.integer(2) != 0);
+            if (mask != 0)
+                masks.set(q.integer(0), mask);
         }
     }
     // Each listed account's sums, found by its key through a table while the keys are small.
@@ -117,9 +91,7 @@ EntrySums EntrySums::read(const QSqlDatabase& db, FiscalYear year, const std::ve
         QStringLiteral("SELECT %1, %2, %3, %4 FROM %5 WHERE %6 = 0")
             .arg(l.vitoID, l.vitlID, l.viTyyppi, l.viArvo, l.vi, l.viAutomaatti));
     while (q.next()) {
-        const qint64 voucher = q.integer(0);
-        const quint32 mask = voucher >= 0 && size_t(voucher) < masks.size() ? masks[size_t(voucher)]
-                                                                            : farMasks.value(voucher, 0);
+        const quint32 mask = masks.value(q.integer(0));
         if (mask == 0)
             continue;
         const qint32 account = qint32(q.integer(1));

@@ -1,6 +1,7 @@
 #include "ProfitEntries.h"
 
 #include "DatabaseError.h"
+#include "IncomeStatement.h"
 #include "ProgramSettings.h"
 #include "TemplateText.h"
 #include "TemplateTree.h"
@@ -96,14 +97,14 @@ Outcome fromSums(const TemplateTree& tree, const EntrySums& current, const Entry
 
 Outcome compute(const QSqlDatabase& db, qint32 incomeTemplateId, const QDate& start, const QDate& end)
 {
-    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    // The sums the income statement of the same period reads.
+    const StatementOptions o = StatementOptions::forPeriod(incomeTemplateId, start, end);
     const TemplateTree tree = TemplateTree::load(db, incomeTemplateId);
     const std::vector<qint32> listed = tree.allAccounts();
-    const EntrySums current = EntrySums::read(db, FiscalYear::Current, listed,
-        { EntryFilter::dated(start, end), EntryFilter::dated(s.TilikausiAlku, end) });
-    const EntrySums previous = EntrySums::read(db, FiscalYear::Previous, listed,
-        { EntryFilter::dated(start.addYears(-1), end.addYears(-1)),
-            EntryFilter::dated(s.EdTilikausiAlku, end.addYears(-1)) });
+    const EntrySums current
+        = EntrySums::read(db, FiscalYear::Current, listed, IncomeStatement::filters(o, FiscalYear::Current));
+    const EntrySums previous = EntrySums::read(
+        db, FiscalYear::Previous, listed, IncomeStatement::filters(o, FiscalYear::Previous));
     return fromSums(tree, current, previous, 0, 1, start, end);
 }
 

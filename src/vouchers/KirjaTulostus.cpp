@@ -2,6 +2,7 @@
 
 #include "DatabaseError.h"
 #include "Dates.h"
+#include "KeyTable.h"
 #include "PeriodCheck.h"
 #include "ProgramSettings.h"
 #include "ReportFormulas.h"
@@ -52,22 +53,6 @@ QString tositeLaji(Laji laji)
     }
     return QStringLiteral("\"to\".toAvaustosite = 0 AND \"to\".toPaatostosite = 0");
 }
-
-// A date as yyyymmdd, which orders as the dates do; 0 when it is no date.
-int paiva(QByteArrayView text)
-{
-    if (text.size() < 10 || text[4] != '-' || text[7] != '-')
-        return 0;
-    int n = 0;
-    for (int i : { 0, 1, 2, 3, 5, 6, 8, 9 }) {
-        if (text[i] < '0' || text[i] > '9')
-            return 0;
-        n = n * 10 + (text[i] - '0');
-    }
-    return n;
-}
-
-int paiva(const QDate& d) { return d.year() * 10000 + d.month() * 100 + d.day(); }
 
 // Which entries of the kind count in the balance at the start of the period, and which are the
 // period's rows: the opening entries start from nothing; the ordinary ones from the opening
@@ -394,7 +379,7 @@ std::shared_ptr<const PaivakirjanRivit> paivakirjanRivit(
     PaivakirjanRivit& r = *rivit;
     // The vouchers of the kind numbered 0 or above and dated in the period, in three plain scans
     // joined and sorted here, as in the ledger.
-    QHash<qint64, int> tositteet; // toID → index
+    KeyTable<int> tositteet; // toID → index + 1
     {
         RowReader q(db,
             QStringLiteral(
@@ -408,7 +393,7 @@ std::shared_ptr<const PaivakirjanRivit> paivakirjanRivit(
             const QByteArrayView pvm = q.bytes(2);
             if (q.isNull(2) || pvm < a || pvm > l)
                 continue;
-            tositteet.insert(q.integer(0), int(r.tositteet.size()));
+            tositteet.set(q.integer(0), int(r.tositteet.size()) + 1);
             r.tositteet.push_back(
                 { q.integer(0), q.integer(1), QByteArray(pvm.data(), pvm.size()), q.text(3) });
         }
@@ -429,10 +414,10 @@ std::shared_ptr<const PaivakirjanRivit> paivakirjanRivit(
     {
         RowReader q(db, QStringLiteral("SELECT viID, vitoID, vitlID, viTyyppi, viArvo FROM vi"));
         while (q.next()) {
-            const auto tosite = tositteet.constFind(q.integer(1));
-            if (tosite == tositteet.constEnd())
+            const int tosite = tositteet.value(q.integer(1)) - 1;
+            if (tosite < 0)
                 continue;
-            vienteja[size_t(*tosite)] = true;
+            vienteja[size_t(tosite)] = true;
             const QByteArrayView tyyppi = q.bytes(3);
             int tunnus = 0;
             if (!q.isNull(3)) {
@@ -452,7 +437,7 @@ std::shared_ptr<const PaivakirjanRivit> paivakirjanRivit(
                 r.summat.kredit += Money::fromRaw(arvo);
             }
             const auto tili = tilit.constFind(qint32(q.integer(2)));
-            r.rivit.push_back({ *tosite, q.integer(0), tunnus, tili == tilit.constEnd() ? -1 : *tili, arvo });
+            r.rivit.push_back({ tosite, q.integer(0), tunnus, tili == tilit.constEnd() ? -1 : *tili, arvo });
         }
     }
     // The types in the order the query sorts them (none first, then as text).
@@ -559,20 +544,20 @@ Paakirja valmistelePaakirja(const QSqlDatabase& db, Laji laji, const QDate& alku
                 { qint32(q.integer(0)), q.integer(1), q.text(2), !q.isNull(3) && q.integer(3) != 0 });
         }
     }
-    QHash<qint64, int> tositteet; // toID → index
+    KeyTable<int> tositteet; // toID → index + 1
     {
         RowReader q(db,
             QStringLiteral(
                 "SELECT toID, toNumero, toPvm, COALESCE(toSelite, '') FROM \"to\" WHERE toNumero >= 0 "
                 "AND toAutomaatti = 0"));
         while (q.next()) {
-            tositteet.insert(q.integer(0), int(r.tositteet.size()));
+            tositteet.set(q.integer(0), int(r.tositteet.size()) + 1);
             const QByteArrayView pvm = q.bytes(2);
             r.tositteet.push_back(
-                { q.integer(1), paiva(pvm), QByteArray(pvm.data(), pvm.size()), q.text(3) });
+                { q.integer(1), Dates::dayNumber(pvm), QByteArray(pvm.data(), pvm.size()), q.text(3) });
         }
     }
-    const Ehdot e { laji, paiva(alku), paiva(loppu) };
+    const Ehdot e { laji, Dates::dayNumber(alku), Dates::dayNumber(loppu) };
     std::vector<qint64> alkusaldot(r.tilit.size(), 0);
     std::vector<qint64> muutokset(r.tilit.size(), 0);
     QSet<qint32> virheelliset;
@@ -582,10 +567,10 @@ Paakirja valmistelePaakirja(const QSqlDatabase& db, Laji laji, const QDate& alku
                 "SELECT viID, vitoID, vitlID, viTyyppi, viArvo, viAvausvienti, viPaatosvienti FROM vi "
                 "WHERE viAutomaatti = 0"));
         while (q.next()) {
-            const auto tosite = tositteet.constFind(q.integer(1));
-            if (tosite == tositteet.constEnd())
+            const int tosite = tositteet.value(q.integer(1)) - 1;
+            if (tosite < 0)
                 continue;
-            const Tosite& t = r.tositteet[size_t(*tosite)];
+            const Tosite& t = r.tositteet[size_t(tosite)];
             const bool avaus = q.integer(5) != 0;
             const bool paatos = q.integer(6) != 0;
             const bool alussa = e.alussa(avaus, paatos, t.paiva);
@@ -607,7 +592,7 @@ Paakirja valmistelePaakirja(const QSqlDatabase& db, Laji laji, const QDate& alku
             if (jaksolla) {
                 muutokset[size_t(*tili)] += maara;
                 if (r.tilit[size_t(*tili)].tulostetaan)
-                    r.rivit.push_back({ *tili, *tosite, q.integer(0), puoli, arvo });
+                    r.rivit.push_back({ *tili, tosite, q.integer(0), puoli, arvo });
             }
         }
     }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "PageText.h"
 #include "SectionFonts.h"
-#include "WinAnsi.h"
 
 #include <QByteArray>
 #include <QString>
@@ -35,9 +35,9 @@ struct PageRule {
 struct ReportPage {
     std::vector<TextRun> runs;
     std::vector<PageRule> rules;
-    // The runs' text in the PDF fonts' character set, each run followed by a NUL byte.
+    // The runs' text in UTF-8, each run followed by a NUL byte.
     QByteArray text;
 
     const char* runBytes(const TextRun& run) const { return text.constData() + run.offset; }
-    QString runText(const TextRun& run) const { return WinAnsi::toUnicode(runBytes(run), run.length); }
+    QString runText(const TextRun& run) const { return PageText::toUnicode(runBytes(run), run.length); }
 };

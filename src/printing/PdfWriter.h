@@ -5,8 +5,8 @@
 
 class ReportDocument;
 
-// Writes a report as PDF with the standard PDF fonts (Times, Helvetica, Courier) in the WinAnsi
-// character set, page by page from the page model.
+// Writes a report as PDF with the Liberation fonts embedded (only the glyphs printed), every
+// letter as typed, page by page from the page model, each page compressed.
 namespace PdfWriter {
 
 // Called after each page with the pages done and the total; false cancels.

@@ -1,7 +1,7 @@
 #include "ReportData.h"
 
 #include "Dates.h"
-#include "WinAnsi.h"
+#include "PageText.h"
 
 #include <cmath>
 
@@ -193,7 +193,9 @@ void ReportData::appendNumber(QByteArray& out, qint64 value, CellFormat format)
         int group = 0;
         do {
             if (group == 3) {
+                // A no-break space, written backwards: C2 A0 in UTF-8.
                 digits[n++] = '\xA0';
+                digits[n++] = '\xC2';
                 group = 0;
             }
             digits[n++] = char('0' + a % 10);
@@ -222,7 +224,7 @@ QString ReportData::formatNumber(qint64 value, CellFormat format)
 {
     QByteArray out;
     appendNumber(out, value, format);
-    return WinAnsi::toUnicode(out);
+    return PageText::toUnicode(out);
 }
 
 void ReportData::appendDisplay(QByteArray& out, int row, int field) const
@@ -245,11 +247,11 @@ void ReportData::appendDisplay(QByteArray& out, int row, int field) const
         const double v = m_columns[size_t(field)].reals[size_t(row)];
         QByteArray t = QByteArray::number(v, 'f', 1);
         t.replace('.', ',');
-        out += t + "\xA0%";
+        out += t + "\xC2\xA0%";
         return;
     }
     case CellFormat::Text:
-        WinAnsi::append(out, text(row, field));
+        PageText::append(out, text(row, field));
         return;
     }
 }
@@ -258,5 +260,5 @@ QString ReportData::display(int row, int field) const
 {
     QByteArray out;
     appendDisplay(out, row, field);
-    return WinAnsi::toUnicode(out);
+    return PageText::toUnicode(out);
 }

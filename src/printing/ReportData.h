@@ -50,7 +50,7 @@ public:
 
     // The value shown in a report cell: "1 234,50", "5.9.2011", "12,5 %", texts as they are.
     QString display(int row, int field) const;
-    // The same in the PDF character set, appended to `out`.
+    // The same as page text (UTF-8), appended to `out`.
     void appendDisplay(QByteArray& out, int row, int field) const;
     // A number of a column's format as shown ("1 234,50", "17").
     static void appendNumber(QByteArray& out, qint64 value, CellFormat format);

@@ -14,7 +14,7 @@ namespace {
 constexpr float A4Width = 595.276f;
 constexpr float A4Height = 841.89f;
 constexpr float DefaultMargin = 42.52f; // 15 mm
-constexpr char Ellipsis = '\x85';
+constexpr char Ellipsis[] = "\xE2\x80\xA6"; // … in UTF-8
 // A wrapped text longer than this many lines is cut.
 constexpr int MaxWrappedLines = 12;
 
@@ -111,7 +111,7 @@ ReportDocument::ReportDocument(
     m_grandTotal = compile(m_definition.grandTotal);
     m_runningTitle = title();
     for (const ReportColumn& c : m_definition.columns)
-        m_captions.push_back(WinAnsi::fromUnicode(expand(c.caption, -1)));
+        m_captions.push_back(PageText::fromUnicode(expand(c.caption, -1)));
     const ReportRowStyle& style = m_definition.rowStyle;
     m_indentField = style.indentField.isEmpty() ? -1 : m_data->fieldIndex(style.indentField);
     m_boldField = style.boldField.isEmpty() ? -1 : m_data->fieldIndex(style.boldField);
@@ -169,7 +169,7 @@ ReportDocument::Template ReportDocument::compile(const QString& text) const
     QString literal;
     const auto flush = [&] {
         if (!literal.isEmpty())
-            t.parts.push_back({ WinAnsi::fromUnicode(literal), -1 });
+            t.parts.push_back({ PageText::fromUnicode(literal), -1 });
         literal.clear();
     };
     qsizetype last = 0;
@@ -245,7 +245,7 @@ std::vector<std::pair<qsizetype, qsizetype>> ReportDocument::wrap(
     // Greedy, at blanks; a word wider than the line is broken where it overflows. The last
     // allowed line takes the rest, which the placement cuts with an ellipsis.
     std::vector<std::pair<qsizetype, qsizetype>> lines;
-    const TextMetrics::Table& advances = TextMetrics::table(font.family, font.bold, font.italic);
+    const float* advances = TextMetrics::table(font.family, font.bold, font.italic).data();
     const float limit = width / font.size;
     qsizetype start = 0;
     const auto skipBlanks = [&] {
@@ -258,17 +258,19 @@ std::vector<std::pair<qsizetype, qsizetype>> ReportDocument::wrap(
         qsizetype i = start;
         qsizetype lastBlank = -1;
         while (i < length) {
-            const float a = advances[static_cast<unsigned char>(text[i])];
+            const char* p = text + i;
+            const float a = advances[PageText::next(p)];
             if (w + a > limit)
                 break;
             if (text[i] == ' ')
                 lastBlank = i;
             w += a;
-            ++i;
+            i = p - text;
         }
         if (i >= length)
             break;
-        const qsizetype end = lastBlank > start ? lastBlank : std::max(i, start + 1);
+        const qsizetype end
+            = lastBlank > start ? lastBlank : std::max(i, start + PageText::charLength(text[start]));
         lines.emplace_back(start, end - start);
         start = end;
         skipBlanks();
@@ -339,7 +341,7 @@ QVariantList ReportDocument::tableCells(const Line& line, int row) const
             // Two texts of one line in the same column share its cell.
             const QString before = cells[cell.from].toString();
             cells[cell.from]
-                = before.isEmpty() ? WinAnsi::toUnicode(text) : before + u' ' + WinAnsi::toUnicode(text);
+                = before.isEmpty() ? PageText::toUnicode(text) : before + u' ' + PageText::toUnicode(text);
         }
     }
     return cells;
@@ -475,14 +477,16 @@ void ReportDocument::placeSpan(ReportPage& page, int from, int to, CellAlign ali
     quint32 length = quint32(page.text.size()) - offset;
     float w = TextMetrics::width(pf, page.text.constData() + offset, length);
     if (w > available) {
-        const float ellipsis = TextMetrics::width(pf, &Ellipsis, 1);
+        const float ellipsis = TextMetrics::width(pf, Ellipsis, 3);
         while (length > 0 && w + ellipsis > available) {
-            --length;
+            do
+                --length;
+            while (length > 0 && (static_cast<unsigned char>(page.text[offset + length]) & 0xC0) == 0x80);
             w = TextMetrics::width(pf, page.text.constData() + offset, length);
         }
         page.text.resize(offset + length);
-        page.text.append(Ellipsis);
-        ++length;
+        page.text.append(Ellipsis, 3);
+        length += 3;
         w += ellipsis;
     }
     page.text.append('\0');
@@ -573,12 +577,13 @@ ReportPage ReportDocument::page(int index) const
     float y = m_top;
     if (index == 0) {
         for (const QString& line : m_titleLines) {
-            addText(page, m_left, baseline(y, m_titleLine), m_titleFont, WinAnsi::fromUnicode(line));
+            addText(page, m_left, baseline(y, m_titleLine), m_titleFont, PageText::fromUnicode(line));
             y += m_titleLine;
         }
         y += 6;
     } else {
-        addText(page, m_left, baseline(y, m_footerLine), m_runningFont, WinAnsi::fromUnicode(m_runningTitle));
+        addText(
+            page, m_left, baseline(y, m_footerLine), m_runningFont, PageText::fromUnicode(m_runningTitle));
         y += m_footerLine + 4;
     }
     for (int c = 0; c < int(m_definition.columns.size()); ++c)
@@ -629,7 +634,7 @@ ReportPage ReportDocument::page(int index) const
         }
         case Kind::Empty:
             addText(page, m_left + m_padding, baseline(y, h), m_detailFont,
-                WinAnsi::fromUnicode(QStringLiteral("Raportissa ei ole rivejä.")));
+                PageText::fromUnicode(QStringLiteral("Raportissa ei ole rivejä.")));
             break;
         }
         y += h;
@@ -639,7 +644,7 @@ ReportPage ReportDocument::page(int index) const
     page.rules.push_back({ m_left, footerTop - 2, m_right, footerTop - 2, 0.5f });
     const float fb = baseline(footerTop, m_footerLine);
     addText(page, m_left, fb, m_footerFont,
-        WinAnsi::fromUnicode(QStringLiteral("Tulostettu ") + Dates::format(m_options.printDate)));
+        PageText::fromUnicode(QStringLiteral("Tulostettu ") + Dates::format(m_options.printDate)));
     const QByteArray pageNumber
         = "Sivu " + QByteArray::number(index + 1) + " / " + QByteArray::number(pageCount());
     const float w = TextMetrics::width(font(m_footerFont), pageNumber);
@@ -653,7 +658,7 @@ std::vector<ReportDocument::TableRow> ReportDocument::tableRows() const
     const auto text = [this](const Template& t, int row) {
         QByteArray bytes;
         render(bytes, t, row);
-        return WinAnsi::toUnicode(bytes);
+        return PageText::toUnicode(bytes);
     };
     std::vector<TableRow> rows;
     rows.reserve(m_items.size());

@@ -43,7 +43,7 @@ public:
     // "Esimerkkiyhdistys ry - Tilien saldot": for the window caption, the PDF and spreadsheets.
     QString title() const;
     // A column's caption with its formulas filled in ("Loppusaldo 0512").
-    QString columnCaption(int column) const { return WinAnsi::toUnicode(m_captions[size_t(column)]); }
+    QString columnCaption(int column) const { return PageText::toUnicode(m_captions[size_t(column)]); }
 
     // The rows as a spreadsheet gets them, in printing order: group headers, detail rows, group
     // and grand totals. Each cell is a number, a date, a text or null.
@@ -76,7 +76,7 @@ private:
     // document, fields are read from a row when the text is drawn.
     struct Template {
         struct Part {
-            QByteArray literal; // in the PDF character set
+            QByteArray literal; // UTF-8, as the page holds it
             int field = -1;
         };
         std::vector<Part> parts;

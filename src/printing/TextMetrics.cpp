@@ -1,16 +1,15 @@
 #include "TextMetrics.h"
 
-#include <QCoreApplication>
+#include "PageText.h"
+
 #include <QFile>
-#include <QFont>
-#include <QGuiApplication>
-#include <QRawFont>
 #include <hpdf.h>
 #include <mutex>
 
 namespace {
 
 constexpr int Styles = 12; // 3 families × regular, bold, italic, bold italic
+constexpr int Characters = 65536;
 
 int styleIndex(FontFamily family, bool bold, bool italic)
 {
@@ -22,50 +21,38 @@ const char* const LiberationFiles[Styles] = { "LiberationSerif-Regular", "Libera
     "LiberationSans-Italic", "LiberationSans-BoldItalic", "LiberationMono-Regular", "LiberationMono-Bold",
     "LiberationMono-Italic", "LiberationMono-BoldItalic" };
 
-const char* const PdfNames[Styles] = { "Times-Roman", "Times-Bold", "Times-Italic", "Times-BoldItalic",
-    "Helvetica", "Helvetica-Bold", "Helvetica-Oblique", "Helvetica-BoldOblique", "Courier", "Courier-Bold",
-    "Courier-Oblique", "Courier-BoldOblique" };
-
-// The Liberation font of a style at 1000 pixels, so advances come in thousandths of an em.
-QRawFont liberation(FontFamily family, bool bold, bool italic)
-{
-    QFont font(TextMetrics::screenFamily(family));
-    font.setBold(bold);
-    font.setItalic(italic);
-    font.setPixelSize(1000);
-    font.setHintingPreference(QFont::PreferNoHinting);
-    QRawFont raw = QRawFont::fromFont(font);
-    if (raw.isValid() && raw.familyName() == TextMetrics::screenFamily(family))
-        return raw;
-    // The font database did not give it; the Debian package's own file will do.
-    const QString file = QStringLiteral("/usr/share/fonts/truetype/liberation/%1.ttf")
-                             .arg(QLatin1String(LiberationFiles[styleIndex(family, bold, italic)]));
-    if (QFile::exists(file))
-        return QRawFont(file, 1000, QFont::PreferNoHinting);
-    return {};
-}
-
+// The advances as the PDF's own width arrays give them, in thousandths of an em.
 TextMetrics::Table measure(FontFamily family, bool bold, bool italic)
 {
-    if (!qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
-        return TextMetrics::pdfTable(family, bold, italic);
-    const QRawFont raw = liberation(family, bold, italic);
-    if (!raw.isValid())
-        return TextMetrics::pdfTable(family, bold, italic);
-    TextMetrics::Table table {};
-    QString all;
-    for (int b = 0; b < 256; ++b)
-        all += QChar(WinAnsi::decode(static_cast<unsigned char>(b)));
-    const QList<quint32> glyphs = raw.glyphIndexesForString(all);
-    if (glyphs.size() != 256)
-        return TextMetrics::pdfTable(family, bold, italic);
-    const QList<QPointF> advances = raw.advancesForGlyphIndexes(glyphs, QRawFont::UseDesignMetrics);
-    for (int b = 0; b < 256; ++b)
-        table[size_t(b)] = float(advances.at(b).x() / 1000.0);
+    // Without the font every character is taken as half an em wide: the layout still works,
+    // and the PDF writer says what is missing.
+    TextMetrics::Table table(Characters, 0.5f);
+    const QString file = TextMetrics::fontFile(family, bold, italic);
+    HPDF_Doc pdf = file.isEmpty() ? nullptr : HPDF_New(nullptr, nullptr);
+    if (!pdf)
+        return table;
+    HPDF_UseUTFEncodings(pdf);
+    const char* name = HPDF_LoadTTFontFromFile(pdf, QFile::encodeName(file).constData(), HPDF_FALSE);
+    HPDF_Font font = name ? HPDF_GetFont(pdf, name, "UTF-8") : nullptr;
+    for (int c = 0; c < Characters && font; ++c)
+        table[size_t(c)] = float(HPDF_Font_GetUnicodeWidth(font, HPDF_UNICODE(c))) / 1000.0f;
+    HPDF_Free(pdf);
     return table;
 }
 
 } // namespace
+
+QString TextMetrics::fontFile(FontFamily family, bool bold, bool italic)
+{
+    const QLatin1String name(LiberationFiles[styleIndex(family, bold, italic)]);
+    for (const char* folder :
+        { "/usr/share/fonts/truetype/liberation", "/usr/share/fonts/truetype/liberation2" }) {
+        const QString file = QStringLiteral("%1/%2.ttf").arg(QLatin1String(folder), name);
+        if (QFile::exists(file))
+            return file;
+    }
+    return {};
+}
 
 const TextMetrics::Table& TextMetrics::table(FontFamily family, bool bold, bool italic)
 {
@@ -76,33 +63,21 @@ const TextMetrics::Table& TextMetrics::table(FontFamily family, bool bold, bool 
     return tables[i];
 }
 
-TextMetrics::Table TextMetrics::pdfTable(FontFamily family, bool bold, bool italic)
-{
-    Table table {};
-    HPDF_Doc pdf = HPDF_New(nullptr, nullptr);
-    if (!pdf)
-        return table;
-    HPDF_Font font = HPDF_GetFont(pdf, pdfFontName(family, bold, italic), "WinAnsiEncoding");
-    for (int b = 0; b < 256 && font; ++b)
-        table[size_t(b)]
-            = float(HPDF_Font_GetUnicodeWidth(font, WinAnsi::decode(static_cast<unsigned char>(b))))
-            / 1000.0f;
-    HPDF_Free(pdf);
-    return table;
-}
-
 float TextMetrics::width(const PageFont& font, const char* text, qsizetype length)
 {
-    const Table& t = table(font.family, font.bold, font.italic);
+    const float* t = table(font.family, font.bold, font.italic).data();
     float sum = 0;
-    for (qsizetype i = 0; i < length; ++i)
-        sum += t[static_cast<unsigned char>(text[i])];
+    const char* end = text + length;
+    while (text < end) {
+        const auto b = static_cast<unsigned char>(*text);
+        if (b < 0x80) {
+            sum += t[b];
+            ++text;
+        } else {
+            sum += t[PageText::next(text)];
+        }
+    }
     return sum * font.size;
-}
-
-const char* TextMetrics::pdfFontName(FontFamily family, bool bold, bool italic)
-{
-    return PdfNames[styleIndex(family, bold, italic)];
 }
 
 QString TextMetrics::screenFamily(FontFamily family)

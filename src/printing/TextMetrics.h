@@ -3,29 +3,29 @@
 #include "PageModel.h"
 
 #include <QByteArray>
-#include <array>
+#include <QString>
+#include <vector>
 
-// Text widths of the report fonts, measured from the Liberation fonts (metric-compatible with
-// Times, Helvetica and Courier, which the PDF uses), so that the layout places text the same
-// way for the screen, the printer and the PDF. One table of advances per font style, made once.
+// Text widths of the report fonts, read from the Liberation TrueType files that the PDF embeds
+// and the screen draws with, so that the layout places text the same way for the screen, the
+// printer and the PDF. One table of advances per font style, made once when first used.
 class TextMetrics final {
 public:
-    // Width in points of WinAnsi text in `font`.
+    // Width in points of the page text (UTF-8) in `font`.
     static float width(const PageFont& font, const char* text, qsizetype length);
     static float width(const PageFont& font, const QByteArray& text)
     {
         return width(font, text.constData(), text.size());
     }
 
-    // The advances of the 256 WinAnsi characters at 1 point.
-    using Table = std::array<float, 256>;
+    // The advances of the 65 536 16-bit characters at 1 point; a character the font lacks has
+    // the font's missing width.
+    using Table = std::vector<float>;
     static const Table& table(FontFamily family, bool bold, bool italic);
-    // The same from the standard PDF fonts' own metrics; used when no font can be loaded (a
-    // program without a GUI application), and by tests to check that the two agree.
-    static Table pdfTable(FontFamily family, bool bold, bool italic);
 
-    // "Times-Bold", "Helvetica-Oblique", …
-    static const char* pdfFontName(FontFamily family, bool bold, bool italic);
+    // The TrueType file of a style ("/usr/share/fonts/truetype/liberation/LiberationSans-Bold.ttf");
+    // empty when it is not installed.
+    static QString fontFile(FontFamily family, bool bold, bool italic);
     // "Liberation Serif", …
     static QString screenFamily(FontFamily family);
 };

@@ -14,7 +14,7 @@ set(VORKAM_PRINTING_CORE
   printing/SectionFonts.cpp
   printing/SelectionFormula.cpp
   printing/TextMetrics.cpp
-  printing/WinAnsi.cpp
+  printing/PageText.cpp
 )
 set(VORKAM_PRINTING_UI
   printing/DateFields.cpp

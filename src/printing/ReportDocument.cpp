@@ -17,6 +17,7 @@ constexpr float DefaultMargin = 42.52f; // 15 mm
 constexpr char Ellipsis[] = "\xE2\x80\xA6"; // … in UTF-8
 // A wrapped text longer than this many lines is cut.
 constexpr int MaxWrappedLines = 12;
+constexpr char Continued[] = " (jatkuu)";
 
 float marginPoints(int twips) { return twips > 0 ? float(twips) / 20.0f : DefaultMargin; }
 
@@ -283,7 +284,7 @@ std::vector<std::pair<qsizetype, qsizetype>> ReportDocument::wrap(
     return lines;
 }
 
-int ReportDocument::cellLines(const Line& line, quint8 f, int row) const
+int ReportDocument::cellLines(const Line& line, quint8 f, int row, const QByteArray& suffix) const
 {
     int lines = 1;
     QByteArray text;
@@ -292,6 +293,8 @@ int ReportDocument::cellLines(const Line& line, quint8 f, int row) const
             continue;
         text.clear();
         render(text, cell.text, row);
+        if (&cell == &line.back())
+            text += suffix;
         const float width = spanWidth(cell);
         if (TextMetrics::width(font(f), text) <= width)
             continue;
@@ -301,12 +304,14 @@ int ReportDocument::cellLines(const Line& line, quint8 f, int row) const
     return lines;
 }
 
-void ReportDocument::addLine(
-    ReportPage& page, const Line& line, float firstBaseline, float step, quint8 f, int row) const
+void ReportDocument::addLine(ReportPage& page, const Line& line, float firstBaseline, float step, quint8 f,
+    int row, const QByteArray& suffix) const
 {
     for (const Cell& cell : line) {
         const quint32 offset = quint32(page.text.size());
         render(page.text, cell.text, row);
+        if (&cell == &line.back())
+            page.text += suffix;
         if (quint32(page.text.size()) == offset)
             continue;
         const float width = spanWidth(cell);
@@ -388,7 +393,7 @@ void ReportDocument::buildItems()
             const int lines = cells.empty() ? 1 : cellLines(cells, m_groupFont, r);
             m_items.push_back({ Kind::GroupHeader, quint8(k), quint8(lines), r });
         }
-        m_items.push_back({ Kind::Detail, 0, 1, r });
+        m_items.push_back({ Kind::Detail, 0, quint8(detailLines(r)), r });
         for (const int c : totalColumns) {
             const qint64 v = m_data->number(r, m_columnField[size_t(c)]);
             grand[size_t(c)] += v;
@@ -415,6 +420,7 @@ float ReportDocument::height(const Item& item) const
     case Kind::GroupHeader:
         return m_groupLine + float(item.lines - 1) * m_groupTextLine;
     case Kind::Detail:
+        return m_detailLine * float(item.lines);
     case Kind::Empty:
         return m_detailLine;
     case Kind::GroupTotal:
@@ -437,16 +443,52 @@ float ReportDocument::otherBodyTop() const { return m_top + m_footerLine + 4 + m
 void ReportDocument::paginate()
 {
     m_pageStarts.push_back(0);
+    m_pageContinued.emplace_back();
+    const int levels = int(m_groupField.size());
+    std::vector<int> header(size_t(levels), -1); // the latest heading item of each level
     float top = firstBodyTop();
     float y = top;
     for (size_t i = 0; i < m_items.size(); ++i) {
-        const float h = height(m_items[i]);
+        const Item& item = m_items[i];
+        const float h = height(item);
         // A group header is not left alone at the foot of a page.
-        const float need = h + (m_items[i].kind == Kind::GroupHeader ? m_detailLine : 0);
+        const float need = h + (item.kind == Kind::GroupHeader ? m_detailLine : 0);
         if (y + need > m_bodyBottom && y > top) {
             m_pageStarts.push_back(int(i));
+            // The groups the break cuts: all open ones above a new heading; a total still
+            // belongs to its group.
+            int continued = 0;
+            switch (item.kind) {
+            case Kind::Detail:
+                continued = levels;
+                break;
+            case Kind::GroupHeader:
+                continued = item.level;
+                break;
+            case Kind::GroupTotal:
+            case Kind::GroupFooter:
+                continued = item.level + 1;
+                break;
+            default:
+                break;
+            }
+            std::vector<int> repeated;
             top = otherBodyTop();
+            for (int k = 0; k < continued; ++k) {
+                const Line& cells = m_headerCells[size_t(k)];
+                if (header[size_t(k)] < 0 || (cells.empty() && m_groupHeaders[size_t(k)].empty()))
+                    continue;
+                const Item& opened = m_items[size_t(header[size_t(k)])];
+                repeated.push_back(header[size_t(k)]);
+                const int lines = cells.empty() ? 1 : cellLines(cells, m_groupFont, opened.index, Continued);
+                top += m_groupLine + float(lines - 1) * m_groupTextLine;
+            }
+            m_pageContinued.push_back(std::move(repeated));
             y = top;
+        }
+        if (item.kind == Kind::GroupHeader) {
+            header[item.level] = int(i);
+            std::fill(header.begin() + item.level + 1, header.end(), -1);
         }
         y += h;
     }
@@ -498,11 +540,43 @@ void ReportDocument::placeSpan(ReportPage& page, int from, int to, CellAlign ali
     page.runs.push_back({ x, y, offset, length, f, quint8(align) });
 }
 
-void ReportDocument::addDetail(ReportPage& page, float top, float h, int row) const
+quint8 ReportDocument::detailFont(int row) const
 {
-    const float b = baseline(top, h);
-    const quint8 f
-        = m_boldField >= 0 && m_data->number(row, m_boldField) != 0 ? m_detailBoldFont : m_detailFont;
+    return m_boldField >= 0 && m_data->number(row, m_boldField) != 0 ? m_detailBoldFont : m_detailFont;
+}
+
+float ReportDocument::detailWidth(int c, int row) const
+{
+    const float indent = c == m_indentColumn && m_indentField >= 0
+        ? std::max(0.0f, float(m_data->number(row, m_indentField) * m_definition.rowStyle.indentStep))
+        : 0;
+    const float left = std::min(m_columnLeft[size_t(c)] + indent, m_columnRight[size_t(c)] - 2 * m_padding);
+    return m_columnRight[size_t(c)] - left - 2 * m_padding;
+}
+
+int ReportDocument::detailLines(int row) const
+{
+    int lines = 1;
+    const PageFont& f = font(detailFont(row));
+    QByteArray text;
+    for (const int c : m_detailColumns) {
+        const int field = m_columnField[size_t(c)];
+        if (m_data->fields()[size_t(field)].format != CellFormat::Text || m_data->isNull(row, field))
+            continue;
+        const float width = detailWidth(c, row);
+        if (TextMetrics::width(f, m_data->text(row, field)) <= width)
+            continue;
+        text.clear();
+        m_data->appendDisplay(text, row, field);
+        lines = std::max(lines, int(wrap(f, text.constData(), text.size(), width, MaxWrappedLines).size()));
+    }
+    return lines;
+}
+
+void ReportDocument::addDetail(ReportPage& page, float top, int lines, int row) const
+{
+    const float b = baseline(top, m_detailLine);
+    const quint8 f = detailFont(row);
     const bool rule = m_ruleField >= 0 && m_data->number(row, m_ruleField) != 0;
     const float indent = m_indentField >= 0
         ? float(m_data->number(row, m_indentField) * m_definition.rowStyle.indentStep)
@@ -513,11 +587,42 @@ void ReportDocument::addDetail(ReportPage& page, float top, float h, int row) co
         if (quint32(page.text.size()) == offset)
             continue;
         const ReportColumn& column = m_definition.columns[c];
-        placeSpan(page, c, c, column.align, b, f, offset, c == m_indentColumn ? std::max(indent, 0.0f) : 0);
+        const float cellIndent = c == m_indentColumn ? std::max(indent, 0.0f) : 0;
+        const float width = detailWidth(c, row);
+        if (lines > 1 && m_data->fields()[size_t(m_columnField[size_t(c)])].format == CellFormat::Text
+            && TextMetrics::width(font(f), page.text.constData() + offset, page.text.size() - offset)
+                > width) {
+            // The text goes on over the row's further lines.
+            const QByteArray whole = page.text.mid(offset);
+            page.text.resize(offset);
+            float y = b;
+            for (const auto& [from, length] : wrap(font(f), whole.constData(), whole.size(), width, lines)) {
+                const quint32 at = quint32(page.text.size());
+                page.text.append(whole.constData() + from, length);
+                placeSpan(page, c, c, column.align, y, f, at, cellIndent);
+                y += m_detailLine;
+            }
+        } else {
+            placeSpan(page, c, c, column.align, b, f, offset, cellIndent);
+        }
         // A total's amounts are set off from the lines they sum.
         if (rule && column.format == CellFormat::Money)
             page.rules.push_back({ m_columnLeft[size_t(c)] + m_padding, top + 0.5f,
                 m_columnRight[size_t(c)] - m_padding, top + 0.5f, 0.5f });
+    }
+}
+
+void ReportDocument::addGroupHeader(ReportPage& page, float y, const Item& item, bool continued) const
+{
+    const QByteArray suffix = continued ? QByteArray(Continued) : QByteArray();
+    const float b = baseline(y + 3, m_groupLine - 3);
+    const Line& cells = m_headerCells[item.level];
+    if (!cells.empty()) {
+        addLine(page, cells, b, m_groupTextLine, m_groupFont, item.index, suffix);
+    } else {
+        QByteArray text;
+        render(text, m_groupHeaders[item.level], item.index);
+        addText(page, m_left + m_padding, b, m_groupFont, text + suffix);
     }
 }
 
@@ -591,26 +696,24 @@ ReportPage ReportDocument::page(int index) const
     y += m_headerLine;
     page.rules.push_back({ m_left, y + 1, m_right, y + 1, 0.75f });
     y += 3;
+    for (const int header : m_pageContinued[size_t(index)]) {
+        const Item& item = m_items[size_t(header)];
+        addGroupHeader(page, y, item, true);
+        const Line& cells = m_headerCells[item.level];
+        const int lines = cells.empty() ? 1 : cellLines(cells, m_groupFont, item.index, Continued);
+        y += m_groupLine + float(lines - 1) * m_groupTextLine;
+    }
 
     for (int i = first; i < end; ++i) {
         const Item& item = m_items[size_t(i)];
         const float h = height(item);
         switch (item.kind) {
         case Kind::Detail:
-            addDetail(page, y, h, item.index);
+            addDetail(page, y, item.lines, item.index);
             break;
-        case Kind::GroupHeader: {
-            const float b = baseline(y + 3, m_groupLine - 3);
-            const Line& cells = m_headerCells[item.level];
-            if (!cells.empty()) {
-                addLine(page, cells, b, m_groupTextLine, m_groupFont, item.index);
-            } else {
-                QByteArray text;
-                render(text, m_groupHeaders[item.level], item.index);
-                addText(page, m_left + m_padding, b, m_groupFont, text);
-            }
+        case Kind::GroupHeader:
+            addGroupHeader(page, y, item, false);
             break;
-        }
         case Kind::GroupTotal: {
             QByteArray caption;
             render(caption, m_groupTotals[item.level], m_totalRows[size_t(item.index)]);

@@ -69,7 +69,7 @@ private:
     struct Item {
         Kind kind;
         quint8 level; // group level
-        quint8 lines = 1; // text lines of a group header whose cells wrap
+        quint8 lines = 1; // text lines of a group header or detail row whose texts wrap
         qint32 index; // row, block of totals, or summary line
     };
     // A text with fields and formulas, compiled once: formulas and the period are fixed for the
@@ -99,8 +99,15 @@ private:
     std::vector<std::pair<qsizetype, qsizetype>> wrap(
         const PageFont& font, const char* text, qsizetype length, float width, int maxLines) const;
     float spanWidth(const Cell& cell) const;
-    int cellLines(const Line& line, quint8 font, int row) const;
-    void addLine(ReportPage& page, const Line& line, float top, float lineHeight, quint8 font, int row) const;
+    // `suffix` is appended to the line's last cell: " (jatkuu)" on a heading repeated on the next page.
+    int cellLines(const Line& line, quint8 font, int row, const QByteArray& suffix = {}) const;
+    void addLine(ReportPage& page, const Line& line, float top, float lineHeight, quint8 font, int row,
+        const QByteArray& suffix = {}) const;
+    // The text lines of a detail row: its texts wrap rather than being cut.
+    int detailLines(int row) const;
+    float detailWidth(int column, int row) const;
+    quint8 detailFont(int row) const;
+    void addGroupHeader(ReportPage& page, float top, const Item& item, bool continued) const;
     QVariantList tableCells(const Line& line, int row) const;
     void buildItems();
     void paginate();
@@ -114,7 +121,7 @@ private:
     void placeCell(ReportPage& page, int column, float y, quint8 font, quint32 offset) const;
     void placeSpan(ReportPage& page, int from, int to, CellAlign align, float y, quint8 font, quint32 offset,
         float indent = 0) const;
-    void addDetail(ReportPage& page, float top, float height, int row) const;
+    void addDetail(ReportPage& page, float top, int lines, int row) const;
     void addCell(ReportPage& page, int column, float y, quint8 font, const QByteArray& text) const;
     void addTotals(ReportPage& page, float top, float line, quint8 font, int block, const QByteArray& caption,
         bool columnRules) const;
@@ -140,6 +147,9 @@ private:
     std::vector<Line> m_summary;
     Template m_grandTotal;
     std::vector<int> m_pageStarts; // first item of each page
+    // The group headings repeated at the top of each page, "(jatkuu)", as the items that began them:
+    // the groups a page break cut.
+    std::vector<std::vector<int>> m_pageContinued;
 
     // Geometry in points.
     float m_pageWidth = 0, m_pageHeight = 0;

@@ -80,6 +80,18 @@ float TextMetrics::width(const PageFont& font, const char* text, qsizetype lengt
     return sum * font.size;
 }
 
+float TextMetrics::width(const PageFont& font, QStringView text)
+{
+    const float* t = table(font.family, font.bold, font.italic).data();
+    float sum = 0;
+    for (const QChar c : text) {
+        const char16_t u = c.unicode();
+        // As the page text holds them: controls as blanks, halves of a pair as "?".
+        sum += t[u < 0x20 ? u' ' : (u >= 0xD800 && u <= 0xDFFF) ? u'?' : u];
+    }
+    return sum * font.size;
+}
+
 QString TextMetrics::screenFamily(FontFamily family)
 {
     switch (family) {

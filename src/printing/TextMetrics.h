@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringView>
 #include <vector>
 
 // Text widths of the report fonts, read from the Liberation TrueType files that the PDF embeds
@@ -17,6 +18,8 @@ public:
     {
         return width(font, text.constData(), text.size());
     }
+
+    static float width(const PageFont& font, QStringView text);
 
     // The advances of the 65 536 16-bit characters at 1 point; a character the font lacks has
     // the font's missing width.

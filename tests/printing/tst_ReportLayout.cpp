@@ -21,6 +21,7 @@
 #include <QSqlQuery>
 #include <QTest>
 #include <QXmlStreamReader>
+#include <functional>
 
 namespace {
 
@@ -56,7 +57,8 @@ std::shared_ptr<ReportData> rows(int count, int perGroup)
     return data;
 }
 
-std::unique_ptr<ReportDocument> document(int count, int perGroup, LayoutOptions o = {})
+std::unique_ptr<ReportDocument> document(
+    int count, int perGroup, LayoutOptions o = {}, const std::function<void(ReportData&)>& edit = {})
 {
     ReportDefinition d = ReportDefinition::parse(Grouped, QStringLiteral("kokeilu.rpt"));
     if (o.fonts[0].face == FontSpec().face && o.fonts[0].size == FontSpec().size)
@@ -64,7 +66,10 @@ std::unique_ptr<ReportDocument> document(int count, int perGroup, LayoutOptions 
     o.printDate = QDate(2011, 12, 31);
     o.formulas.insert(QStringLiteral("Seurannimi"), QStringLiteral("Åkerlundin ystävät ry"));
     o.period = QStringLiteral("1.1.2011 - 31.12.2011");
-    return std::make_unique<ReportDocument>(std::move(d), rows(count, perGroup), std::move(o));
+    const auto data = rows(count, perGroup);
+    if (edit)
+        edit(*data);
+    return std::make_unique<ReportDocument>(std::move(d), data, std::move(o));
 }
 
 // Words as any reader sees them: a no-break space separates too.
@@ -227,6 +232,23 @@ private slots:
             const QString last = page.runText(page.runs.at(page.runs.size() - 3));
             QVERIFY2(!last.startsWith(QStringLiteral("Ryhmä")), qPrintable(last));
         }
+        // A page that begins inside a group first repeats its heading.
+        static const QRegularExpression detail(
+            QStringLiteral("^(Äänestys ja €-maksu|Čorbić.*Ωmega) (\\d+)$"));
+        int continued = 0;
+        for (int i = 1; i < doc->pageCount(); ++i) {
+            const QStringList runs = doc->pageRunTexts(i).split(u'\n');
+            const QString first = runs.value(5); // after the running title and the column heads
+            const auto next = std::find_if(
+                runs.begin(), runs.end(), [](const QString& r) { return detail.match(r).hasMatch(); });
+            QVERIFY(next != runs.end());
+            const int group = (detail.match(*next).captured(2).toInt() - 1) / 40 + 1;
+            if (first == QStringLiteral("Ryhmä %1 (jatkuu)").arg(group))
+                ++continued;
+            else
+                QCOMPARE(first, QStringLiteral("Ryhmä %1").arg(group));
+        }
+        QVERIFY(continued >= 2);
         QVERIFY(doc->pageText(0).contains(QStringLiteral("Åkerlundin ystävät ry")));
         QVERIFY(!doc->pageText(1).contains(QLatin1String("\nKokeilu\n")));
         QVERIFY(doc->pageText(1).trimmed().startsWith(QStringLiteral("Åkerlundin ystävät ry - Kokeilu")));
@@ -243,6 +265,35 @@ private slots:
         QCOMPARE(total->cells.at(2).toDouble(), double(debet) / 100);
         QCOMPARE(total->cells.at(3).toDouble(), double(kredit) / 100);
         QCOMPARE(table.back().kind, ReportDocument::RowKind::GrandTotal);
+    }
+
+    // A long text goes on over the row's further lines, word by word (an overlong word where it
+    // overflows), and the rows below move down; nothing is cut.
+    void longTextsWrap()
+    {
+        const QString long1
+            = QStringLiteral("Videotykin vuokraus koulun vanhempainyhdistyksen kevätjuhlaan ja "
+                             "syysretkelle sekä Čorbićin joulujuhlaan ")
+            + QString(70, u'x');
+        const auto doc = document(3, 10, {}, [&](ReportData& d) { d.setText(1, 0, long1); });
+        const ReportPage page = doc->page(0);
+        QStringList pieces;
+        std::vector<float> ys;
+        float nextRow = 0;
+        for (const TextRun& run : page.runs) {
+            const QString t = page.runText(run);
+            QVERIFY2(!t.contains(QChar(0x2026)), qPrintable(t));
+            if (run.align == quint8(CellAlign::Left) && (long1.contains(t) && t.size() > 3)) {
+                pieces << t;
+                ys.push_back(run.y);
+            }
+            if (t == QStringLiteral("Äänestys ja €-maksu 3"))
+                nextRow = run.y;
+        }
+        QVERIFY2(pieces.size() >= 3, qPrintable(pieces.join(u'|')));
+        QCOMPARE(pieces.join(u' ').remove(u' '), QString(long1).remove(u' '));
+        QVERIFY(std::is_sorted(ys.begin(), ys.end()) && ys.front() < ys.back());
+        QVERIFY(nextRow > ys.back());
     }
 
     void goldenPage() { VERIFY_GOLDEN(QStringLiteral("layout_ryhmat"), document(7, 4)->pageText(0)); }

@@ -339,16 +339,16 @@ int run(const Arguments& a)
                 // Damage the engine met but read past is not printed.
                 if (DatabaseFile::damageSeen())
                     return int(Failed);
-                if (a.format == u"pdf")
-                    PdfWriter::write(*document, a.output);
-                else if (a.format == u"csv")
-                    ReportExport::writeCsv(*document, a.output);
-                else
-                    ReportExport::writeXlsx(*document, a.output);
                 // A spreadsheet or a CSV file has rows, not pages.
-                const QString size = a.format == u"pdf"
-                    ? QStringLiteral("%1 sivua").arg(document->pageCount())
-                    : QStringLiteral("%1 riviä").arg(document->tableRows().size());
+                QString size;
+                if (a.format == u"pdf") {
+                    PdfWriter::write(*document, a.output);
+                    size = QStringLiteral("%1 sivua").arg(document->pageCount());
+                } else {
+                    const int rows = a.format == u"csv" ? ReportExport::writeCsv(*document, a.output)
+                                                        : ReportExport::writeXlsx(*document, a.output);
+                    size = QStringLiteral("%1 riviä").arg(rows);
+                }
                 say(stdout,
                     QStringLiteral("Kirjoitettiin %1 (%2).")
                         .arg(QDir::toNativeSeparators(QFileInfo(a.output).absoluteFilePath()), size));

@@ -352,6 +352,12 @@ QVariantList ReportDocument::tableCells(const Line& line, int row) const
     return cells;
 }
 
+QString ReportDocument::formula(const QString& name) const
+{
+    const QString f = m_definition.formulaName(name);
+    return f.isEmpty() ? QString() : m_options.formulas.value(f, m_definition.formulas.value(f));
+}
+
 QString ReportDocument::title() const { return m_titleLines.mid(0, 2).join(QStringLiteral(" - ")); }
 
 void ReportDocument::buildItems()
@@ -798,6 +804,7 @@ std::vector<ReportDocument::TableRow> ReportDocument::tableRows() const
         case Kind::GroupHeader: {
             const Line& cells = m_headerCells[item.level];
             TableRow row { RowKind::GroupHeader, QVariantList(columns) };
+            row.group = item.level;
             if (!cells.empty())
                 row.cells = tableCells(cells, item.index);
             else

@@ -40,6 +40,8 @@ public:
     const ReportData& data() const { return *m_data; }
     // The title lines as printed on the first page ("Esimerkkiyhdistys ry", "Tilien saldot").
     const QStringList& titleLines() const { return m_titleLines; }
+    // A formula's text as the report prints it; empty when the report has no such formula.
+    QString formula(const QString& name) const;
     // "Esimerkkiyhdistys ry - Tilien saldot": for the window caption, the PDF and spreadsheets.
     QString title() const;
     // A column's caption with its formulas filled in ("Loppusaldo 0512").
@@ -55,6 +57,7 @@ public:
         // main groups and whether it is printed in bold.
         int level = 0;
         bool bold = false;
+        int group = -1; // a group header's group level
     };
     std::vector<TableRow> tableRows() const;
 

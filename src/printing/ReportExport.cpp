@@ -116,21 +116,133 @@ std::optional<double> summaryNumber(const QString& text, CellFormat format)
 
 namespace ReportExport {
 
-void writeCsv(const ReportDocument& document, const QString& path)
+int writeCsv(const ReportDocument& document, const QString& path)
 {
     const ReportDefinition& d = document.definition();
+    const int columns = int(d.columns.size());
+    const std::vector<ReportDocument::TableRow> rows = document.tableRows();
+    // Data, not a printout: one heading row, then rows with one field a column. A group heading
+    // that is one text (the ledger's account) becomes leading columns of each row under it, and
+    // an account ("1910 Pankkitili") is split into its number and its name.
+    static const QRegularExpression account(QStringLiteral("^(\\d+) (.+)$"));
+    // The text of a group heading: its first cell.
+    const auto headingText = [](const ReportDocument::TableRow& row) {
+        for (const QVariant& v : row.cells)
+            if (!v.toString().isEmpty())
+                return v.toString();
+        return QString();
+    };
+    const auto isAccount = [](const QVariant& v) { return account.match(v.toString()).hasMatch(); };
+    const int levels = int(d.groups.size());
+    std::vector<bool> leading(size_t(levels), false), leadingAccount(size_t(levels), true);
+    for (int k = 0; k < levels; ++k)
+        leading[size_t(k)] = d.groups[k].headerCells.isEmpty() ? !d.groups[k].header.isEmpty()
+                                                               : d.groups[k].headerCells.size() == 1;
+    std::vector<bool> split(size_t(columns), false);
+    for (int c = 0; c < columns; ++c) {
+        if (d.columns[c].format != CellFormat::Text)
+            continue;
+        bool any = false, all = true;
+        for (const auto& row : rows)
+            if (row.kind == ReportDocument::RowKind::Detail && !row.cells.at(c).toString().isEmpty()) {
+                any = true;
+                all = all && isAccount(row.cells.at(c));
+            }
+        split[size_t(c)] = any && all;
+    }
+    for (const auto& row : rows)
+        if (row.kind == ReportDocument::RowKind::GroupHeader && row.group >= 0 && leading[size_t(row.group)])
+            leadingAccount[size_t(row.group)]
+                = leadingAccount[size_t(row.group)] && isAccount(headingText(row));
+    const auto accountCells = [](QStringList& out, const QString& text) {
+        const QRegularExpressionMatch m = account.match(text);
+        out << (m.hasMatch() ? m.captured(1) : QString())
+            << csvCell(m.hasMatch() ? m.captured(2) : text, CellFormat::Text);
+    };
+
+    // A report of one account (the inspection) names it on every row.
+    const QString subject = document.formula(QStringLiteral("Tili"));
+    const bool subjectAccount = account.match(subject).hasMatch();
+
     QByteArray out("\xEF\xBB\xBF");
     const auto line = [&out](const QStringList& cells) { out += cells.join(u';').toUtf8() + "\r\n"; };
-    line({ csvCell(document.title(), CellFormat::Text) });
+    int written = 0;
     QStringList heads;
-    for (int c = 0; c < int(d.columns.size()); ++c)
-        heads.append(csvCell(document.columnCaption(c), CellFormat::Text));
+    if (subjectAccount)
+        heads << QStringLiteral("Tilinumero") << QStringLiteral("Tili");
+    for (int k = 0; k < levels; ++k)
+        if (leading[size_t(k)])
+            heads << (leadingAccount[size_t(k)]
+                    ? QStringList { QStringLiteral("Tilinumero"), QStringLiteral("Tili") }
+                    : QStringList { QStringLiteral("Ryhmä") });
+    for (int c = 0; c < columns; ++c) {
+        if (split[size_t(c)])
+            heads << QStringLiteral("Tilinumero");
+        heads << csvCell(document.columnCaption(c), CellFormat::Text);
+    }
     line(heads);
-    for (const ReportDocument::TableRow& row : document.tableRows()) {
+    std::vector<QString> heading(static_cast<size_t>(levels));
+    for (const ReportDocument::TableRow& row : rows) {
+        if (row.kind == ReportDocument::RowKind::GroupHeader && row.group >= 0
+            && leading[size_t(row.group)]) {
+            heading[size_t(row.group)] = headingText(row);
+            std::fill(heading.begin() + row.group + 1, heading.end(), QString());
+            continue;
+        }
+        if (row.kind == ReportDocument::RowKind::GrandTotal || row.kind == ReportDocument::RowKind::Summary)
+            std::fill(heading.begin(), heading.end(), QString());
         QStringList cells;
-        for (int c = 0; c < int(d.columns.size()); ++c)
-            cells.append(csvCell(row.cells.at(c), d.columns[c].format));
+        if (subjectAccount)
+            accountCells(cells, subject);
+        for (int k = 0; k < levels; ++k) {
+            if (!leading[size_t(k)])
+                continue;
+            if (leadingAccount[size_t(k)])
+                accountCells(cells, heading[size_t(k)]);
+            else
+                cells << csvCell(heading[size_t(k)], CellFormat::Text);
+        }
+        // A summary's texts are split where a label and its number share a cell ("Tositteita: 90"):
+        // the number goes into the next cell when it is free. Its amounts become numbers.
+        std::vector<QString> values(static_cast<size_t>(columns));
+        std::vector<bool> number(static_cast<size_t>(columns), false);
+        for (int c = 0; c < columns; ++c) {
+            if (row.kind != ReportDocument::RowKind::Summary) {
+                values[size_t(c)] = csvCell(row.cells.at(c), d.columns[c].format);
+                continue;
+            }
+            const QString text = row.cells.at(c).toString().trimmed();
+            if (text.isEmpty() || !values[size_t(c)].isEmpty())
+                continue;
+            const qsizetype colon = text.lastIndexOf(QStringLiteral(": "));
+            const auto amount = [](const QString& t) -> std::optional<QString> {
+                const auto n = summaryNumber(t, CellFormat::Money);
+                if (!n)
+                    return std::nullopt;
+                return QString::number(*n, 'f', t.contains(u',') ? 2 : 0).replace(u'.', u',');
+            };
+            if (const auto n = colon > 0 ? amount(text.mid(colon + 2)) : std::nullopt;
+                n && c + 1 < columns && row.cells.at(c + 1).toString().trimmed().isEmpty()) {
+                values[size_t(c)] = csvCell(text.left(colon), CellFormat::Text);
+                values[size_t(c) + 1] = *n;
+                number[size_t(c) + 1] = true;
+            } else if (const auto m = amount(text)) {
+                values[size_t(c)] = *m;
+                number[size_t(c)] = true;
+            } else {
+                values[size_t(c)] = csvCell(text, CellFormat::Text);
+            }
+        }
+        for (int c = 0; c < columns; ++c) {
+            if (split[size_t(c)] && !number[size_t(c)] && row.kind == ReportDocument::RowKind::Detail)
+                accountCells(cells, row.cells.at(c).toString());
+            else if (split[size_t(c)])
+                cells << QString() << values[size_t(c)];
+            else
+                cells << values[size_t(c)];
+        }
         line(cells);
+        ++written;
     }
     OutputFile file(path);
     QFile f(file.temporaryPath());
@@ -144,9 +256,10 @@ void writeCsv(const ReportDocument& document, const QString& path)
     }
     f.close();
     file.commit();
+    return written;
 }
 
-void writeXlsx(const ReportDocument& document, const QString& path)
+int writeXlsx(const ReportDocument& document, const QString& path)
 {
     const ReportDefinition& d = document.definition();
     const int columns = int(d.columns.size());
@@ -258,6 +371,7 @@ void writeXlsx(const ReportDocument& document, const QString& path)
             file.writeFailure(QStringLiteral("taulukkotiedostoa ei voitu kirjoittaa.\n")
                 + QString::fromUtf8(lxw_strerror(error)))));
     file.commit();
+    return int(rows.size());
 }
 
 } // namespace ReportExport

@@ -9,6 +9,7 @@
 #include <QMap>
 #include <QProcess>
 #include <QTest>
+#include <algorithm>
 
 namespace {
 
@@ -86,32 +87,41 @@ private slots:
         for (const QStringList& row : journal)
             if (row.first() == u"Yhteensä")
                 journalTotal = row;
-        QCOMPARE(journalTotal.size(), 5);
-        QVERIFY(cents(journalTotal.at(3)) > 0);
-        QCOMPARE(journalTotal.at(3), journalTotal.at(4));
+        // Tosite; Päivä; Tilinumero; Tili / selite; Debet; Kredit
+        QCOMPARE(journal.first(),
+            (QStringList { "Tosite", "Päivä", "Tilinumero", "Tili / selite", "Debet", "Kredit" }));
+        QCOMPARE(journalTotal.size(), 6);
+        // The summary's labels stand apart from their numbers.
+        const auto vouchers = std::find_if(journal.begin(), journal.end(),
+            [](const QStringList& row) { return row.first() == u"Tositteita"; });
+        QVERIFY(vouchers != journal.end() && vouchers->at(1).toInt() > 0);
+        QVERIFY(cents(journalTotal.at(4)) > 0);
+        QCOMPARE(journalTotal.at(4), journalTotal.at(5));
 
         const auto ledger = write({ "paakirja", "--kind", "normal" }, "paakirja.csv");
         QStringList ledgerTotal;
+        // Tilinumero; Tili; Tosite; Päivä; Selite; Debet; Kredit; Saldo
         for (const QStringList& row : ledger)
-            if (row.first() == u"Kaikki tilit yhteensä")
+            if (row.value(2) == u"Kaikki tilit yhteensä")
                 ledgerTotal = row;
-        QCOMPARE(ledgerTotal.size(), 6);
-        QCOMPARE(cents(ledgerTotal.at(3)), cents(journalTotal.at(3)));
-        QCOMPARE(cents(ledgerTotal.at(4)), cents(journalTotal.at(4)));
+        QCOMPARE(ledgerTotal.size(), 8);
+        QCOMPARE(cents(ledgerTotal.at(5)), cents(journalTotal.at(4)));
+        QCOMPARE(cents(ledgerTotal.at(6)), cents(journalTotal.at(5)));
 
         // Every account's balance after the closing entries against the account balances.
         const auto closing = write({ "paakirja", "--kind", "closing" }, "paatos.csv");
         QMap<QString, qint64> loppusaldot;
         for (const QStringList& row : closing)
-            if (row.first().startsWith(QLatin1String("Loppusaldo ")))
-                loppusaldot.insert(row.first().mid(11), cents(row.at(5)));
+            if (row.value(2).startsWith(QLatin1String("Loppusaldo ")))
+                loppusaldot.insert(row.first(), cents(row.at(7)));
         QVERIFY(loppusaldot.size() > 10);
         const auto balances = write({ "tilisald" }, "saldot.csv");
         int compared = 0;
+        // Tilinumero; Tili; Debet; Kredit; Erotus
         for (const QStringList& row : balances) {
-            const QString numero = row.first().section(u' ', 0, 0);
+            const QString numero = row.first();
             if (loppusaldot.contains(numero)) {
-                QCOMPARE(loppusaldot.value(numero), cents(row.at(3)));
+                QCOMPARE(loppusaldot.value(numero), cents(row.at(4)));
                 ++compared;
             }
         }
@@ -122,11 +132,14 @@ private slots:
         QVERIFY(inspection.size() > 3);
         qint64 pankki = 0;
         for (const QStringList& row : balances)
-            if (row.first().startsWith(QLatin1String("1910 ")))
-                pankki = cents(row.at(3));
-        QCOMPARE(cents(inspection.at(inspection.size() - 3).at(5)), pankki);
-        QCOMPARE(inspection.last().at(2), QStringLiteral("Loppusaldo (debet - kredit)"));
-        QCOMPARE(cents(inspection.last().at(5)), pankki);
+            if (row.first() == u"1910")
+                pankki = cents(row.at(4));
+        // Every row names the account: Tilinumero; Tili; Tosite; Päivä; Selite; Debet; Kredit; Saldo
+        QCOMPARE(inspection.first().mid(0, 2), (QStringList { "Tilinumero", "Tili" }));
+        QCOMPARE(inspection.at(1).mid(0, 2), (QStringList { "1910", "Pankkitili" }));
+        QCOMPARE(cents(inspection.at(inspection.size() - 3).at(7)), pankki);
+        QCOMPARE(inspection.last().at(4), QStringLiteral("Loppusaldo (debet - kredit)"));
+        QCOMPARE(cents(inspection.last().at(7)), pankki);
     }
 
     // Every report of the catalogue, in each of its kinds, periods and forms, runs on a read-only

@@ -246,7 +246,7 @@ std::vector<std::pair<qsizetype, qsizetype>> ReportDocument::wrap(
     // Greedy, at blanks; a word wider than the line is broken where it overflows. The last
     // allowed line takes the rest, which the placement cuts with an ellipsis.
     std::vector<std::pair<qsizetype, qsizetype>> lines;
-    const float* advances = TextMetrics::table(font.family, font.bold, font.italic).data();
+    const TextMetrics::Advances& advances = TextMetrics::advances(font.family, font.bold, font.italic);
     const float limit = width / font.size;
     qsizetype start = 0;
     const auto skipBlanks = [&] {

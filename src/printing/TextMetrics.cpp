@@ -3,13 +3,13 @@
 #include "PageText.h"
 
 #include <QFile>
-#include <hpdf.h>
-#include <mutex>
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include FT_ADVANCES_H
 
 namespace {
 
 constexpr int Styles = 12; // 3 families × regular, bold, italic, bold italic
-constexpr int Characters = 65536;
 
 int styleIndex(FontFamily family, bool bold, bool italic)
 {
@@ -21,26 +21,51 @@ const char* const LiberationFiles[Styles] = { "LiberationSerif-Regular", "Libera
     "LiberationSans-Italic", "LiberationSans-BoldItalic", "LiberationMono-Regular", "LiberationMono-Bold",
     "LiberationMono-Italic", "LiberationMono-BoldItalic" };
 
-// The advances as the PDF's own width arrays give them, in thousandths of an em.
-TextMetrics::Table measure(FontFamily family, bool bold, bool italic)
+} // namespace
+
+struct TextMetrics::Advances::Face {
+    FT_Library library = nullptr;
+    FT_Face face = nullptr;
+    ~Face()
+    {
+        if (face)
+            FT_Done_Face(face);
+        if (library)
+            FT_Done_FreeType(library);
+    }
+};
+
+TextMetrics::Advances::Advances(const QString& file)
+    : m_face(std::make_unique<Face>())
 {
-    // Without the font every character is taken as half an em wide: the layout still works,
-    // and the PDF writer says what is missing.
-    TextMetrics::Table table(Characters, 0.5f);
-    const QString file = TextMetrics::fontFile(family, bold, italic);
-    HPDF_Doc pdf = file.isEmpty() ? nullptr : HPDF_New(nullptr, nullptr);
-    if (!pdf)
-        return table;
-    HPDF_UseUTFEncodings(pdf);
-    const char* name = HPDF_LoadTTFontFromFile(pdf, QFile::encodeName(file).constData(), HPDF_FALSE);
-    HPDF_Font font = name ? HPDF_GetFont(pdf, name, "UTF-8") : nullptr;
-    for (int c = 0; c < Characters && font; ++c)
-        table[size_t(c)] = float(HPDF_Font_GetUnicodeWidth(font, HPDF_UNICODE(c))) / 1000.0f;
-    HPDF_Free(pdf);
-    return table;
+    if (file.isEmpty() || FT_Init_FreeType(&m_face->library) != 0
+        || FT_New_Face(m_face->library, QFile::encodeName(file).constData(), 0, &m_face->face) != 0)
+        m_face->face = nullptr;
+    read(0);
 }
 
-} // namespace
+TextMetrics::Advances::~Advances() = default;
+
+void TextMetrics::Advances::read(int block) const
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_ready[size_t(block)].load(std::memory_order_relaxed))
+        return;
+    FT_Face face = m_face->face;
+    for (int i = 0; i < 256; ++i) {
+        const int c = block * 256 + i;
+        // Without the font every character is taken as half an em wide: the layout still
+        // works, and the PDF writer says what is missing.
+        float width = 0.5f;
+        FT_Fixed advance = 0;
+        if (face
+            && FT_Get_Advance(face, FT_Get_Char_Index(face, FT_ULong(c)), FT_LOAD_NO_SCALE, &advance) == 0)
+            // Whole thousandths, cut as the PDF library cuts them for the width arrays.
+            width = float(advance * 1000 / face->units_per_EM) / 1000.0f;
+        m_widths[size_t(c)] = width;
+    }
+    m_ready[size_t(block)].store(true, std::memory_order_release);
+}
 
 QString TextMetrics::fontFile(FontFamily family, bool bold, bool italic)
 {
@@ -54,27 +79,27 @@ QString TextMetrics::fontFile(FontFamily family, bool bold, bool italic)
     return {};
 }
 
-const TextMetrics::Table& TextMetrics::table(FontFamily family, bool bold, bool italic)
+const TextMetrics::Advances& TextMetrics::advances(FontFamily family, bool bold, bool italic)
 {
-    static Table tables[Styles];
+    static std::unique_ptr<Advances> styles[Styles];
     static std::once_flag once[Styles];
     const int i = styleIndex(family, bold, italic);
-    std::call_once(once[i], [&] { tables[i] = measure(family, bold, italic); });
-    return tables[i];
+    std::call_once(once[i], [&] { styles[i] = std::make_unique<Advances>(fontFile(family, bold, italic)); });
+    return *styles[i];
 }
 
 float TextMetrics::width(const PageFont& font, const char* text, qsizetype length)
 {
-    const float* t = table(font.family, font.bold, font.italic).data();
+    const Advances& a = advances(font.family, font.bold, font.italic);
     float sum = 0;
     const char* end = text + length;
     while (text < end) {
         const auto b = static_cast<unsigned char>(*text);
         if (b < 0x80) {
-            sum += t[b];
+            sum += a.first256(b);
             ++text;
         } else {
-            sum += t[PageText::next(text)];
+            sum += a[PageText::next(text)];
         }
     }
     return sum * font.size;
@@ -82,12 +107,12 @@ float TextMetrics::width(const PageFont& font, const char* text, qsizetype lengt
 
 float TextMetrics::width(const PageFont& font, QStringView text)
 {
-    const float* t = table(font.family, font.bold, font.italic).data();
+    const Advances& a = advances(font.family, font.bold, font.italic);
     float sum = 0;
     for (const QChar c : text) {
         const char16_t u = c.unicode();
         // As the page text holds them: controls as blanks, halves of a pair as "?".
-        sum += t[u < 0x20 ? u' ' : (u >= 0xD800 && u <= 0xDFFF) ? u'?' : u];
+        sum += a[u < 0x20 ? u' ' : (u >= 0xD800 && u <= 0xDFFF) ? u'?' : u];
     }
     return sum * font.size;
 }

@@ -251,9 +251,7 @@ int processBench(const QString& stressFile, const QString& binDir)
         QStringList note;
         static const QRegularExpression pages(QStringLiteral("\\((\\d+) sivua\\)"));
         if (const QRegularExpressionMatch m = pages.match(last.out); m.hasMatch())
-            note << QStringLiteral("%1 pages, %2 MB PDF")
-                        .arg(m.captured(1))
-                        .arg(sizeMb, 0, 'f', 1);
+            note << QStringLiteral("%1 pages, %2 MB PDF").arg(m.captured(1)).arg(sizeMb, 0, 'f', 1);
         if (report.sizeTargetMb > 0)
             note << QStringLiteral("PDF < %1 MB: %2").arg(report.sizeTargetMb).arg(sizeMet ? "yes" : "NO");
         if (report.peakTargetMb > 0)
@@ -268,7 +266,8 @@ int processBench(const QString& stressFile, const QString& binDir)
             note << QStringLiteral("said: ") + QString(last.err).replace(u'\n', QStringLiteral(" / "));
         std::printf("%-28s %9.1f %9.1f %9s %10.1f  %-8s %s\n", report.label, min, median(ms),
             qPrintable(target), peak,
-            report.targetMs > 0 || report.peakTargetMb > 0 ? (timeMet && peakMet && sizeMet ? "yes" : "NO") : "",
+            report.targetMs > 0 || report.peakTargetMb > 0 ? (timeMet && peakMet && sizeMet ? "yes" : "NO")
+                                                           : "",
             qPrintable(note.join(QStringLiteral("; "))));
         QFile::remove(pdf);
     }

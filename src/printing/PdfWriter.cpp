@@ -19,6 +19,7 @@
 #include <functional>
 #include <hpdf.h>
 #include <hpdf_pages.h>
+#include <initializer_list>
 #include <map>
 #include <mutex>
 #include <thread>
@@ -107,6 +108,15 @@ struct StyleFonts {
     std::vector<bool> wideUsed;
 };
 
+// One byte of a PDF string: parentheses and backslashes are escaped, and a carriage return,
+// which would be read as a line end.
+void putEscaped(char*& p, char b)
+{
+    if (b == '(' || b == ')' || b == '\\' || b == '\r')
+        *p++ = '\\';
+    *p++ = b == '\r' ? 'r' : b;
+}
+
 // Writes `length` bytes of UTF-8 page text as a PDF string of the simple font's single bytes;
 // false when a character has none, and nothing is written.
 bool appendSimple(QByteArray& out, const char* text, quint32 length, StyleFonts& style)
@@ -129,10 +139,7 @@ bool appendSimple(QByteArray& out, const char* text, quint32 length, StyleFonts&
             }
         }
         style.simpleUsed[size_t(b)] = true;
-        // Parentheses and backslashes are escaped in a PDF string.
-        if (b == '(' || b == ')' || b == '\\')
-            *p++ = '\\';
-        *p++ = char(b);
+        putEscaped(p, char(b));
     }
     *p++ = ')';
     out.resize(p - out.constData());
@@ -151,12 +158,8 @@ void appendWide(QByteArray& out, const char* text, quint32 length, StyleFonts& s
     while (s < end) {
         const char16_t c = PageText::next(s);
         style.wideUsed[c] = true;
-        for (const char b : { char(c >> 8), char(c & 0xFF) }) {
-            // A carriage return inside a string would be read as a line end.
-            if (b == '(' || b == ')' || b == '\\' || b == '\r')
-                *p++ = '\\';
-            *p++ = b == '\r' ? 'r' : b;
-        }
+        putEscaped(p, char(c >> 8));
+        putEscaped(p, char(c & 0xFF));
     }
     *p++ = ')';
     out.resize(p - out.constData());
@@ -164,34 +167,19 @@ void appendWide(QByteArray& out, const char* text, quint32 length, StyleFonts& s
 
 void appendText(QByteArray& out, const char* text) { out.append(text, qsizetype(strlen(text))); }
 
-// A rule: "x1 y1 m x2 y2 l".
-void appendRule(QByteArray& out, const PageRule& r, float height)
+// An operator after its numbers, given in hundredths: "1.5 w\n", "12 -16 Td ". `op` carries its
+// own separator after it.
+void appendOperator(QByteArray& out, std::initializer_list<qint64> hundredthsOf, const char* op)
 {
-    char buffer[4 * 24 + 16];
+    Q_ASSERT(hundredthsOf.size() <= 4);
+    char buffer[4 * 25];
     char* p = buffer;
-    p = writeNumber(p, hundredths(r.x1));
-    *p++ = ' ';
-    p = writeNumber(p, hundredths(height - r.y1));
-    memcpy(p, " m ", 3);
-    p += 3;
-    p = writeNumber(p, hundredths(r.x2));
-    *p++ = ' ';
-    p = writeNumber(p, hundredths(height - r.y2));
-    memcpy(p, " l\n", 3);
-    p += 3;
+    for (const qint64 n : hundredthsOf) {
+        p = writeNumber(p, n);
+        *p++ = ' ';
+    }
     out.append(buffer, p - buffer);
-}
-
-// A move from the previous run's position: "dx dy Td ".
-void appendMove(QByteArray& out, qint64 dx, qint64 dy)
-{
-    char buffer[2 * 24 + 8];
-    char* p = writeNumber(buffer, dx);
-    *p++ = ' ';
-    p = writeNumber(p, dy);
-    memcpy(p, " Td ", 4);
-    p += 4;
-    out.append(buffer, p - buffer);
+    appendText(out, op);
 }
 
 // The page's content stream, compressed; its dictionary says so (the library adds the filter
@@ -405,12 +393,12 @@ void write(const ReportDocument& document, const QString& path, const Progress& 
             if (r.width != lineWidth) {
                 if (lineWidth >= 0)
                     appendText(content, "S\n");
-                char buffer[32];
-                content.append(buffer, writeNumber(buffer, hundredths(r.width)) - buffer);
-                appendText(content, " w\n");
+                appendOperator(content, { hundredths(r.width) }, "w\n");
                 lineWidth = r.width;
             }
-            appendRule(content, r, height);
+            // "x1 y1 m x2 y2 l"
+            appendOperator(content, { hundredths(r.x1), hundredths(height - r.y1) }, "m ");
+            appendOperator(content, { hundredths(r.x2), hundredths(height - r.y2) }, "l\n");
         }
         if (lineWidth >= 0)
             appendText(content, "S\n");
@@ -437,14 +425,11 @@ void write(const ReportDocument& document, const QString& path, const Progress& 
                     }
                     appendText(content, "/");
                     appendText(content, HPDF_Page_GetLocalFontName(p, wide ? style.wide : style.simple));
-                    char buffer[32];
                     content.append(' ');
-                    content.append(
-                        buffer, writeNumber(buffer, hundredths(document.fonts()[run.font].size)) - buffer);
-                    appendText(content, " Tf\n");
+                    appendOperator(content, { hundredths(document.fonts()[run.font].size) }, "Tf\n");
                     current = wanted;
                 }
-                appendMove(content, x - lastX, y - lastY);
+                appendOperator(content, { x - lastX, y - lastY }, "Td ");
                 if (wide)
                     appendWide(content, page.runBytes(run), run.length, style);
                 else if (!appendSimple(content, page.runBytes(run), run.length, style)) {

@@ -321,16 +321,22 @@ void ReportDocument::addLine(ReportPage& page, const Line& line, float firstBase
             placeSpan(page, cell.from, cell.to, cell.align, firstBaseline, f, offset);
             continue;
         }
-        const QByteArray whole = page.text.mid(offset);
-        page.text.resize(offset);
-        const auto pieces = wrap(font(f), whole.constData(), whole.size(), width, MaxWrappedLines);
-        float y = firstBaseline;
-        for (const auto& [from, length] : pieces) {
-            const quint32 at = quint32(page.text.size());
-            page.text.append(whole.constData() + from, length);
-            placeSpan(page, cell.from, cell.to, cell.align, y, f, at);
-            y += step;
-        }
+        placeWrapped(
+            page, offset, cell.from, cell.to, cell.align, firstBaseline, step, f, width, MaxWrappedLines);
+    }
+}
+
+void ReportDocument::placeWrapped(ReportPage& page, quint32 offset, int from, int to, CellAlign align,
+    float firstBaseline, float step, quint8 f, float width, int maxLines, float indent) const
+{
+    const QByteArray whole = page.text.mid(offset);
+    page.text.resize(offset);
+    float y = firstBaseline;
+    for (const auto& [start, length] : wrap(font(f), whole.constData(), whole.size(), width, maxLines)) {
+        const quint32 at = quint32(page.text.size());
+        page.text.append(whole.constData() + start, length);
+        placeSpan(page, from, to, align, y, f, at, indent);
+        y += step;
     }
 }
 
@@ -478,16 +484,17 @@ void ReportDocument::paginate()
             default:
                 break;
             }
-            std::vector<int> repeated;
+            std::vector<Repeated> repeated;
             top = otherBodyTop();
             for (int k = 0; k < continued; ++k) {
                 const Line& cells = m_headerCells[size_t(k)];
                 if (header[size_t(k)] < 0 || (cells.empty() && m_groupHeaders[size_t(k)].empty()))
                     continue;
-                const Item& opened = m_items[size_t(header[size_t(k)])];
-                repeated.push_back(header[size_t(k)]);
-                const int lines = cells.empty() ? 1 : cellLines(cells, m_groupFont, opened.index, Continued);
-                top += m_groupLine + float(lines - 1) * m_groupTextLine;
+                Item heading = m_items[size_t(header[size_t(k)])];
+                heading.lines
+                    = quint8(cells.empty() ? 1 : cellLines(cells, m_groupFont, heading.index, Continued));
+                repeated.push_back({ header[size_t(k)], heading.lines });
+                top += height(heading);
             }
             m_pageContinued.push_back(std::move(repeated));
             y = top;
@@ -551,12 +558,17 @@ quint8 ReportDocument::detailFont(int row) const
     return m_boldField >= 0 && m_data->number(row, m_boldField) != 0 ? m_detailBoldFont : m_detailFont;
 }
 
-float ReportDocument::detailWidth(int c, int row) const
+float ReportDocument::detailIndent(int c, int row) const
 {
-    const float indent = c == m_indentColumn && m_indentField >= 0
+    return c == m_indentColumn && m_indentField >= 0
         ? std::max(0.0f, float(m_data->number(row, m_indentField) * m_definition.rowStyle.indentStep))
         : 0;
-    const float left = std::min(m_columnLeft[size_t(c)] + indent, m_columnRight[size_t(c)] - 2 * m_padding);
+}
+
+float ReportDocument::detailWidth(int c, int row) const
+{
+    const float left
+        = std::min(m_columnLeft[size_t(c)] + detailIndent(c, row), m_columnRight[size_t(c)] - 2 * m_padding);
     return m_columnRight[size_t(c)] - left - 2 * m_padding;
 }
 
@@ -584,33 +596,20 @@ void ReportDocument::addDetail(ReportPage& page, float top, int lines, int row) 
     const float b = baseline(top, m_detailLine);
     const quint8 f = detailFont(row);
     const bool rule = m_ruleField >= 0 && m_data->number(row, m_ruleField) != 0;
-    const float indent = m_indentField >= 0
-        ? float(m_data->number(row, m_indentField) * m_definition.rowStyle.indentStep)
-        : 0;
     for (const int c : m_detailColumns) {
         const quint32 offset = quint32(page.text.size());
         m_data->appendDisplay(page.text, row, m_columnField[size_t(c)]);
         if (quint32(page.text.size()) == offset)
             continue;
         const ReportColumn& column = m_definition.columns[c];
-        const float cellIndent = c == m_indentColumn ? std::max(indent, 0.0f) : 0;
+        const float indent = detailIndent(c, row);
         const float width = detailWidth(c, row);
         if (lines > 1 && m_data->fields()[size_t(m_columnField[size_t(c)])].format == CellFormat::Text
-            && TextMetrics::width(font(f), page.text.constData() + offset, page.text.size() - offset)
-                > width) {
+            && TextMetrics::width(font(f), page.text.constData() + offset, page.text.size() - offset) > width)
             // The text goes on over the row's further lines.
-            const QByteArray whole = page.text.mid(offset);
-            page.text.resize(offset);
-            float y = b;
-            for (const auto& [from, length] : wrap(font(f), whole.constData(), whole.size(), width, lines)) {
-                const quint32 at = quint32(page.text.size());
-                page.text.append(whole.constData() + from, length);
-                placeSpan(page, c, c, column.align, y, f, at, cellIndent);
-                y += m_detailLine;
-            }
-        } else {
-            placeSpan(page, c, c, column.align, b, f, offset, cellIndent);
-        }
+            placeWrapped(page, offset, c, c, column.align, b, m_detailLine, f, width, lines, indent);
+        else
+            placeSpan(page, c, c, column.align, b, f, offset, indent);
         // A total's amounts are set off from the lines they sum.
         if (rule && column.format == CellFormat::Money)
             page.rules.push_back({ m_columnLeft[size_t(c)] + m_padding, top + 0.5f,
@@ -702,12 +701,11 @@ ReportPage ReportDocument::page(int index) const
     y += m_headerLine;
     page.rules.push_back({ m_left, y + 1, m_right, y + 1, 0.75f });
     y += 3;
-    for (const int header : m_pageContinued[size_t(index)]) {
-        const Item& item = m_items[size_t(header)];
-        addGroupHeader(page, y, item, true);
-        const Line& cells = m_headerCells[item.level];
-        const int lines = cells.empty() ? 1 : cellLines(cells, m_groupFont, item.index, Continued);
-        y += m_groupLine + float(lines - 1) * m_groupTextLine;
+    for (const Repeated& r : m_pageContinued[size_t(index)]) {
+        Item heading = m_items[size_t(r.item)];
+        heading.lines = r.lines;
+        addGroupHeader(page, y, heading, true);
+        y += height(heading);
     }
 
     for (int i = first; i < end; ++i) {

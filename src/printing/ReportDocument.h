@@ -108,7 +108,11 @@ private:
         const QByteArray& suffix = {}) const;
     // The text lines of a detail row: its texts wrap rather than being cut.
     int detailLines(int row) const;
+    float detailIndent(int column, int row) const;
     float detailWidth(int column, int row) const;
+    // Wraps the text appended at `offset` over lines `step` apart.
+    void placeWrapped(ReportPage& page, quint32 offset, int from, int to, CellAlign align,
+        float firstBaseline, float step, quint8 font, float width, int maxLines, float indent = 0) const;
     quint8 detailFont(int row) const;
     void addGroupHeader(ReportPage& page, float top, const Item& item, bool continued) const;
     QVariantList tableCells(const Line& line, int row) const;
@@ -150,9 +154,13 @@ private:
     std::vector<Line> m_summary;
     Template m_grandTotal;
     std::vector<int> m_pageStarts; // first item of each page
-    // The group headings repeated at the top of each page, "(jatkuu)", as the items that began them:
-    // the groups a page break cut.
-    std::vector<std::vector<int>> m_pageContinued;
+    // The group headings repeated at the top of each page, "(jatkuu)": the groups a page break cut,
+    // as the items that began them and their lines with the mark.
+    struct Repeated {
+        int item;
+        quint8 lines;
+    };
+    std::vector<std::vector<Repeated>> m_pageContinued;
 
     // Geometry in points.
     float m_pageWidth = 0, m_pageHeight = 0;

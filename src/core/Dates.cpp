@@ -43,6 +43,22 @@ QDate parse(const QString& input)
     return QDate(year, month, day); // QDate is invalid for 31.4. or 29.2. of a common year
 }
 
+QDate parse(const QString& text, const QDate& periodStart, const QDate& periodEnd)
+{
+    QStringList parts = text.trimmed().split(u'.');
+    if (parts.size() == 3 && parts.at(2).trimmed().isEmpty())
+        parts.removeLast();
+    if (parts.size() != 2 || !periodStart.isValid() || !periodEnd.isValid())
+        return parse(text);
+    for (int year = periodStart.year(); year <= periodEnd.year(); ++year) {
+        const QDate d = parse(parts.join(u'.') + u'.' + QString::number(year));
+        if (d.isValid() && d >= periodStart && d <= periodEnd)
+            return d;
+    }
+    // Outside the period: the day in the period's first year, for the caller to refuse.
+    return parse(parts.join(u'.') + u'.' + QString::number(periodStart.year()));
+}
+
 QString format(const QDate& date) { return date.isValid() ? date.toString(u"d.M.yyyy") : QString(); }
 
 QString toSql(const QDate& date) { return date.isValid() ? date.toString(Qt::ISODate) : QString(); }

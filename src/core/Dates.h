@@ -9,6 +9,9 @@ namespace Dates {
 
 // "d.M.yyyy", also "d.M.yy" (00–29 → 2000s, 30–99 → 1900s). Invalid input gives an invalid QDate.
 QDate parse(const QString& text);
+// The same, and a day and month without a year ("15.3" or "15.3.") as that day within the period
+// (in its first year when the day falls in both, as it does in a period longer than a year).
+QDate parse(const QString& text, const QDate& periodStart, const QDate& periodEnd);
 // "5.9.2011"; an invalid date gives "".
 QString format(const QDate& date);
 

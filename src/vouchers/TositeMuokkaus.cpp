@@ -325,10 +325,19 @@ bool TositeMuokkaus::tallennaJaKerro()
     }
 }
 
+bool TositeMuokkaus::tarkistaPvm()
+{
+    m_pvmPuuttuu = muokattavissa() && !m_tosite->Paiva().isValid();
+    if (m_pvmPuuttuu)
+        Dialogs::instance().information(QStringLiteral(
+            "Tositteelta puuttuu päivämäärä. Kirjoita päivämäärä (p.k.vvvv) ennen kuin jatkat."));
+    return !m_pvmPuuttuu;
+}
+
 bool TositeMuokkaus::jata()
 {
     m_virhePaikka = tarkistaTilit();
-    return !m_virhePaikka && tallennaJaKerro();
+    return !m_virhePaikka && tarkistaPvm() && tallennaJaKerro();
 }
 
 bool TositeMuokkaus::tallenna()
@@ -486,7 +495,7 @@ bool TositeMuokkaus::lataa(qint32 toId)
 bool TositeMuokkaus::sulje()
 {
     m_virhePaikka = tarkistaTilit();
-    if (m_virhePaikka)
+    if (m_virhePaikka || !tarkistaPvm())
         return false;
     if (!tallennaJaKerro()
         && !Dialogs::instance().question(QStringLiteral("Tositetta ei voitu tallentaa. Suljetaanko ikkuna "

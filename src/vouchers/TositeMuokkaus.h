@@ -126,6 +126,8 @@ public:
     // AutomaattisestiUusiTosite is on and valmisUuteen() holds. True when it did.
     bool automaattinenUusi();
     const std::optional<Paikka>& virhePaikka() const { return m_virhePaikka; }
+    // The last command stopped because the voucher has no date.
+    bool pvmPuuttuu() const { return m_pvmPuuttuu; }
 
     // The vouchers of the kind, for the list.
     std::vector<cTosite::Rivi> luettelo() const;
@@ -151,10 +153,13 @@ private:
     // The account check and the save of the voucher on screen.
     bool jata();
     bool tallennaJaKerro();
+    // A voucher with something in it has a date; else the user is told and false.
+    bool tarkistaPvm();
     void unohda();
     void nimiMuuttui(const QString& selite, qint32 toId);
 
     QSqlDatabase m_db;
+    bool m_pvmPuuttuu = false;
     Laji m_laji;
     bool m_vainLuku = false;
     std::unique_ptr<cTosite> m_tosite;

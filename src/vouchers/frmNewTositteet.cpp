@@ -8,6 +8,7 @@
 #include "EnterAsTab.h"
 #include "KirjaTulostus.h"
 #include "PrintOptions.h"
+#include "ProgramSettings.h"
 #include "ReportRunner.h"
 #include "TositeListModel.h"
 #include "TositepohjaMuokkaus.h"
@@ -23,11 +24,13 @@
 #include "frmTositeTarkistusVirheet.h"
 #include "frmTositepohja.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QIntValidator>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTimer>
 
@@ -98,7 +101,7 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     // A valid date is taken as it is typed, so that a save by shortcut sees it; the fiscal year
     // is checked when the field is left.
     connect(ui->tTositepvm, &QLineEdit::textEdited, this, [this](const QString& text) {
-        const QDate d = Dates::parse(text);
+        const QDate d = pvm(text);
         if (d.isValid())
             m_muokkaus->setPaiva(d, false);
     });
@@ -224,8 +227,19 @@ void frmNewTositteet::sulkeEditori(bool tallenna)
             tallenna ? QAbstractItemDelegate::NoHint : QAbstractItemDelegate::RevertModelCache));
 }
 
+QDate frmNewTositteet::pvm(const QString& text)
+{
+    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+    return Dates::parse(text, s.TilikausiAlku, s.TilikausiLoppu);
+}
+
 void frmNewTositteet::naytaVirhePaikka()
 {
+    if (m_muokkaus->pvmPuuttuu()) {
+        ui->tTositepvm->setFocus();
+        ui->tTositepvm->selectAll();
+        return;
+    }
     const auto& paikka = m_muokkaus->virhePaikka();
     if (!paikka)
         return;
@@ -246,10 +260,21 @@ void frmNewTositteet::Uusi()
 
 void frmNewTositteet::Tallenna()
 {
+    // The keyboard stays where it was: typing goes on in the same field or cell.
+    QPointer<QWidget> focused = QApplication::focusWidget();
+    const bool inGrid = focused && (focused == ui->grdViennit || ui->grdViennit->isAncestorOf(focused));
+    const QModelIndex cell = ui->grdViennit->currentIndex();
     sulkeEditori(true);
-    if (!m_muokkaus->tallenna())
-        naytaVirhePaikka();
+    const bool saved = m_muokkaus->tallenna();
     m_model->refill();
+    if (!saved) {
+        naytaVirhePaikka();
+    } else if (inGrid) {
+        ui->grdViennit->setFocus();
+        ui->grdViennit->setCurrentIndex(m_model->index(cell.row(), cell.column()));
+    } else if (focused) {
+        focused->setFocus();
+    }
 }
 
 void frmNewTositteet::Poista()
@@ -434,9 +459,13 @@ void frmNewTositteet::pvmValmis()
 {
     if (!m_muokkaus->muokattavissa())
         return;
-    const QDate d = Dates::parse(ui->tTositepvm->text());
+    const QString typed = ui->tTositepvm->text().trimmed();
+    const QDate d = pvm(typed);
+    // The field empties on a wrong date, and the user is told; the voucher is not saved undated.
     ui->tTositepvm->setText(Dates::format(d));
-    if (!m_muokkaus->setPaiva(d))
+    if (!typed.isEmpty() && !d.isValid())
+        Dialogs::instance().information(QStringLiteral("%1 ei ole päivämäärä.").arg(typed));
+    if (!m_muokkaus->setPaiva(d) || !d.isValid())
         QTimer::singleShot(0, ui->tTositepvm, [this] {
             ui->tTositepvm->setFocus();
             ui->tTositepvm->selectAll();
@@ -466,7 +495,7 @@ bool frmNewTositteet::eventFilter(QObject* watched, QEvent* event)
     if (watched == ui->tTositepvm && event->type() == QEvent::KeyPress) {
         auto* key = static_cast<QKeyEvent*>(event);
         if (key->text() == u"+" || key->text() == u"-") {
-            const QDate d = Dates::parse(ui->tTositepvm->text());
+            const QDate d = pvm(ui->tTositepvm->text());
             if (d.isValid() && m_muokkaus->muokattavissa()) {
                 const QDate moved = d.addDays(key->text() == u"+" ? 1 : -1);
                 ui->tTositepvm->setText(Dates::format(moved));

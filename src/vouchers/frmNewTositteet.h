@@ -76,6 +76,8 @@ private:
     void avaaTilitarkastelu();
     void avaaPaivaSaldot();
     // Puts the focus on the row the account check refused.
+    // A typed date: in full, or a day and month of the fiscal year ("15.3").
+    static QDate pvm(const QString& text);
     void naytaVirhePaikka();
     // Commits the cell being edited, so that the rules see what was typed last.
     void sulkeEditori(bool tallenna);

@@ -163,13 +163,21 @@ void tst_Helpers::datesParse_data()
     QTest::newRow("signed day") << "+7.7.2011" << QDate();
     QTest::newRow("NUL after the year") << QString::fromLatin1("7.7.2011\0\1", 11) << QDate();
     QTest::newRow("arabic digits") << QString::fromUtf8("١.١.٢٠١١") << QDate();
+    QTest::newRow("no date at all") << "0.0.0" << QDate();
+    QTest::newRow("five-digit year") << "1.1.20260" << QDate();
+    // Without a year: the day within the period 1.7.2026–30.6.2027.
+    QTest::newRow("day and month, spring") << "15.3" << QDate(2027, 3, 15);
+    QTest::newRow("day and month, autumn, dot") << "15.9." << QDate(2026, 9, 15);
+    QTest::newRow("day and month, invalid") << "31.2" << QDate();
+    QTest::newRow("leap day outside a leap year") << "29.2" << QDate();
+    QTest::newRow("month only") << "3" << QDate();
 }
 
 void tst_Helpers::datesParse()
 {
     QFETCH(QString, text);
     QFETCH(QDate, expected);
-    QCOMPARE(Dates::parse(text), expected);
+    QCOMPARE(Dates::parse(text, QDate(2026, 7, 1), QDate(2027, 6, 30)), expected);
 }
 
 void tst_Helpers::datesStorageAndLiterals()

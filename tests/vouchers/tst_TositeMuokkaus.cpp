@@ -174,7 +174,7 @@ private slots:
             f->count(QStringLiteral("vi"), QStringLiteral("viArvo = 1000000 AND vitoID = %1").arg(id)), 1);
     }
 
-    void dateOutsideTheFiscalYearIsKeptAndWarned_data()
+    void dateOutsideTheFiscalYearIsKeptAndWarnedNoDateRefused_data()
     {
         QTest::addColumn<QDate>("date");
         QTest::addColumn<bool>("warned");
@@ -184,7 +184,7 @@ private slots:
         QTest::newRow("a day before") << QDate(2010, 12, 31) << true;
         QTest::newRow("no date") << QDate() << false;
     }
-    void dateOutsideTheFiscalYearIsKeptAndWarned()
+    void dateOutsideTheFiscalYearIsKeptAndWarnedNoDateRefused()
     {
         QFETCH(QDate, date);
         QFETCH(bool, warned);
@@ -195,9 +195,24 @@ private slots:
             warned ? QStringList { QString::fromUtf8("information: Tositteen päivämäärän tulee kuulua "
                                                      "tilikauteen!\n\nTilikausi: 1.1.2011 - 31.12.2011") }
                    : QStringList());
+        if (!date.isValid()) {
+            // A voucher is never stored without a date: saving and leaving ask for it and keep
+            // the voucher on screen, its stored date as it was.
+            const QString ask = QString::fromUtf8("information: Tositteelta puuttuu päivämäärä. Kirjoita "
+                                                  "päivämäärä (p.k.vvvv) ennen kuin jatkat.");
+            QVERIFY(!m->tallenna());
+            QVERIFY(m->pvmPuuttuu());
+            QVERIFY(!m->sulje());
+            QCOMPARE(dialogs->transcript(), (QStringList { ask, ask }));
+            QVERIFY(
+                Dates::fromSql(f->value(QStringLiteral("SELECT toPvm FROM \"to\"")).toString()).isValid());
+            QVERIFY(m->setPaiva(QDate(2011, 5, 1)));
+            QVERIFY(m->tallenna());
+            QVERIFY(!m->pvmPuuttuu());
+            return;
+        }
         QVERIFY(m->tallenna());
         const QVariant toPvm = f->value(QStringLiteral("SELECT toPvm FROM \"to\""));
-        QCOMPARE(toPvm.isNull(), !date.isValid());
         QCOMPARE(Dates::fromSql(toPvm.toString()), date);
     }
 

@@ -121,6 +121,35 @@ private slots:
             QStringLiteral("2011-09-05"));
     }
 
+    // A wrong date is told at once and the field empties; the voucher is not stored undated, and
+    // the focus goes back to the date. A day and month mean that day of the fiscal year.
+    void wrongDateIsToldAndNeverStored()
+    {
+        f->addTosite(1);
+        frmNewTositteet w(f->db(), Laji::Tavallinen);
+        showAndWait(w);
+        auto* pvm = child<QLineEdit>(w, QStringLiteral("tTositepvm"));
+        pvm->setFocus();
+        QTRY_COMPARE(QApplication::focusWidget(), pvm);
+        pvm->selectAll();
+        QTest::keyClicks(pvm, QStringLiteral("31.2.2011"));
+        QTest::keyClick(pvm, Qt::Key_Return);
+        QCOMPARE(pvm->text(), QString());
+        QTest::keyClick(&w, Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(dialogs->transcript(),
+            (QStringList { QStringLiteral("information: 31.2.2011 ei ole päivämäärä."),
+                QStringLiteral("information: Tositteelta puuttuu päivämäärä. Kirjoita päivämäärä (p.k.vvvv) "
+                               "ennen kuin jatkat.") }));
+        QTRY_COMPARE(QApplication::focusWidget(), pvm);
+        QVERIFY(f->value(QStringLiteral("SELECT toPvm FROM \"to\"")).toString().startsWith(u"2011-"));
+        QTest::keyClicks(pvm, QStringLiteral("15.3"));
+        QTest::keyClick(pvm, Qt::Key_Return);
+        QCOMPARE(pvm->text(), QStringLiteral("15.3.2011"));
+        QTest::keyClick(&w, Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(
+            f->value(QStringLiteral("SELECT toPvm FROM \"to\"")).toString(), QStringLiteral("2011-03-15"));
+    }
+
     void refusedAccountCheckPutsTheFocusOnTheRow()
     {
         f->addTosite(1);

@@ -12,6 +12,7 @@
 
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <algorithm>
 
 namespace {
 
@@ -86,6 +87,22 @@ QList<SettingsForm::Account> SettingsForm::accounts(const QSqlDatabase& db)
     return list;
 }
 
+QString SettingsForm::fiscalYearProblem(const QDate& start, const QDate& end, const QDate& previousStart,
+    const QDate& previousEnd, bool current, bool previous)
+{
+    if (current && end <= start)
+        return QStringLiteral("Tilikauden lopun tulee olla sen alun jälkeen.");
+    if (current && end >= start.addMonths(18))
+        return QStringLiteral("Tilikausi voi olla enintään 18 kuukautta.");
+    if (previous && previousEnd <= previousStart)
+        return QStringLiteral("Edellisen tilikauden lopun tulee olla sen alun jälkeen.");
+    if (previous && previousEnd >= previousStart.addMonths(18))
+        return QStringLiteral("Edellinen tilikausi voi olla enintään 18 kuukautta.");
+    if ((current || previous) && previousEnd >= start)
+        return QStringLiteral("Edellisen tilikauden tulee päättyä ennen tilikauden alkua.");
+    return {};
+}
+
 namespace {
 
 // The bookkeeping keys in the order they are stored, each checked first; a refused value is
@@ -98,17 +115,23 @@ void saveBookkeeping(const SettingsForm& f, const QSqlDatabase& books, SettingsF
     const auto add = [&writes](const char* key, const QString& value) {
         writes.append({ QString::fromLatin1(key), value.left(MaxValue) });
     };
-    const auto date
-        = [&](const QString& text, QDate& target, const char* key, const char* control, const char* message) {
-              const QDate d = Dates::parse(text.trimmed());
-              if (!d.isValid()) {
-                  dialogs.information(QString::fromUtf8(message));
-                  saved.refused.append(QString::fromLatin1(control));
-                  return;
-              }
-              target = d;
-              add(key, Dates::format(d));
-          };
+    // The fiscal years' dates: each read first, then the four together.
+    struct YearDate {
+        const QString& text;
+        QDate& target;
+        const char* key;
+        const char* control;
+        const char* message;
+        QDate typed = {};
+    };
+    std::vector<YearDate> dates { { f.TilikausiAlku, next.TilikausiAlku, "TilikausiAlku", "tTilikausiAlku",
+                                      "Syötä tilikauden aluksi päivämäärä." },
+        { f.EdTilikausiAlku, next.EdTilikausiAlku, "EdTilikausiAlku", "tEdTilikausiAlku",
+            "Syötä edellisen tilikauden aluksi päivämäärä." },
+        { f.TilikausiLoppu, next.TilikausiLoppu, "TilikausiLoppu", "tTilikausiLoppu",
+            "Syötä tilikauden lopuksi päivämäärä." },
+        { f.EdTilikausiLoppu, next.EdTilikausiLoppu, "EdTilikausiLoppu", "tEdTilikausiLoppu",
+            "Syötä edellisen tilikauden lopuksi päivämäärä." } };
     bool marginTold = false;
     const auto margin = [&](const QString& text, qint16& target, const char* key, const char* control) {
         const std::optional<qint16> value = digits(text);
@@ -124,14 +147,36 @@ void saveBookkeeping(const SettingsForm& f, const QSqlDatabase& books, SettingsF
         add(key, QString::number(*value));
     };
 
-    date(f.TilikausiAlku, next.TilikausiAlku, "TilikausiAlku", "tTilikausiAlku",
-        "Syötä tilikauden aluksi päivämäärä.");
-    date(f.EdTilikausiAlku, next.EdTilikausiAlku, "EdTilikausiAlku", "tEdTilikausiAlku",
-        "Syötä edellisen tilikauden aluksi päivämäärä.");
-    date(f.TilikausiLoppu, next.TilikausiLoppu, "TilikausiLoppu", "tTilikausiLoppu",
-        "Syötä tilikauden lopuksi päivämäärä.");
-    date(f.EdTilikausiLoppu, next.EdTilikausiLoppu, "EdTilikausiLoppu", "tEdTilikausiLoppu",
-        "Syötä edellisen tilikauden lopuksi päivämäärä.");
+    for (YearDate& d : dates) {
+        d.typed = Dates::parse(d.text.trimmed());
+        if (!d.typed.isValid()) {
+            dialogs.information(QString::fromUtf8(d.message));
+            saved.refused.append(QString::fromLatin1(d.control));
+        }
+    }
+    const auto chosen = [&](int i) {
+        return dates[size_t(i)].typed.isValid() ? dates[size_t(i)].typed : dates[size_t(i)].target;
+    };
+    // A year is checked when its dates change: the stored years stand until then (a new book's
+    // previous year is one day long until its real dates are stored).
+    const auto changed = [&](int i) {
+        const YearDate& d = dates[size_t(i)];
+        return d.typed.isValid() && d.typed != d.target;
+    };
+    const QString yearProblem = SettingsForm::fiscalYearProblem(
+        chosen(0), chosen(2), chosen(1), chosen(3), changed(0) || changed(2), changed(1) || changed(3));
+    if (!yearProblem.isEmpty())
+        dialogs.information(yearProblem + QStringLiteral("\nTilikausien päivämääriä ei tallennettu."));
+    for (YearDate& d : dates) {
+        if (!d.typed.isValid())
+            continue;
+        if (!yearProblem.isEmpty()) {
+            saved.refused.append(QString::fromLatin1(d.control));
+            continue;
+        }
+        d.target = d.typed;
+        add(d.key, Dates::format(d.typed));
+    }
     next.LaskettavaTili = f.LaskettavaTili;
     add("LaskettavaTili", QString::number(f.LaskettavaTili));
     next.VoittoTaseella = f.VoittoTaseella;

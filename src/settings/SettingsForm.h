@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QList>
 #include <QSqlDatabase>
 #include <QString>
@@ -47,6 +48,12 @@ struct SettingsForm {
     };
     // Every account, by number. Throws DatabaseError.
     static QList<Account> accounts(const QSqlDatabase& db);
+
+    // What is wrong with a fiscal year and the one before it, in Finnish; empty when nothing.
+    // A year checked (`current`, `previous`) ends after it starts and lasts at most 18 months;
+    // either checked, the previous ends before the current starts.
+    static QString fiscalYearProblem(const QDate& start, const QDate& end, const QDate& previousStart,
+        const QDate& previousEnd, bool current, bool previous);
 
     struct Saved {
         // Controls whose values were refused, in the order of their messages; they keep what

@@ -171,6 +171,27 @@ void tst_SettingsForm::refusedValues_data()
                info("Syötä tilikauden lopuksi päivämäärä."),
                info("Syötä edellisen tilikauden lopuksi päivämäärä.") }
         << QStringList { "tTilikausiAlku", "tEdTilikausiAlku", "tTilikausiLoppu", "tEdTilikausiLoppu" };
+    // The fiscal years together: refused whole, nothing of them stored.
+    const QStringList all { "tTilikausiAlku", "tEdTilikausiAlku", "tTilikausiLoppu", "tEdTilikausiLoppu" };
+    const auto years = [&](const char* text) {
+        return info(text) + QStringLiteral("\nTilikausien päivämääriä ei tallennettu.");
+    };
+    QTest::newRow("year ends before it starts")
+        << QStringList { "TilikausiAlku=1.1.2026", "TilikausiLoppu=1.1.2020" }
+        << QStringList { years("Tilikauden lopun tulee olla sen alun jälkeen.") } << all;
+    QTest::newRow("a year of one day")
+        << QStringList { "TilikausiAlku=1.1.2026", "TilikausiLoppu=1.1.2026" }
+        << QStringList { years("Tilikauden lopun tulee olla sen alun jälkeen.") } << all;
+    QTest::newRow("a year of 19 months")
+        << QStringList { "TilikausiAlku=1.1.2026", "TilikausiLoppu=31.7.2027" }
+        << QStringList { years("Tilikausi voi olla enintään 18 kuukautta.") } << all;
+    QTest::newRow("previous year reaching into this")
+        << QStringList { "TilikausiAlku=1.1.2026", "TilikausiLoppu=31.12.2026", "EdTilikausiAlku=1.1.2025",
+               "EdTilikausiLoppu=1.1.2026" }
+        << QStringList { years("Edellisen tilikauden tulee päättyä ennen tilikauden alkua.") } << all;
+    QTest::newRow("previous year ends before it starts")
+        << QStringList { "EdTilikausiAlku=1.1.2023", "EdTilikausiLoppu=31.12.2022" }
+        << QStringList { years("Edellisen tilikauden lopun tulee olla sen alun jälkeen.") } << all;
     QTest::newRow("margin of letters")
         << QStringList { "MargAla=abc" } << QStringList { info("Syötä marginaaliksi ainoastaan numeroita.") }
         << QStringList { "tMargAla" };
@@ -240,6 +261,7 @@ void tst_SettingsForm::shortYearAndNoAccount()
     Books books(env);
     SettingsForm form = SettingsForm::current();
     form.TilikausiAlku = QStringLiteral("1.7.24");
+    form.TilikausiLoppu = QStringLiteral("30.6.25");
     form.LaskettavaTili = 0;
     form.Seurannimi = QStringLiteral("   ");
     QVERIFY(form.save(books.db()).refused.isEmpty());

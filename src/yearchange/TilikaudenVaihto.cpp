@@ -13,12 +13,15 @@
 #include "SettingsStore.h"
 #include "StatementOptions.h"
 #include "Statements.h"
+#include "TemplateText.h"
 #include "Transaction.h"
 #include "cMalli.h"
 #include "cTosite.h"
+#include "cTositeTarkistus.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSet>
 #include <QSqlQuery>
 #include <QVariant>
 
@@ -116,6 +119,43 @@ TilikaudenVaihto::TilikaudenVaihto(const QSqlDatabase& db)
 {
 }
 
+QStringList TilikaudenVaihto::esteet(qint32 tasemalli) const
+{
+    QStringList esteet;
+    for (const cTositeTarkistusVirhe& v : cTositeTarkistus(m_db).Tarkista(false))
+        esteet.append(v.rivi());
+    if (tasemalli == 0)
+        return esteet;
+    cMalli malli(m_db);
+    QSet<qint32> riveilla;
+    if (malli.Load(tasemalli)) {
+        QSqlQuery rivit
+            = Sql::run(m_db, QStringLiteral("SELECT mrTilit FROM mr WHERE mrmaID = ? OR mrmaID = ?"),
+                { tasemalli, malli.TulosMaID() });
+        while (rivit.next())
+            for (const qint32 id : TemplateText::accounts(rivit.value(0).toString()))
+                riveilla.insert(id);
+    }
+    QSqlQuery tilit = Sql::run(m_db,
+        QStringLiteral(
+            "SELECT tl.tlID, tl.tlNumero, tl.tlNimi FROM tl WHERE EXISTS (SELECT * FROM vi JOIN \"to\" t "
+            "ON t.toID = vi.vitoID WHERE vi.vitlID = tl.tlID AND t.toAutomaatti = 0) ORDER BY tl.tlNumero"));
+    while (tilit.next())
+        if (!riveilla.contains(tilit.value(0).toInt()))
+            esteet.append(
+                QStringLiteral("Tilillä %1 %2 on vientejä, mutta se ei ole tuloslaskelman eikä taseen "
+                               "millään rivillä.")
+                    .arg(tilit.value(1).toString(), tilit.value(2).toString().trimmed()));
+    return esteet;
+}
+
+QString TilikaudenVaihto::esteetViesti(const QStringList& esteet)
+{
+    return QStringLiteral("Tilikautta ei vaihdettu, koska kirjanpidossa on korjattavaa:\n\n")
+        + esteet.join(u'\n')
+        + QStringLiteral("\n\nKorjaa nämä ja vaihda tilikausi sitten. Kirjanpitoa ei muutettu.");
+}
+
 bool TilikaudenVaihto::suorita(std::optional<qint32> tasemalli, bool avausviennit)
 {
     Dialogs& dialogs = Dialogs::instance();
@@ -146,6 +186,18 @@ bool TilikaudenVaihto::suorita(std::optional<qint32> tasemalli, bool avausvienni
         dialogs.information(esto);
         return false;
     }
+    // Books with a slip in them are not carried into a new year.
+    QStringList loydetyt;
+    if (!tellIfFails(QStringLiteral("Kirjanpitoa ei voitu tarkistaa, joten tilikautta ei vaihdettu."),
+            [&] { loydetyt = esteet(avausviennit ? *tasemalli : 0); }))
+        return false;
+    if (!loydetyt.isEmpty()) {
+        dialogs.information(esteetViesti(loydetyt));
+        return false;
+    }
+    const Kaudet uudet = seuraavat(nykyiset());
+    if (m_vahvistus && !m_vahvistus(uudet))
+        return false;
 
     const DatabaseCopy::SafetyCopy kopio
         = DatabaseCopy::safetyCopy(m_db, QStringLiteral("tilikaudenvaihtoa"));
@@ -161,7 +213,6 @@ bool TilikaudenVaihto::suorita(std::optional<qint32> tasemalli, bool avausvienni
             QStringLiteral("Varmuuskopio ennen tilikauden vaihtoa: ") + QDir::toNativeSeparators(kopio.path),
             0);
 
-    const Kaudet uudet = seuraavat(nykyiset());
     const QString virhe = QStringLiteral("Tilikauden vaihto ei onnistunut. Kirjanpito on ennallaan.");
     try {
         // The whole year is rewritten in one transaction: its pages stay in memory until the
@@ -265,6 +316,7 @@ void TilikaudenVaihto::kirjaaAvausviennit(const QDate& paiva)
     tosite.setAvaustosite(true);
     tosite.setAutomaatti(false);
     tosite.Save(true);
+    Money debetit, kreditit;
     do {
         const Money saldo = Money::fromRaw(q.value(1).toLongLong());
         if (saldo == Money())
@@ -275,9 +327,16 @@ void TilikaudenVaihto::kirjaaAvausviennit(const QDate& paiva)
         auto vienti = tosite.AddNewVienti(debet ? QStringLiteral("D") : QStringLiteral("K"));
         vienti->settlID(q.value(0).toInt());
         vienti->setArvo(saldo > Money() ? saldo : -saldo);
+        (debet ? debetit : kreditit) += saldo > Money() ? saldo : -saldo;
         vienti->setAvausvienti(true);
         vienti->setAutomaatti(false);
         vienti->setSelite(QString());
         vienti->Save(true);
     } while (q.next());
+    // Opening entries that do not balance would unbalance the new year from its first day.
+    if (debetit != kreditit)
+        throw DatabaseError(
+            QStringLiteral("Avausviennit eivät täsmää (debet %1, kredit %2), joten tilikautta ei "
+                           "vaihdettu. Tarkista, että kaikki tilit ovat taseessa.")
+                .arg(debetit.toString(), kreditit.toString()));
 }

@@ -3,6 +3,7 @@
 #include <QDate>
 #include <QSqlDatabase>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -54,6 +55,17 @@ public:
     explicit TilikaudenVaihto(const QSqlDatabase& db);
 
     void setEdistyminen(Edistyminen edistyminen) { m_edistyminen = std::move(edistyminen); }
+    // Asked once the books have passed their checks and before anything is done, with the new
+    // years; false stops the change with nothing done.
+    using Vahvistus = std::function<bool(const Kaudet& uudet)>;
+    void setVahvistus(Vahvistus vahvistus) { m_vahvistus = std::move(vahvistus); }
+
+    // What stops the change, each on a line: every finding of the voucher check (an unbalanced
+    // or undated voucher, an entry without an account) and, with a balance sheet chosen, every
+    // account with entries that stands on no row of it or of its income statement. Throws
+    // DatabaseError.
+    QStringList esteet(qint32 tasemalli) const;
+    static QString esteetViesti(const QStringList& esteet);
 
     // Performs the change. `tasemalli` is the chosen template (0 for the blank item, nullopt
     // when nothing is chosen). Every refusal and failure is told through Dialogs and gives
@@ -72,5 +84,6 @@ private:
 
     QSqlDatabase m_db;
     Edistyminen m_edistyminen;
+    Vahvistus m_vahvistus;
     QString m_varmuuskopio;
 };

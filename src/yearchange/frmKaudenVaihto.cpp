@@ -9,6 +9,7 @@
 
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QDir>
 
 frmKaudenVaihto::frmKaudenVaihto(const QSqlDatabase& db, QWidget* parent)
     : QDialog(parent)
@@ -72,6 +73,18 @@ void frmKaudenVaihto::vaihda()
         // The stages repaint; the controls are disabled meanwhile.
         QCoreApplication::processEvents();
     });
+    vaihto.setVahvistus([](const TilikaudenVaihto::Kaudet& uudet) {
+        return Dialogs::instance().question(QStringLiteral(
+            "Vaihdetaanko tilikausi? Uusi tilikausi on %1 - %2.\n\nKirjanpidosta otetaan ensin "
+            "varmuuskopio, ja vaihdon jälkeen sen nimi näkyy tässä ikkunassa.")
+                                                .arg(Dates::format(uudet.alku), Dates::format(uudet.loppu)));
+    });
+    vaihto.setVahvistus([](const TilikaudenVaihto::Kaudet& uudet) {
+        return Dialogs::instance().question(QStringLiteral(
+            "Vaihdetaanko tilikausi? Uusi tilikausi on %1 - %2.\n\nKirjanpidosta otetaan ensin "
+            "varmuuskopio, ja vaihdon jälkeen sen nimi näkyy tässä ikkunassa.")
+                                                .arg(Dates::format(uudet.alku), Dates::format(uudet.loppu)));
+    });
     ui->pBar->setRange(0, TilikaudenVaihto::Vaiheet);
     ui->pBar->setValue(0);
     bool tehty = false;
@@ -89,6 +102,8 @@ void frmKaudenVaihto::vaihda()
         return;
     }
     m_vaihdettu = true;
+    ui->lblStatus->setText(TilikaudenVaihto::valmisViesti() + QStringLiteral(" Varmuuskopio: ")
+        + QDir::toNativeSeparators(vaihto.varmuuskopio()));
     Dialogs::instance().information(TilikaudenVaihto::valmisViesti());
     accept();
 }

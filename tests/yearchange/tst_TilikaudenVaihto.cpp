@@ -120,7 +120,8 @@ private slots:
     void withoutOpeningEntries();
     void openingEntries();
     void historyReplaced();
-    void unbalancedSheetStillOpens();
+    void slipsRefuse_data();
+    void slipsRefuse();
     void failureLeavesBooks_data();
     void failureLeavesBooks();
     void fullDiskLeavesBooks();
@@ -352,21 +353,45 @@ void tst_TilikaudenVaihto::historyReplaced()
 
 // A balance sheet that leaves an account out does not balance: the voucher is written all the
 // same, with what the sheet gives, and the change says nothing of it.
-void tst_TilikaudenVaihto::unbalancedSheetStillOpens()
+void tst_TilikaudenVaihto::slipsRefuse_data()
 {
+    QTest::addColumn<QString>("slip"); // SQL that puts it into the books
+    QTest::addColumn<QString>("told");
+    QTest::newRow("unbalanced voucher")
+        << "UPDATE vi SET viArvo = viArvo + 100 WHERE viID = (SELECT MIN(viID) FROM vi)"
+        << "debet ja kredit saldo ei täsmää";
+    QTest::newRow("undated voucher")
+        << "UPDATE \"to\" SET toPvm = NULL WHERE toID = (SELECT MIN(toID) FROM \"to\" WHERE toNumero > 0)"
+        << "päivä ei kuulu tilikauteen";
+    QTest::newRow("account on no template row") << "UPDATE mr SET mrTilit = '8,' WHERE mrID = 21"
+                                                << "ei ole tuloslaskelman eikä taseen millään rivillä";
+}
+
+// Books with a slip are not carried into a new year: the change lists what to mend and leaves
+// the books exactly as they were, without opening entries that would not balance.
+void tst_TilikaudenVaihto::slipsRefuse()
+{
+    QFETCH(QString, slip);
+    QFETCH(QString, told);
     F f;
     QVERIFY(f.ok);
     booksOf2011();
-    F::exec(QStringLiteral("UPDATE mr SET mrTilit = '8,' WHERE mrID = 21"));
+    F::exec(slip);
+    const QStringList before = books();
     ScriptedDialogs dialogs;
     TilikaudenVaihto vaihto(F::db());
-    QVERIFY(vaihto.suorita(2, true));
-    QCOMPARE(dialogs.transcript(), QStringList());
-    QCOMPARE(F::count(QStringLiteral("\"to\"")), 1);
-    QCOMPARE(
-        F::value(QStringLiteral("SELECT SUM(viArvo) FROM vi WHERE viTyyppi = 'D'")).toLongLong(), 18000000);
-    QCOMPARE(
-        F::value(QStringLiteral("SELECT SUM(viArvo) FROM vi WHERE viTyyppi = 'K'")).toLongLong(), 13000000);
+    bool asked = false;
+    vaihto.setVahvistus([&](const TilikaudenVaihto::Kaudet&) { return asked = true; });
+    QVERIFY(!vaihto.suorita(2, true));
+    QVERIFY(!asked);
+    const QStringList transcript = dialogs.transcript();
+    QCOMPARE(transcript.size(), 1);
+    QVERIFY2(transcript.first().startsWith(
+                 QStringLiteral("information: Tilikautta ei vaihdettu, koska kirjanpidossa on korjattavaa:"))
+            && transcript.first().contains(told),
+        qPrintable(transcript.first()));
+    QCOMPARE(books(), before);
+    QVERIFY(vaihto.varmuuskopio().isEmpty());
 }
 
 void tst_TilikaudenVaihto::failureLeavesBooks_data()

@@ -162,8 +162,17 @@ void tst_frmKaudenVaihto::demoYearChange()
     cmb->setCurrentIndex(cmb->findText(nimi));
     QCOMPARE(cmb->currentData().toInt(), malli);
     BarWatch watch(child<QProgressBar>(w, "pBar"));
+    dialogs.answerYes();
     QTest::mouseClick(child<QPushButton>(w, "cTilikaudenvaihto"), Qt::LeftButton);
-    QCOMPARE(dialogs.transcript(), QStringList { QStringLiteral("information: Tilikauden vaihto tehty.") });
+    QCOMPARE(dialogs.transcript(),
+        (QStringList {
+            QStringLiteral("question: Vaihdetaanko tilikausi? Uusi tilikausi on %1 - %2.\n\n"
+                           "Kirjanpidosta otetaan ensin varmuuskopio, ja vaihdon jälkeen sen nimi "
+                           "näkyy tässä ikkunassa.")
+                .arg(Dates::format(vanhat.alku.addYears(1)), Dates::format(vanhat.loppu.addYears(1))),
+            QStringLiteral("information: Tilikauden vaihto tehty.") }));
+    // The status says what was done, not the last stage.
+    QVERIFY(child<QLabel>(w, "lblStatus")->text().startsWith(QStringLiteral("Tilikauden vaihto tehty.")));
     QVERIFY(w.vaihdettu());
     QCOMPARE(w.result(), int(QDialog::Accepted));
     QVERIFY(!w.isVisible());

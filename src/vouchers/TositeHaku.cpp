@@ -4,6 +4,7 @@
 #include "Dates.h"
 #include "Money.h"
 
+#include <QSet>
 #include <QSqlQuery>
 #include <QVariant>
 
@@ -73,6 +74,14 @@ TositeHaku::Tulos TositeHaku::hae(const QSqlDatabase& db, const QString& arvo, c
         arvolla(db, summa->raw(), tulos.osumat);
     if (!selite.isEmpty())
         selitteella(db, selite, tulos.osumat);
+    // A voucher is found once, however many of its entries or conditions match.
+    QSet<qint32> nahty;
+    std::erase_if(tulos.osumat, [&](const Osuma& o) {
+        if (nahty.contains(o.toId))
+            return true;
+        nahty.insert(o.toId);
+        return false;
+    });
     return tulos;
 }
 

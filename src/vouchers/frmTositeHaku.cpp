@@ -1,7 +1,6 @@
 #include "frmTositeHaku.h"
 
 #include "DatabaseError.h"
-#include "EnterAsTab.h"
 #include "TositeHaku.h"
 #include "WaitCursor.h"
 
@@ -19,6 +18,8 @@ QPushButton* button(const QString& caption, const char* name, QWidget* parent)
 {
     auto* b = new QPushButton(caption, parent);
     b->setObjectName(QString::fromLatin1(name));
+    // Enter in a search field searches; it never presses a button of its own accord.
+    b->setAutoDefault(false);
     return b;
 }
 
@@ -62,8 +63,8 @@ frmTositeHaku::frmTositeHaku(const QSqlDatabase& db, QWidget* parent)
     setTabOrder(haku, m_lista);
     setTabOrder(m_lista, avaa);
     setTabOrder(avaa, peru);
-    EnterAsTab::install(this);
-
+    connect(m_arvo, &QLineEdit::returnPressed, this, &frmTositeHaku::Search);
+    connect(m_selite, &QLineEdit::returnPressed, this, &frmTositeHaku::Search);
     connect(haku, &QPushButton::clicked, this, &frmTositeHaku::Search);
     connect(avaa, &QPushButton::clicked, this, &frmTositeHaku::Open);
     connect(peru, &QPushButton::clicked, this, &frmTositeHaku::Undo);

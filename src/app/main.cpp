@@ -8,13 +8,15 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLibraryInfo>
 #include <QLocale>
+#include <QTranslator>
 
 int main(int argc, char* argv[])
 {
     QApplication app(argc, argv);
+    // No display name: the window manager would add it to every window's own title.
     QApplication::setApplicationName(QStringLiteral("Vorkam"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Vorkam"));
     QApplication::setApplicationVersion(ProgramInfo::version());
     // The desktop entry's name lets the desktop match the window to its menu item and icon.
     QGuiApplication::setDesktopFileName(QStringLiteral("vorkam"));
@@ -25,6 +27,11 @@ int main(int argc, char* argv[])
     // Amounts and dates are Finnish whatever the machine's own language.
     if (QLocale::system().territory() != QLocale::Finland)
         QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));
+    // Qt's own texts (file dialogs, context menus, standard buttons) in Finnish too.
+    QTranslator qtTexts;
+    if (qtTexts.load(QLocale(QLocale::Finnish, QLocale::Finland), QStringLiteral("qtbase"),
+            QStringLiteral("_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&qtTexts);
 
     QtDialogs dialogs;
     Dialogs::install(&dialogs);

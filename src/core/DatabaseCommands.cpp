@@ -84,7 +84,7 @@ bool restoreFromBackup()
 {
     Dialogs& dialogs = Dialogs::instance();
     DBC::instance().SuljeDB();
-    const QString filter = QStringLiteral("Database (*.mdb)");
+    const QString filter = QStringLiteral("Tietokanta (*.mdb)");
 
     QString source;
     while (source.isEmpty()) {

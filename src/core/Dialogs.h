@@ -21,7 +21,7 @@ public:
     virtual bool question(const QString& text) = 0;
     // An input box; nullopt when cancelled.
     virtual std::optional<QString> input(const QString& prompt, const QString& defaultText) = 0;
-    // File dialogs; `filter` is in Qt form ("Database (*.mdb)"). An empty result is a cancel.
+    // File dialogs; `filter` is in Qt form ("Tietokanta (*.mdb)"). An empty result is a cancel.
     virtual QString openFileName(const QString& title, const QString& filter, const QString& start) = 0;
     virtual QString saveFileName(const QString& title, const QString& filter, const QString& start) = 0;
     virtual void beep() = 0;

@@ -74,7 +74,7 @@ Startup::Result Startup::run()
         const QString current = install.Database;
         const QString start = current.contains(QLatin1String("mdb")) ? current : QDir(current).absolutePath();
         const QString chosen = dialogs.openFileName(
-            QStringLiteral("Seuran valinta"), QStringLiteral("Database (*.mdb)"), start);
+            QStringLiteral("Seuran valinta"), QStringLiteral("Tietokanta (*.mdb)"), start);
         if (!chosen.isEmpty()) {
             install.Database = chosen;
             if (!ProgramSettings::saveDatabase())

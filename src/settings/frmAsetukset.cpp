@@ -239,7 +239,7 @@ void frmAsetukset::valitseTietokanta()
     else if (!text.isEmpty() && QFileInfo(text).isDir())
         start = text;
     const QString chosen = Dialogs::instance().openFileName(
-        QStringLiteral("Valitse tietokanta"), QStringLiteral("Database (*.mdb)"), start);
+        QStringLiteral("Valitse tietokanta"), QStringLiteral("Tietokanta (*.mdb)"), start);
     if (chosen.isEmpty())
         return;
     ui->tDatabase->setText(chosen);

@@ -14,7 +14,7 @@ fail() { echo "VIRHE: $*" >&2; exit 1; }
   || { cat "$work/cpack.log"; fail "cpack ei tehnyt pakettia"; }
 deb=$(ls "$work"/pkg/vorkam_*.deb)
 depends=$(dpkg-deb --field "$deb" Depends)
-for needed in libqt6core6 libqt6widgets6 libsqlite3-0 libhpdf libxlsxwriter libqt6sql6-sqlite fonts-liberation; do
+for needed in libqt6core6 libqt6widgets6 libsqlite3-0 libhpdf libxlsxwriter libqt6sql6-sqlite fonts-liberation qt6-translations-l10n libfreetype6 zlib1g; do
   [[ $depends == *"$needed"* ]] || fail "riippuvuus $needed puuttuu: $depends"
 done
 

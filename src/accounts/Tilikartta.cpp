@@ -170,9 +170,10 @@ qint32 lisaaTili(const QSqlDatabase& db, const QString& numeroText, const QStrin
     Tarkistus tarkistus = tarkistaTili(db, numeroText, nimi);
     qint32 id = 0;
     if (tarkistus.ok()) {
+        // A new account is printed in the ledger, as the accounts of a new book are.
         QSqlQuery q = Sql::run(db,
             QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus, tlAlkusaldo, tlLoppusaldo, tlPrint) "
-                           "VALUES (?, ?, ?, 0, 0, 0)"),
+                           "VALUES (?, ?, ?, 0, 0, 1)"),
             { *numeroTekstista(numeroText), RecordText::storedName(nimi),
                 RecordText::storedDescription(kuvaus) });
         id = q.lastInsertId().toInt();

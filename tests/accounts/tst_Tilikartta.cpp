@@ -138,6 +138,8 @@ private slots:
             QCOMPARE(f.kentta(id, "tlNumero").toInt(), numero.toInt());
             QCOMPARE(f.nimi(id), nimi.left(50));
             QCOMPARE(f.kentta(id, "tlKuvaus").toString(), QStringLiteral(" "));
+            // Printed in the ledger.
+            QCOMPARE(f.kentta(id, "tlPrint").toInt(), 1);
         }
     }
 

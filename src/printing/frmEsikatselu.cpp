@@ -12,9 +12,11 @@
 #include "WaitCursor.h"
 
 #include <QDir>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -56,11 +58,17 @@ frmEsikatselu::frmEsikatselu(std::unique_ptr<ReportDocument> document, QWidget* 
         QStringLiteral("Tallenna rivit Excel-taulukoksi"));
     QPushButton* sulje = button(QStringLiteral("cSulje"), QStringLiteral("&Sulje"),
         QKeySequence(Qt::Key_Escape), QStringLiteral("Sulje esikatselu (Esc)"));
-    for (QWidget* w : std::initializer_list<QWidget*> { ensimmainen, edellinen, m_sivu, seuraava, viimeinen,
-             pienenna, suurenna, tulosta, pdf, csv, xlsx })
+    // Two rows, the page's and the file's, so that the window fits a small screen.
+    for (QWidget* w : std::initializer_list<QWidget*> {
+             ensimmainen, edellinen, m_sivu, seuraava, viimeinen, pienenna, suurenna })
         row->addWidget(w);
     row->addStretch();
-    row->addWidget(sulje);
+    auto* files = new QHBoxLayout;
+    layout->addLayout(files);
+    for (QWidget* w : std::initializer_list<QWidget*> { tulosta, pdf, csv, xlsx })
+        files->addWidget(w);
+    files->addStretch();
+    files->addWidget(sulje);
 
     m_view = new ReportPageView(*m_document, this);
     m_scroll = new QScrollArea(this);
@@ -85,7 +93,11 @@ frmEsikatselu::frmEsikatselu(std::unique_ptr<ReportDocument> document, QWidget* 
 
     m_view->setZoom(1.0);
     naytaSivu(0);
-    resize(900, 1000);
+    // As large as a page wants, within the screen it opens on (its frame and the panels included).
+    QSize size(900, 1000);
+    if (const QScreen* screen = parent ? parent->screen() : QGuiApplication::primaryScreen())
+        size = size.boundedTo(screen->availableGeometry().size() - QSize(40, 60));
+    resize(size);
 }
 
 frmEsikatselu::~frmEsikatselu() = default;

@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTableView>
@@ -220,6 +221,14 @@ private slots:
         auto* preview = tositteet.findChild<frmEsikatselu*>();
         QVERIFY(preview);
         QVERIFY(preview->windowTitle().contains(QStringLiteral("Päiväkirja -- 1.2.2011 - 28.2.2011")));
+        // The preview fits the screen it opens on.
+        const QSize screen = preview->screen()->availableGeometry().size();
+        QVERIFY2(preview->width() <= screen.width() && preview->height() <= screen.height(),
+            qPrintable(QStringLiteral("%1x%2 on %3x%4")
+                           .arg(preview->width())
+                           .arg(preview->height())
+                           .arg(screen.width())
+                           .arg(screen.height())));
         preview->close();
     }
 

@@ -390,6 +390,8 @@ bool TositeMuokkaus::uusiMallista(const QString& selite, const std::vector<Malli
     emit luetteloRivi(tosite->ToId(), luetteloTeksti(tosite->Numero(), tosite->Selite()));
     try {
         nayta(std::move(tosite));
+        // The pattern's entries are in the books now: the chosen account's sums take them in.
+        m_kaikki = m_kaikki + m_omat;
     } catch (const DatabaseError& e) {
         kerro(QStringLiteral("Tositteen vientejä ei voitu lukea."), e);
         nayta(nullptr);

@@ -461,6 +461,7 @@ private slots:
 
     void voucherFromAPattern()
     {
+        ProgramSettings::bookkeeping().LaskettavaTili = pankki;
         f->addTosite(3);
         auto m = open(Laji::Avaus);
         QVERIFY(m->uusiMallista(QStringLiteral("Jäsenmaksut"),
@@ -473,6 +474,8 @@ private slots:
                          "viSelite = 'Jäsenmaksut' AND viAvausvienti = 1 AND viArvo = 500000 AND vitoID = %1")
                          .arg(m->tosite().ToId())),
             2);
+        // The chosen account's balance counts the pattern's entries once.
+        QCOMPARE(m->laskettavanSaldo(), Money::fromCents(5000));
         // All or nothing: a pattern whose entries cannot be written leaves no voucher behind.
         QVERIFY(f->failOn(QStringLiteral("INSERT"), QStringLiteral("vi")));
         QVERIFY(

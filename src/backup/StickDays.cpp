@@ -1,14 +1,28 @@
 #include "StickDays.h"
 
 #include "BackupStick.h"
+#include "Dates.h"
 #include "Dialogs.h"
 
 #include <QDir>
 #include <QLabel>
 #include <QListWidget>
+#include <QRegularExpression>
 
-StickDays::StickDays(const Controls& controls, const QString& choose)
+namespace {
+
+// A day folder as the user reads it: "20240312" as "12.3.2024".
+QString dayText(const QString& folder)
+{
+    const QDate d = QDate::fromString(folder, QStringLiteral("yyyyMMdd"));
+    return d.isValid() ? Dates::format(d) : folder;
+}
+
+} // namespace
+
+StickDays::StickDays(const Controls& controls, const QString& chooseDay, const QString& choose)
     : m_ui(controls)
+    , m_chooseDay(chooseDay)
     , m_choose(choose)
 {
 }
@@ -42,15 +56,17 @@ void StickDays::find()
     }
     m_mountPoint = stick->mountPoint;
     m_ui.lblVapaaTilaStatus->clear();
-    m_ui.lblVaihe2->setText(BackupStick::foundText(QDir::toNativeSeparators(m_mountPoint),
-        QStringLiteral("valitse palautettavan varmuuskopion päivä:")));
+    m_ui.lblVaihe2->setText(BackupStick::foundText(QDir::toNativeSeparators(m_mountPoint), m_chooseDay));
     m_ui.lblVaihe2->setEnabled(true);
     const QStringList days = BackupStick::days(m_mountPoint);
     if (days.isEmpty()) {
         Dialogs::instance().information(QStringLiteral("Muistitikulta ei löydy varmuuskopioita."));
         return;
     }
-    m_ui.lstPaiva->addItems(days);
+    for (const QString& folder : days) {
+        auto* item = new QListWidgetItem(dayText(folder), m_ui.lstPaiva);
+        item->setData(Qt::UserRole, folder);
+    }
     m_ui.lstPaiva->setEnabled(true);
     // The newest day is the one most often wanted.
     m_ui.lstPaiva->setCurrentRow(0);
@@ -60,7 +76,7 @@ void StickDays::find()
 QString StickDays::day() const
 {
     const QListWidgetItem* item = m_ui.lstPaiva->currentItem();
-    return item && !m_mountPoint.isEmpty() ? item->text() : QString();
+    return item && !m_mountPoint.isEmpty() ? item->data(Qt::UserRole).toString() : QString();
 }
 
 void StickDays::showDay()
@@ -69,12 +85,15 @@ void StickDays::showDay()
     const QString chosen = day();
     if (chosen.isEmpty())
         return;
-    const QStringList files = BackupStick::files(m_mountPoint, chosen);
+    // Only books: a note or another file kept beside them is no copy.
+    const QStringList files = BackupStick::files(m_mountPoint, chosen)
+                                  .filter(QRegularExpression(
+                                      QStringLiteral("\\.mdb$"), QRegularExpression::CaseInsensitiveOption));
     m_ui.lstTietokanta->addItems(files);
     m_ui.lstTietokanta->setEnabled(!files.isEmpty());
     m_ui.lblVaihe3->setEnabled(true);
     m_ui.lblVaihe3->setText(files.isEmpty()
             ? QStringLiteral("3. Valitulle päivälle ei löydy tietokantoja.")
-            : QStringLiteral("3. Valitulle päivälle %1 löytyy seuraavat tietokannat, ").arg(chosen)
+            : QStringLiteral("3. Valitulle päivälle %1 löytyy seuraavat tietokannat, ").arg(dayText(chosen))
                 + m_choose);
 }

@@ -17,8 +17,9 @@ public:
         QLabel* lblVaihe3;
         QListWidget* lstTietokanta;
     };
-    // `choose` ends the step-3 text: what the user is to choose among the day's copies.
-    StickDays(const Controls& controls, const QString& choose);
+    // `chooseDay` ends the step-2 text and `choose` the step-3 text: what the user is to choose
+    // (to restore, to delete).
+    StickDays(const Controls& controls, const QString& chooseDay, const QString& choose);
 
     // False, with the first step saying so, when this computer cannot tell sticks from disks.
     bool supported() const;
@@ -30,11 +31,12 @@ public:
     void showDay();
 
     const QString& mountPoint() const { return m_mountPoint; }
-    // The chosen day, or empty.
+    // The chosen day's folder ("20240312"), or empty. The list shows it as a date.
     QString day() const;
 
 private:
     Controls m_ui;
+    QString m_chooseDay;
     QString m_choose;
     QString m_mountPoint;
 };

@@ -10,6 +10,7 @@ frmBackupManagement::frmBackupManagement(QWidget* parent)
     ui->setupUi(this);
     m_days = std::make_unique<StickDays>(StickDays::Controls { ui->lblVaihe1, ui->lblVapaaTilaStatus,
                                              ui->lblVaihe2, ui->lstPaiva, ui->lblVaihe3, ui->lstTietokanta },
+        QStringLiteral("valitse päivä, jolta varmuuskopioita poistetaan:"),
         QStringLiteral("valitse poistettavien tietokantojen nimet:"));
     connect(ui->cEtsiMuistitikku, &QPushButton::clicked, this, &frmBackupManagement::etsiMuistitikku);
     connect(ui->cPoistaValitut, &QPushButton::clicked, this, &frmBackupManagement::poistaValitut);

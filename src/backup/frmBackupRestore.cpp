@@ -15,6 +15,7 @@ frmBackupRestore::frmBackupRestore(QWidget* parent)
     ui->setupUi(this);
     m_days = std::make_unique<StickDays>(StickDays::Controls { ui->lblVaihe1, ui->lblVapaaTilaStatus,
                                              ui->lblVaihe2, ui->lstPaiva, ui->lblVaihe3, ui->lstTietokanta },
+        QStringLiteral("valitse palautettavan varmuuskopion päivä:"),
         QStringLiteral("valitse palautettavan tietokannan nimi:"));
     connect(ui->cEtsiMuistitikku, &QPushButton::clicked, this, &frmBackupRestore::etsiMuistitikku);
     connect(ui->cPalauta, &QPushButton::clicked, this, &frmBackupRestore::palauta);

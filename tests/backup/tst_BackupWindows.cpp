@@ -78,6 +78,9 @@ struct StickWithCopies {
             QDir().mkpath(QFileInfo(file).absolutePath());
             QVERIFY(TestEnv::createDatabase(file));
         }
+        // A note beside the copies is no copy.
+        QFile note(BackupStick::backupFolder(stick) + QStringLiteral("/20240312/muistio.txt"));
+        QVERIFY(note.open(QIODevice::WriteOnly) && note.write("muista") > 0);
     }
     QString copy(const char* day, const char* name) const
     {
@@ -224,9 +227,10 @@ void tst_BackupWindows::managementWithoutCopies()
     ScriptedDialogs dialogs;
     frmBackupManagement w;
     click(w, "cEtsiMuistitikku");
+    // The management speaks of deleting, not of restoring.
     QCOMPARE(text(w, "lblVaihe2"),
         QStringLiteral("2. Sopiva muistitikku löytyi (") + stick
-            + QStringLiteral("-asema), valitse palautettavan varmuuskopion päivä:"));
+            + QStringLiteral("-asema), valitse päivä, jolta varmuuskopioita poistetaan:"));
     QCOMPARE(dialogs.transcript(),
         QStringList(QStringLiteral("information: Muistitikulta ei löydy varmuuskopioita.")));
     QCOMPARE(child<QListWidget>(w, "lstPaiva")->count(), 0);
@@ -248,10 +252,12 @@ void tst_BackupWindows::managementDeletesEachAfterItsQuestion()
     click(w, "cEtsiMuistitikku");
     QListWidget* days = child<QListWidget>(w, "lstPaiva");
     QListWidget* files = child<QListWidget>(w, "lstTietokanta");
-    QCOMPARE(items(days), QStringList({ "20240312", "20240105" }));
+    QCOMPARE(items(days), QStringList({ "12.3.2024", "5.1.2024" }));
     QCOMPARE(days->currentRow(), 0);
+    QVERIFY(
+        text(w, "lblVaihe2").endsWith(QStringLiteral("valitse päivä, jolta varmuuskopioita poistetaan:")));
     QCOMPARE(text(w, "lblVaihe3"),
-        QStringLiteral("3. Valitulle päivälle 20240312 löytyy seuraavat tietokannat, valitse poistettavien "
+        QStringLiteral("3. Valitulle päivälle 12.3.2024 löytyy seuraavat tietokannat, valitse poistettavien "
                        "tietokantojen nimet:"));
     QCOMPARE(items(files), QStringList({ "kuoro.mdb", "seura.mdb", "tilit.mdb" }));
     QVERIFY(!enabled(w, "cPoistaValitut"));
@@ -283,7 +289,7 @@ void tst_BackupWindows::restoreChoosesDayAndCopy()
     QListWidget* files = child<QListWidget>(w, "lstTietokanta");
     days->setCurrentRow(1);
     QCOMPARE(text(w, "lblVaihe3"),
-        QStringLiteral("3. Valitulle päivälle 20240105 löytyy seuraavat tietokannat, valitse palautettavan "
+        QStringLiteral("3. Valitulle päivälle 5.1.2024 löytyy seuraavat tietokannat, valitse palautettavan "
                        "tietokannan nimi:"));
     QVERIFY(!enabled(w, "cPalauta"));
     files->setCurrentRow(0);

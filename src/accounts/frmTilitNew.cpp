@@ -227,7 +227,7 @@ void frmTilitNew::tiliaMuutettu(const QString& nimi, qint32 numero, qint32 id)
         ui->tvTilit->setCurrentItem(solmu);
 }
 
-bool frmTilitNew::tarkistaMuutokset()
+bool frmTilitNew::tarkistaMuutokset(bool poistuttaessa)
 {
     Tilikartta::Tarkistus tarkistus;
     if (!tellIfFails(TallennusEpaonnistui, [&] {
@@ -237,7 +237,9 @@ bool frmTilitNew::tarkistaMuutokset()
         return false;
     if (tarkistus.ok())
         return true;
-    showInformation(tarkistus.viesti);
+    // Leaving is refused until the change is mended or undone: say how to undo.
+    showInformation(poistuttaessa ? tarkistus.viesti + QStringLiteral("\nKorjaa tieto tai peru muutokset (Alt+P).")
+                                  : tarkistus.viesti);
     QLineEdit* field = tarkistus.numerossa ? ui->tTilinumero : ui->tNimi;
     field->setFocus();
     field->selectAll();
@@ -248,7 +250,7 @@ bool frmTilitNew::tallennaMuutokset()
 {
     if (m_tili->IsEmpty() || !m_tili->isChanged())
         return true;
-    return tarkistaMuutokset() && tellIfFails(TallennusEpaonnistui, [&] { m_tili->Save(false); });
+    return tarkistaMuutokset(true) && tellIfFails(TallennusEpaonnistui, [&] { m_tili->Save(false); });
 }
 
 void frmTilitNew::solmuValittu(QTreeWidgetItem* current, QTreeWidgetItem* previous)
@@ -313,7 +315,7 @@ void frmTilitNew::uusi()
 
 void frmTilitNew::tallenna()
 {
-    if (m_tili->IsEmpty() || !tarkistaMuutokset())
+    if (m_tili->IsEmpty() || !tarkistaMuutokset(false))
         return;
     // Reading the saved row back makes it what Peru returns to: Peru undoes unsaved edits only.
     tellIfFails(TallennusEpaonnistui, [&] {

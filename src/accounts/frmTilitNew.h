@@ -45,7 +45,7 @@ private:
     // Saves the current account's changes before another account takes its place. False, with
     // the reason shown, when they cannot be saved; the current account then stays.
     bool tallennaMuutokset();
-    bool tarkistaMuutokset();
+    bool tarkistaMuutokset(bool poistuttaessa);
     void solmuValittu(QTreeWidgetItem* current, QTreeWidgetItem* previous);
     bool hyppaaNumeroon(const QString& text);
 

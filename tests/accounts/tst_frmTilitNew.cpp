@@ -229,9 +229,13 @@ private slots:
         // Leaving the account or closing the window is refused the same way until undone.
         click(w, "cSeuraava");
         QCOMPARE(c.dialogs.shown().size(), 2);
+        QVERIFY(c.dialogs.shown().last().text.endsWith(QStringLiteral("\nKorjaa tieto tai peru muutokset (Alt+P).")));
         QCOMPARE(w.nykyinenTili().id(), c.id[1000]);
         QVERIFY(!w.close());
-        click(w, "cPeru");
+        // Peru from the keyboard undoes the change without checking it again.
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_P, Qt::AltModifier);
+        QTRY_VERIFY(!w.nykyinenTili().isChanged());
+        QCOMPARE(c.dialogs.shown().size(), 3);
         QVERIFY(w.close());
         QCOMPARE(c.kentta(c.id[1000], "tlNumero").toInt(), 1000);
         QCOMPARE(c.nimi(c.id[1000]), QStringLiteral("Aineettomat oikeudet"));

@@ -4,6 +4,7 @@
 #include "ProfitEntries.h"
 #include "ProgramInfo.h"
 #include "QtDialogs.h"
+#include "TitleFit.h"
 #include "frmMain.h"
 
 #include <QApplication>
@@ -33,6 +34,7 @@ int main(int argc, char* argv[])
             QStringLiteral("_"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QApplication::installTranslator(&qtTexts);
 
+    TitleFit::install();
     QtDialogs dialogs;
     Dialogs::install(&dialogs);
     // The account inspection shows the year's result that the statements compute.

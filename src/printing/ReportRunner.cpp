@@ -49,6 +49,12 @@ private:
     QProgressDialog m_dialog;
 };
 
+std::function<bool()>& printerCheck()
+{
+    static std::function<bool()> check;
+    return check;
+}
+
 } // namespace
 
 namespace ReportRunner {
@@ -87,12 +93,23 @@ void run(QWidget* parent, const QSqlDatabase& db, const ReportJob& job)
     preview->activateWindow();
 }
 
+bool printerAvailable()
+{
+    return printerCheck() ? printerCheck()() : !QPrinterInfo::availablePrinters().isEmpty();
+}
+
+void setPrinterCheck(std::function<bool()> check) { printerCheck() = std::move(check); }
+
+QString noPrinterText()
+{
+    return QStringLiteral("Tulostinta ei löydy. Valitse tulostuskohteeksi Ikkuna ja tallenna raportti "
+                          "esikatselusta PDF-tiedostoksi.");
+}
+
 bool printDocument(QWidget* parent, const ReportDocument& document, int copies)
 {
-    if (QPrinterInfo::availablePrinters().isEmpty()) {
-        Dialogs::instance().information(
-            QStringLiteral("Tulostinta ei löydy. Valitse tulostuskohteeksi Ikkuna ja tallenna raportti "
-                           "esikatselusta PDF-tiedostoksi."));
+    if (!printerAvailable()) {
+        Dialogs::instance().information(noPrinterText());
         return false;
     }
     QPrinter printer(QPrinter::HighResolution);

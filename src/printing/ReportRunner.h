@@ -3,6 +3,7 @@
 #include "ReportJob.h"
 
 #include <QSqlDatabase>
+#include <functional>
 
 class QWidget;
 class ReportDocument;
@@ -20,6 +21,13 @@ void run(QWidget* parent, const QSqlDatabase& db, const ReportJob& job);
 // Prints a laid-out report on the printer chosen with cTulostin (or the default one), in the
 // report's orientation. False when there is no printer or the user cancelled.
 bool printDocument(QWidget* parent, const ReportDocument& document, int copies);
+// Whether the machine has a printer to print on; tests give their own answer (empty: ask the
+// system again).
+bool printerAvailable();
+void setPrinterCheck(std::function<bool()> check);
+// What the user is told when there is none.
+QString noPrinterText();
+
 // Writes a PDF with a progress bar; throws ReportError or ReportCancelled.
 void writePdf(QWidget* parent, const ReportDocument& document, const QString& path);
 

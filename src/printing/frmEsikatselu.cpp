@@ -109,7 +109,11 @@ QPushButton* frmEsikatselu::button(
     b->setObjectName(name);
     b->setToolTip(tip);
     b->setAutoDefault(false);
-    if (!key.isEmpty()) {
+    // A button without a letter of its own is pressed by its key; one with a letter keeps the
+    // letter and gets the key beside it.
+    if (QKeySequence::mnemonic(text).isEmpty()) {
+        b->setShortcut(key);
+    } else if (!key.isEmpty()) {
         auto* shortcut = new QShortcut(key, this);
         connect(shortcut, &QShortcut::activated, b, &QPushButton::click);
     }

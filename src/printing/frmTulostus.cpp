@@ -3,6 +3,7 @@
 
 #include "Dialogs.h"
 #include "PrintOptions.h"
+#include "ReportRunner.h"
 
 #include <QPrintDialog>
 #include <QPrinter>
@@ -36,6 +37,13 @@ void frmTulostus::tulosta()
 {
     PrintValues& values = PrintOptions::current();
     const auto destination = Destination(ui->cmbTulostusLaite->currentIndex());
+    // Without a printer the dialog stays, with the window chosen in its place.
+    if (destination == Destination::Printer && !ReportRunner::printerAvailable()) {
+        Dialogs::instance().information(ReportRunner::noPrinterText());
+        ui->cmbTulostusLaite->setCurrentIndex(int(Destination::Window));
+        ui->cmbTulostusLaite->setFocus();
+        return;
+    }
     values.destination = destination;
     values.cancelled = false;
     if (const std::optional<int> copies = PrintOptions::copies(ui->tKopioita->text())) {

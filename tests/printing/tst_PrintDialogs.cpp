@@ -1,5 +1,6 @@
 #include "Dates.h"
 #include "PrintOptions.h"
+#include "ReportRunner.h"
 #include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
 #include "TestEnv.h"
@@ -76,6 +77,7 @@ private slots:
         else if (answer == u"no")
             dialogs.answerNo();
         PrintOptions::current().copies = 7;
+        ReportRunner::setPrinterCheck([] { return true; });
         frmTulostus w;
         w.show();
         QCOMPARE(w.windowTitle(), QStringLiteral("Vorkam - Tulostusasetukset"));
@@ -98,6 +100,22 @@ private slots:
         } else {
             QVERIFY(child<QLineEdit>(w, "tKopioita")->hasFocus() || !QApplication::focusWidget());
         }
+    }
+
+    void noPrinterLeavesTheWindowToChoose()
+    {
+        ScriptedDialogs dialogs;
+        ReportRunner::setPrinterCheck([] { return false; });
+        frmTulostus w;
+        w.show();
+        child<QPushButton>(w, "cTulosta")->click();
+        QVERIFY(w.isVisible());
+        QCOMPARE(dialogs.transcript(), QStringList { "information: " + ReportRunner::noPrinterText() });
+        QCOMPARE(child<QComboBox>(w, "cmbTulostusLaite")->currentIndex(), int(Destination::Window));
+        child<QPushButton>(w, "cTulosta")->click();
+        QCOMPARE(w.result(), int(QDialog::Accepted));
+        QCOMPARE(PrintOptions::current().destination, Destination::Window);
+        ReportRunner::setPrinterCheck({});
     }
 
     void cancel()

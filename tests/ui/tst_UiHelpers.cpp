@@ -1,4 +1,8 @@
 #include "EnterAsTab.h"
+#include "TitleFit.h"
+
+#include <QDialog>
+#include <QLabel>
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -6,14 +10,15 @@
 #include <QTest>
 #include <QVBoxLayout>
 
-class tst_EnterAsTab : public QObject {
+class tst_UiHelpers : public QObject {
     Q_OBJECT
 
 private slots:
     void enterMovesThroughFields();
+    void windowsAreAsWideAsTheirTitles();
 };
 
-void tst_EnterAsTab::enterMovesThroughFields()
+void tst_UiHelpers::enterMovesThroughFields()
 {
     QWidget w;
     auto* layout = new QVBoxLayout(&w);
@@ -47,5 +52,24 @@ void tst_EnterAsTab::enterMovesThroughFields()
     QVERIFY(second->hasFocus() || second->lineEdit()->hasFocus());
 }
 
-QTEST_MAIN(tst_EnterAsTab)
-#include "tst_EnterAsTab.moc"
+void tst_UiHelpers::windowsAreAsWideAsTheirTitles()
+{
+    TitleFit::install();
+    const QString title = QStringLiteral("Tilikauden vaihto - Tarkista tositteet ennen vaihtoa");
+    QDialog narrow;
+    (new QVBoxLayout(&narrow))->addWidget(new QLabel(QStringLiteral("OK?"), &narrow));
+    narrow.setWindowTitle(title);
+    QDialog wide;
+    wide.setWindowTitle(QStringLiteral("Haku"));
+    wide.resize(900, 200);
+    for (QDialog* d : { &narrow, &wide }) {
+        d->show();
+        QVERIFY(QTest::qWaitForWindowExposed(d));
+    }
+    QVERIFY(TitleFit::neededWidth(narrow) > 300);
+    QVERIFY(narrow.width() >= TitleFit::neededWidth(narrow));
+    QCOMPARE(wide.width(), 900);
+}
+
+QTEST_MAIN(tst_UiHelpers)
+#include "tst_UiHelpers.moc"

@@ -238,8 +238,9 @@ bool frmTilitNew::tarkistaMuutokset(bool poistuttaessa)
     if (tarkistus.ok())
         return true;
     // Leaving is refused until the change is mended or undone: say how to undo.
-    showInformation(poistuttaessa ? tarkistus.viesti + QStringLiteral("\nKorjaa tieto tai peru muutokset (Alt+P).")
-                                  : tarkistus.viesti);
+    showInformation(poistuttaessa
+            ? tarkistus.viesti + QStringLiteral("\nKorjaa tieto tai peru muutokset (Alt+P).")
+            : tarkistus.viesti);
     QLineEdit* field = tarkistus.numerossa ? ui->tTilinumero : ui->tNimi;
     field->setFocus();
     field->selectAll();

@@ -19,6 +19,18 @@ QString workName(const QString& databasePath, QChar last)
     return databasePath.left(databasePath.size() - 1) + last;
 }
 
+QString keptName(const QString& copy)
+{
+    const QFileInfo info(copy);
+    const QString stem = info.path() + u'/' + info.completeBaseName() + u' '
+        + info.lastModified().toString(QStringLiteral("yyyy-MM-dd HH.mm.ss"));
+    const QString suffix = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
+    QString name = stem + suffix;
+    for (int n = 2; QFileInfo::exists(name); ++n)
+        name = stem + QStringLiteral(" (%1)").arg(n) + suffix;
+    return name;
+}
+
 bool backupAndReorganize()
 {
     Dialogs& dialogs = Dialogs::instance();
@@ -37,6 +49,17 @@ bool backupAndReorganize()
         QDir().mkpath(folder);
     // The folder is used as it stands: one without a trailing "/" is glued to the file name.
     const QString copyName = folder + path.mid(path.lastIndexOf(u'/') + 1);
+    // An earlier copy in the folder is kept under the time it was made, never overwritten.
+    QString kept;
+    if (QFileInfo::exists(copyName)) {
+        kept = keptName(copyName);
+        if (!ops.rename(copyName, kept)) {
+            dialogs.error(QStringLiteral("Edellistä varmuuskopiota %1 ei voitu säilyttää nimellä %2. "
+                                         "Varmuuskopiota ei tehty.")
+                              .arg(copyName, kept));
+            return false;
+        }
+    }
     if (!QFileInfo(path).isFile() || !ops.copy(path, copyName)) {
         dialogs.error(QStringLiteral("Tietokantaa ei voida kopioida \nhakemistosta: %1\nhakemistoon: %2\n"
                                      "Tarkista asetuksista tietokanta ja varmistushakemistot!\n"
@@ -67,7 +90,9 @@ bool backupAndReorganize()
         dialogs.error(QStringLiteral("Korjatun tietokannan uudelleen nimeäminen ei onnistu."));
         return false;
     }
-    dialogs.information(QStringLiteral("Tietokannan varmuuskopiointi ja uudelleenjärjestely valmis."));
+    dialogs.information(QStringLiteral("Tietokannan varmuuskopiointi ja uudelleenjärjestely valmis.")
+        + (kept.isEmpty() ? QString()
+                          : QStringLiteral("\nEdellinen varmuuskopio säilyi nimellä %1.").arg(kept)));
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "DatabaseCopy.h"
 
+#include "ErrorText.h"
 #include "Paths.h"
 
 #include <QDir>
@@ -36,7 +37,7 @@ QString describe(int code, sqlite3* db)
         break;
     }
     const char* engine = db ? sqlite3_errmsg(db) : sqlite3_errstr(code);
-    return what + QStringLiteral(" (") + QString::fromUtf8(engine) + u')';
+    return what + u'\n' + ErrorText::technical(QString::fromUtf8(engine));
 }
 
 sqlite3* handleOf(const QSqlDatabase& db)

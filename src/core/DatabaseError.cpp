@@ -1,4 +1,5 @@
 #include "DatabaseError.h"
+#include "ErrorText.h"
 
 #include <QSqlError>
 #include <QVariant>
@@ -12,14 +13,14 @@ QSqlQuery prepare(const QSqlDatabase& db, const QString& sql)
     QSqlQuery q(db);
     q.setForwardOnly(true);
     if (!q.prepare(sql))
-        throw DatabaseError(q.lastError().text());
+        throw DatabaseError(ErrorText::technical(q.lastError().text()));
     return q;
 }
 
 void exec(QSqlQuery& q)
 {
     if (!q.exec())
-        throw DatabaseError(q.lastError().text());
+        throw DatabaseError(ErrorText::technical(q.lastError().text()));
 }
 
 QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& values)

@@ -1,4 +1,5 @@
 #include "DatabaseFile.h"
+#include "ErrorText.h"
 
 #include "PageRecovery.h"
 #include "Schema.h"
@@ -120,13 +121,15 @@ OpenResult open(const QString& path, const QString& connectionName, bool readOnl
         if (readOnly)
             db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
         if (!db.open()) {
-            result = failure(DbError::Damaged, db.lastError().text());
+            result = failure(DbError::Damaged, ErrorText::technical(db.lastError().text()));
         } else {
             QSqlQuery q(db);
             if (check && (!q.exec(QStringLiteral("PRAGMA quick_check")) || !q.next())) {
-                result = failure(DbError::Damaged, q.lastError().text());
+                result = failure(DbError::Damaged, ErrorText::technical(q.lastError().text()));
             } else if (check && q.value(0).toString() != QLatin1String("ok")) {
-                result = failure(DbError::Damaged, q.value(0).toString());
+                result = failure(DbError::Damaged,
+                    QStringLiteral("Tietokannan tarkistus löysi vikoja.\n")
+                        + ErrorText::technical(q.value(0).toString()));
             } else {
                 q.finish();
                 if (!readOnly) {
@@ -176,7 +179,7 @@ OpenResult compactInto(const QString& source, const QString& target)
         q.prepare(QStringLiteral("VACUUM INTO ?"));
         q.addBindValue(target);
         if (!q.exec())
-            return OpenResult { DbError::Failed, q.lastError().text(),
+            return OpenResult { DbError::Failed, ErrorText::technical(q.lastError().text()),
                 q.lastError().nativeErrorCode().toInt() };
         return OpenResult {};
     });
@@ -243,7 +246,9 @@ bool integrityOk(const QString& path)
         QSqlQuery q(db);
         if (q.exec(QStringLiteral("PRAGMA integrity_check")) && q.next() && q.value(0).toString() == u"ok")
             return OpenResult {};
-        return failure(DbError::Damaged, q.value(0).toString());
+        return failure(DbError::Damaged,
+            QStringLiteral("Tietokannan tarkistus löysi vikoja.\n")
+                + ErrorText::technical(q.value(0).toString()));
     }));
 }
 
@@ -321,7 +326,7 @@ RepairResult repairInto(const QString& source, const QString& target)
             QFile::remove(target);
         QFile file(source);
         if (!file.open(QIODevice::ReadOnly)) {
-            repair.result = failure(DbError::Unreadable, file.errorString());
+            repair.result = failure(DbError::Unreadable, ErrorText::technical(file.errorString()));
             return repair;
         }
         const PageRecovery::Result rows = PageRecovery::read(file.readAll());

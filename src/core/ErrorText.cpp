@@ -71,15 +71,42 @@ QString engineMeaning(int code)
 
 } // namespace
 
+QString technical(const QString& text)
+{
+    static const std::pair<const char*, const char*> known[] = {
+        { "database disk image is malformed", "Tietokanta on vioittunut." },
+        { "is not a database", "Tiedosto ei ole tietokanta tai se on vioittunut." },
+        { "database or disk is full", "Levyllä ei ole tilaa." },
+        { "No space left on device", "Levyllä ei ole tilaa." },
+        { "attempt to write a readonly database", "Tietokantaan ei voi kirjoittaa: se on vain luettavissa." },
+        { "Read-only file system", "Levy on kirjoitussuojattu." },
+        { "database is locked", "Tietokanta on toisen ohjelman käytössä." },
+        { "disk I/O error", "Levyn luku- tai kirjoitusvirhe." },
+        { "unable to open database file", "Tietokantatiedostoa ei voi avata." },
+        { "Permission denied", "Käyttöoikeus ei riitä." },
+        { "No such file or directory", "Tiedostoa tai kansiota ei löydy." },
+        { "out of memory", "Muisti ei riitä." },
+        { "interrupted", "Toiminto keskeytettiin." },
+    };
+    if (text.trimmed().isEmpty())
+        return {};
+    for (const auto& [english, finnish] : known)
+        if (text.contains(QLatin1String(english), Qt::CaseInsensitive))
+            return QString::fromUtf8(finnish);
+    return QStringLiteral("Tekninen tieto: ") + text.trimmed();
+}
+
 QString system(int number) { return QString::number(number) + QStringLiteral(": ") + systemMeaning(number); }
 
 QString meaning(int number) { return systemMeaning(number); }
 
 QString engine(int code, const QString& engineText)
 {
-    QString text = QString::number(code) + QStringLiteral(": ") + engineMeaning(code);
-    if (!engineText.isEmpty())
-        text += QStringLiteral(" (") + engineText + u')';
+    // A code Vorkam knows is told in Finnish alone; another keeps the engine's words.
+    const QString meaning = engineMeaning(code);
+    QString text = QString::number(code) + QStringLiteral(": ") + meaning;
+    if (!engineText.isEmpty() && meaning == engineMeaning(SQLITE_ERROR))
+        text += u'\n' + technical(engineText);
     return text;
 }
 

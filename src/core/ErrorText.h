@@ -13,4 +13,9 @@ QString meaning(int number);
 // "13: Levyllä ei ole tilaa (database or disk is full)".
 QString engine(int code, const QString& engineText);
 
+// A text from the engine, Qt or the system for a message: the Finnish meaning of the ones Vorkam
+// knows ("database disk image is malformed": "Tietokanta on vioittunut."), any other behind
+// "Tekninen tieto: ". Empty stays empty.
+QString technical(const QString& text);
+
 } // namespace ErrorText

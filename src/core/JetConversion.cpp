@@ -1,4 +1,5 @@
 #include "JetConversion.h"
+#include "ErrorText.h"
 
 #include "DatabaseError.h"
 #include "DatabaseFile.h"
@@ -392,7 +393,7 @@ JetConversion::Result JetConversion::convert(const QString& path) const
         db.setDatabaseName(temp.path);
         try {
             if (!db.open())
-                throw DatabaseError(db.lastError().text());
+                throw DatabaseError(ErrorText::technical(db.lastError().text()));
             Sql::run(db, QStringLiteral("PRAGMA journal_mode=DELETE")).finish();
             Sql::run(db, QStringLiteral("PRAGMA synchronous=FULL")).finish();
             {

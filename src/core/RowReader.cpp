@@ -1,4 +1,5 @@
 #include "RowReader.h"
+#include "ErrorText.h"
 
 #include "DatabaseError.h"
 
@@ -13,7 +14,10 @@ struct RowReader::Sqlite {
     sqlite3* db = nullptr;
     sqlite3_stmt* statement = nullptr;
     ~Sqlite() { sqlite3_finalize(statement); }
-    [[noreturn]] void fail() const { throw DatabaseError(QString::fromUtf8(sqlite3_errmsg(db))); }
+    [[noreturn]] void fail() const
+    {
+        throw DatabaseError(ErrorText::technical(QString::fromUtf8(sqlite3_errmsg(db))));
+    }
 };
 
 namespace {
@@ -36,11 +40,11 @@ RowReader::RowReader(const QSqlDatabase& db, const QString& sql, const QVariantL
         m_query = std::make_unique<QSqlQuery>(db);
         m_query->setForwardOnly(true);
         if (!m_query->prepare(sql))
-            throw DatabaseError(m_query->lastError().text());
+            throw DatabaseError(ErrorText::technical(m_query->lastError().text()));
         for (const QVariant& v : values)
             m_query->addBindValue(v);
         if (!m_query->exec())
-            throw DatabaseError(m_query->lastError().text());
+            throw DatabaseError(ErrorText::technical(m_query->lastError().text()));
         return;
     }
     m_sqlite = std::make_unique<Sqlite>();
@@ -102,7 +106,7 @@ bool RowReader::next()
         if (m_query->next())
             return true;
         if (m_query->lastError().isValid())
-            throw DatabaseError(m_query->lastError().text());
+            throw DatabaseError(ErrorText::technical(m_query->lastError().text()));
         return false;
     }
     const int rc = sqlite3_step(m_sqlite->statement);

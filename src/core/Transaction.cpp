@@ -1,4 +1,5 @@
 #include "Transaction.h"
+#include "ErrorText.h"
 
 #include "DatabaseError.h"
 
@@ -40,7 +41,7 @@ bool execute(const QSqlDatabase& db, const QString& sql, QString* error = nullpt
     if (q.exec(sql))
         return true;
     if (error)
-        *error = q.lastError().text();
+        *error = ErrorText::technical(q.lastError().text());
     return false;
 }
 
@@ -52,7 +53,7 @@ Transaction::Transaction(const QSqlDatabase& db)
     ConnectionState& state = states()[m_db.connectionName()];
     if (state.levels.isEmpty()) {
         if (!m_db.transaction()) {
-            const QString error = m_db.lastError().text();
+            const QString error = ErrorText::technical(m_db.lastError().text());
             states().remove(m_db.connectionName());
             throw DatabaseError(error.isEmpty() ? QStringLiteral("Tapahtumaa ei voitu aloittaa.") : error);
         }
@@ -119,7 +120,7 @@ bool Transaction::commit()
 void Transaction::commitOrThrow()
 {
     if (!commit()) {
-        const QString error = m_db.lastError().text();
+        const QString error = ErrorText::technical(m_db.lastError().text());
         throw DatabaseError(error.isEmpty() ? QStringLiteral("Tapahtuman vahvistus ei onnistunut.") : error);
     }
 }

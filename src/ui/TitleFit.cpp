@@ -26,7 +26,8 @@ bool TitleFit::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::Show && watched->isWidgetType()) {
         auto* window = static_cast<QWidget*>(watched);
         const Qt::WindowType type = window->windowType();
-        if (window->isWindow() && (type == Qt::Window || type == Qt::Dialog) && !window->windowTitle().isEmpty()) {
+        if (window->isWindow() && (type == Qt::Window || type == Qt::Dialog)
+            && !window->windowTitle().isEmpty()) {
             const int needed = qMin(neededWidth(*window), window->maximumWidth());
             if (window->minimumWidth() < needed && window->width() < needed)
                 window->setMinimumWidth(needed);

@@ -229,7 +229,8 @@ private slots:
         // Leaving the account or closing the window is refused the same way until undone.
         click(w, "cSeuraava");
         QCOMPARE(c.dialogs.shown().size(), 2);
-        QVERIFY(c.dialogs.shown().last().text.endsWith(QStringLiteral("\nKorjaa tieto tai peru muutokset (Alt+P).")));
+        QVERIFY(c.dialogs.shown().last().text.endsWith(
+            QStringLiteral("\nKorjaa tieto tai peru muutokset (Alt+P).")));
         QCOMPARE(w.nykyinenTili().id(), c.id[1000]);
         QVERIFY(!w.close());
         // Peru from the keyboard undoes the change without checking it again.

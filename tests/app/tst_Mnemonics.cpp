@@ -80,7 +80,8 @@ public:
         }
         const auto [it, fresh] = m_used.emplace(letter, shown);
         if (!fresh)
-            m_faults << QStringLiteral("%1: \"%2\" and \"%3\" share Alt+%4").arg(m_name, it->second, shown, letter);
+            m_faults << QStringLiteral("%1: \"%2\" and \"%3\" share Alt+%4")
+                            .arg(m_name, it->second, shown, letter);
     }
 
 private:

@@ -127,6 +127,19 @@ void tst_DatabaseCommands::backupAndReorganize()
     QCOMPARE(voucherCount(books.file), vouchers);
     QVERIFY(QFileInfo(books.file).size() < before.size());
     QVERIFY(DBC::instance().AvaaDB().isOpen());
+
+    // A second backup keeps the first under the time it was made.
+    const QString first = books.backupDir + QStringLiteral("seura.mdb");
+    const QString kept = DatabaseCommands::keptName(first);
+    QVERIFY(kept.startsWith(books.backupDir + QStringLiteral("seura 20")) && kept.endsWith(u".mdb"));
+    QVERIFY(DatabaseCommands::backupAndReorganize());
+    QCOMPARE(dialogs.transcript().last(),
+        Done + QStringLiteral("\nEdellinen varmuuskopio säilyi nimellä %1.").arg(kept));
+    QCOMPARE(TestEnv::readFile(kept), before);
+    QCOMPARE(TestEnv::readFile(first), TestEnv::readFile(env.path(QStringLiteral("seura.md3"))));
+    const QString taken = DatabaseCommands::keptName(first);
+    QVERIFY(TestEnv::writeFile(taken, "jo olemassa"));
+    QVERIFY(!QFile::exists(DatabaseCommands::keptName(first)));
 }
 
 void tst_DatabaseCommands::previousFileIsReplaced()

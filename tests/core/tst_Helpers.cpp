@@ -1,4 +1,5 @@
 #include "Dates.h"
+#include "ErrorText.h"
 #include "Money.h"
 #include "RecordText.h"
 #include "SqlScript.h"
@@ -21,6 +22,7 @@ private slots:
     void datesStorageAndLiterals();
     void recordText();
     void sqlScriptSplit();
+    void technicalTextsInFinnish();
 };
 
 void tst_Helpers::moneyParse_data()
@@ -213,6 +215,24 @@ void tst_Helpers::sqlScriptSplit()
     QCOMPARE(s.at(0), QStringLiteral("INSERT INTO tl VALUES (1, 'a;b')"));
     QVERIFY(s.at(1).endsWith(QStringLiteral("(2, 'O''Brien;')")));
     QCOMPARE(s.at(2), QStringLiteral("UPDATE tl SET tlNimi = \"x;y\""));
+}
+
+// No engine or library English reaches the user alone: known texts in Finnish, others marked.
+void tst_Helpers::technicalTextsInFinnish()
+{
+    const std::pair<const char*, const char*> rows[] = {
+        { "database disk image is malformed Unable to fetch row", "Tietokanta on vioittunut." },
+        { "file is not a database", "Tiedosto ei ole tietokanta tai se on vioittunut." },
+        { "attempt to write a readonly database", "Tietokantaan ei voi kirjoittaa: se on vain luettavissa." },
+        { "Error opening /media/tikku/a.mdb: Permission denied", "Käyttöoikeus ei riitä." },
+        { "near \"SELEC\": syntax error", "Tekninen tieto: near \"SELEC\": syntax error" },
+        { "  ", "" },
+    };
+    for (const auto& [engine, shown] : rows)
+        QCOMPARE(ErrorText::technical(QString::fromUtf8(engine)), QString::fromUtf8(shown));
+    QCOMPARE(ErrorText::engine(13, QStringLiteral("database or disk is full")), QStringLiteral("13: Levyllä ei ole tilaa"));
+    QCOMPARE(ErrorText::engine(1, QStringLiteral("no such table: x")),
+        QStringLiteral("1: Tietokantavirhe\nTekninen tieto: no such table: x"));
 }
 
 QTEST_GUILESS_MAIN(tst_Helpers)

@@ -1,7 +1,7 @@
 #include "Dates.h"
 #include "PrintOptions.h"
-#include "ReportRunner.h"
 #include "ProgramSettings.h"
+#include "ReportRunner.h"
 #include "ScriptedDialogs.h"
 #include "TestEnv.h"
 #include "frmDates.h"

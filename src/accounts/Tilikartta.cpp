@@ -4,9 +4,11 @@
 #include "DatabaseFile.h"
 #include "ProgramSettings.h"
 #include "RecordText.h"
+#include "TemplateText.h"
 #include "Transaction.h"
 
 #include <QSqlQuery>
+#include <algorithm>
 #include <QVariant>
 
 namespace Tilikartta {
@@ -210,6 +212,57 @@ bool tietokantaAsetusPuuttuu()
 {
     const QString database = ProgramSettings::installation().Database.trimmed();
     return database.isEmpty() || database.compare(QStringLiteral("unknown"), Qt::CaseInsensitive) == 0;
+}
+
+std::vector<MalliRivi> malliRivit(const QSqlDatabase& db, qint32 tlId)
+{
+    std::vector<MalliRivi> rivit;
+    QSqlQuery q = Sql::run(db,
+        QStringLiteral("SELECT mr.mrID, ma.maNimi, mr.mrTeksti, mr.mrTilit FROM mr JOIN ma ON ma.maID = mr.mrmaID "
+                       "ORDER BY ma.maTyyppi, ma.maNimi, mr.mrID"));
+    while (q.next()) {
+        const std::vector<qint32> tilit = TemplateText::accounts(q.value(3).toString());
+        if (std::find(tilit.begin(), tilit.end(), tlId) != tilit.end())
+            rivit.push_back({ q.value(0).toInt(), q.value(1).toString().trimmed(), q.value(2).toString().trimmed() });
+    }
+    return rivit;
+}
+
+Sijoitus sijoitus(const QSqlDatabase& db, qint32 tlId)
+{
+    const QVariant numero = Sql::scalar(db, QStringLiteral("SELECT tlNumero FROM tl WHERE tlID = ?"), { tlId });
+    const std::optional<int> oma = ryhma(numero.toInt());
+    if (numero.isNull() || !oma)
+        return {};
+    // Lower numbers nearest first, then higher ones nearest first.
+    QSqlQuery q = Sql::run(db,
+        QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl WHERE tlID <> ? ORDER BY tlNumero > ?, "
+                       "ABS(tlNumero - ?), tlNumero"),
+        { tlId, numero, numero });
+    while (q.next()) {
+        const qint32 naapuri = q.value(1).toInt();
+        if (ryhma(naapuri) != oma)
+            continue;
+        std::vector<MalliRivi> rivit = malliRivit(db, q.value(0).toInt());
+        if (!rivit.empty())
+            return { tiliTeksti(naapuri, q.value(2).toString().trimmed()), std::move(rivit) };
+    }
+    return {};
+}
+
+void lisaaRiveille(const QSqlDatabase& db, qint32 tlId, const std::vector<MalliRivi>& rivit)
+{
+    Transaction transaction(db);
+    for (const MalliRivi& r : rivit) {
+        std::vector<qint32> tilit = TemplateText::accounts(
+            Sql::scalar(db, QStringLiteral("SELECT mrTilit FROM mr WHERE mrID = ?"), { r.id }).toString());
+        if (std::find(tilit.begin(), tilit.end(), tlId) != tilit.end())
+            continue;
+        tilit.push_back(tlId);
+        Sql::run(db, QStringLiteral("UPDATE mr SET mrTilit = ? WHERE mrID = ?"),
+            { TemplateText::accountList(tilit), r.id });
+    }
+    transaction.commitOrThrow();
 }
 
 } // namespace Tilikartta

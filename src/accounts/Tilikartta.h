@@ -4,6 +4,7 @@
 #include <QSqlDatabase>
 #include <QString>
 #include <optional>
+#include <vector>
 
 // The rules of the chart of accounts that its windows share: the grouping by thousands, the
 // reading of the chart for the tree, adding an account and the delete rule.
@@ -73,6 +74,29 @@ Tarkistus tarkistaMuutos(const QSqlDatabase& db, qint32 id, const QString& numer
 // here and in the checks.
 qint32 lisaaTili(const QSqlDatabase& db, const QString& numeroText, const QString& nimi,
     const QString& kuvaus, Tarkistus* virhe);
+
+// A row of a statement template that lists accounts.
+struct MalliRivi {
+    qint32 id = 0; // mrID
+    QString malli; // the template's name
+    QString rivi; // the row's text
+};
+
+// The template rows whose account list holds account `tlId`, by template and row. Throws
+// DatabaseError.
+std::vector<MalliRivi> malliRivit(const QSqlDatabase& db, qint32 tlId);
+
+// Where a new account most likely belongs: the rows of the account nearest to it in number
+// within its group (the closest lower number first, then the closest higher) that is on some
+// row, with that account's caption. No rows when no account of the group is on one.
+struct Sijoitus {
+    QString naapuri; // "1910 Pankkitili"
+    std::vector<MalliRivi> rivit;
+};
+Sijoitus sijoitus(const QSqlDatabase& db, qint32 tlId);
+
+// Adds account `tlId` to the account lists of `rivit`, in one transaction. Throws DatabaseError.
+void lisaaRiveille(const QSqlDatabase& db, qint32 tlId, const std::vector<MalliRivi>& rivit);
 
 // The delete rule: an account with entries of a non-zero amount in this or the previous
 // fiscal year cannot be deleted. Gives "" when it can, otherwise the message.

@@ -47,6 +47,10 @@ public:
     Money Loppusaldo() const { return IsEmpty() ? Money() : m_v.loppusaldo; }
     void setLoppusaldo(Money value) { assign(m_v.loppusaldo, value); }
 
+    // Whether the ledger and the chart of accounts print the account (tlPrint).
+    bool Tulostetaan() const { return !IsEmpty() && m_v.print; }
+    void setTulostetaan(bool value) { assign(m_v.print, value); }
+
     bool isChanged() const { return Dirty(); }
 
     // The sums of the account's opening entries in this and the previous fiscal year.

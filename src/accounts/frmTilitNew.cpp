@@ -15,6 +15,7 @@
 #include "frmTilikartta.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QKeyEvent>
 
@@ -85,6 +86,10 @@ frmTilitNew::frmTilitNew(const QSqlDatabase& db, QWidget* parent)
         if (!m_paivittaa)
             m_tili->setNumero(Tilikartta::numeroTekstista(text).value_or(0));
     });
+    connect(ui->chkTulostetaan, &QCheckBox::toggled, this, [this](bool checked) {
+        if (!m_paivittaa)
+            m_tili->setTulostetaan(checked);
+    });
     connect(ui->tvTilit, &QTreeWidget::currentItemChanged, this, &frmTilitNew::solmuValittu);
 
     // Books open for reading only: the chart is shown, never changed.
@@ -96,6 +101,7 @@ frmTilitNew::frmTilitNew(const QSqlDatabase& db, QWidget* parent)
             a->setEnabled(false);
         for (QLineEdit* field : { ui->tTilinumero, ui->tNimi, ui->tKuvaus })
             field->setReadOnly(true);
+        ui->chkTulostetaan->setEnabled(false);
     }
 
     rakennaPuu();
@@ -187,8 +193,10 @@ void frmTilitNew::naytaTili()
     if (m_tili->IsEmpty()) {
         for (QLineEdit* field : { ui->tTilinumero, ui->tNimi, ui->tKuvaus })
             field->clear();
+        ui->chkTulostetaan->setChecked(false);
         return;
     }
+    ui->chkTulostetaan->setChecked(m_tili->Tulostetaan());
     ui->tTilinumero->setText(QString::number(m_tili->Numero()));
     ui->tNimi->setText(m_tili->Nimi());
     ui->tKuvaus->setText(m_tili->Kuvaus());
@@ -311,7 +319,32 @@ void frmTilitNew::uusi()
     WaitCursor wait;
     rakennaPuu();
     lueTili(lisays.uusiId());
+    kerroSijoitus(lisays.uusiId());
     ui->tTilinumero->setFocus();
+}
+
+void frmTilitNew::kerroSijoitus(qint32 id)
+{
+    // A new account is on no statement row: its balance would be missing from the statements.
+    Tilikartta::Sijoitus sijoitus;
+    if (!tellIfFails(LukuEpaonnistui, [&] { sijoitus = Tilikartta::sijoitus(m_db, id); }))
+        return;
+    const QString tili = Tilikartta::tiliTeksti(m_tili->Numero(), m_tili->Nimi());
+    const QString puuttuu = QStringLiteral("Uusi tili %1 ei ole tuloslaskelman eikä taseen millään rivillä, "
+                                           "joten sen saldo puuttuisi tilinpäätöksestä.")
+                                .arg(tili);
+    if (sijoitus.rivit.empty()) {
+        Dialogs::instance().information(
+            puuttuu + QStringLiteral("\nLisää tili oikealle riville Tulos ja tase -ikkunassa."));
+        return;
+    }
+    QString rivit;
+    for (const Tilikartta::MalliRivi& r : sijoitus.rivit)
+        rivit += QStringLiteral("\n    %1: %2").arg(r.malli, r.rivi);
+    if (Dialogs::instance().question(puuttuu
+            + QStringLiteral("\nLähin tili %1 on rivillä:%2\n\nLisätäänkö uusi tili samalle riville?")
+                  .arg(sijoitus.naapuri, rivit)))
+        tellIfFails(TallennusEpaonnistui, [&] { Tilikartta::lisaaRiveille(m_db, id, sijoitus.rivit); });
 }
 
 void frmTilitNew::tallenna()

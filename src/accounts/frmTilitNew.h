@@ -46,6 +46,7 @@ private:
     // the reason shown, when they cannot be saved; the current account then stays.
     bool tallennaMuutokset();
     bool tarkistaMuutokset(bool poistuttaessa);
+    void kerroSijoitus(qint32 id);
     void solmuValittu(QTreeWidgetItem* current, QTreeWidgetItem* previous);
     bool hyppaaNumeroon(const QString& text);
 

@@ -21,8 +21,6 @@ set(VORKAM_STATEMENTS_CORE
   statements/StatementRows.h
   statements/Statements.cpp
   statements/Statements.h
-  statements/TemplateText.cpp
-  statements/TemplateText.h
   statements/TemplateTree.cpp
   statements/TemplateTree.h
   statements/cMalliVirhe.h

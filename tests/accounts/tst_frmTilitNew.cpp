@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -273,37 +274,60 @@ private slots:
         QCOMPARE(text(*c.w, "tTilinumero").toInt(), c.current());
     }
 
+    // A new account becomes current, printed in the ledger, and is placed on its neighbour's
+    // statement row when the user agrees; with no such neighbour the user is warned.
     void addAccountBecomesCurrent()
     {
         Window c;
+        c.exec(QStringLiteral("INSERT INTO ma (maID, maNimi, maTyyppi) VALUES (7, 'Tase', 1)"));
+        c.exec(QStringLiteral("INSERT INTO mr (mrID, mrmaID, mrTeksti, mrTilit) VALUES (70, 7, 'Rahat', ?)"),
+            { QStringLiteral("%1,").arg(c.id[1999]) });
         frmTilitNew& w = *c.w;
         QVERIFY(shown(w));
-        bool filled = false;
-        QTimer::singleShot(0, this, [&] {
-            auto* dialog = qobject_cast<frmLisaaTili*>(QApplication::activeModalWidget());
-            QVERIFY(dialog);
-            retype(*dialog, "tTilinumero", QStringLiteral("123"));
-            click(*dialog, "cLisaa");
-            QVERIFY(dialog->isVisible());
-            retype(*dialog, "tTilinumero", QStringLiteral("4100"));
-            retype(*dialog, "tNimi", QStringLiteral("Avustukset"));
-            click(*dialog, "cLisaa");
-            filled = true;
-        });
-        click(w, "cUusi");
-        QVERIFY(filled);
-        QCOMPARE(c.dialogs.transcript(), QStringList { QStringLiteral("information: ") + FourDigits });
-        c.id[4100] = w.nykyinenTili().id();
+        const auto add = [&](const char* first, const char* numero, const char* nimi) -> qint32 {
+            bool filled = false;
+            QTimer::singleShot(0, this, [&] {
+                auto* dialog = qobject_cast<frmLisaaTili*>(QApplication::activeModalWidget());
+                QVERIFY(dialog);
+                retype(*dialog, "tTilinumero", QString::fromUtf8(first));
+                click(*dialog, "cLisaa");
+                retype(*dialog, "tTilinumero", QString::fromUtf8(numero));
+                retype(*dialog, "tNimi", QString::fromUtf8(nimi));
+                click(*dialog, "cLisaa");
+                filled = true;
+            });
+            click(w, "cUusi");
+            return filled ? w.nykyinenTili().id() : qint32(-1);
+        };
+        c.id[4100] = add("123", "4100", "Avustukset");
+        QCOMPARE(c.dialogs.transcript(),
+            (QStringList { QStringLiteral("information: ") + FourDigits,
+                QStringLiteral("information: Uusi tili 4100 Avustukset ei ole tuloslaskelman eikä taseen millään "
+                               "rivillä, joten sen saldo puuttuisi tilinpäätöksestä.\nLisää tili oikealle riville "
+                               "Tulos ja tase -ikkunassa.") }));
         QCOMPARE(c.kentta(c.id[4100], "tlNumero").toInt(), 4100);
+        QVERIFY(child<QCheckBox>(w, "chkTulostetaan")->isChecked());
         QCOMPARE(text(w, "tNimi"), QStringLiteral("Avustukset"));
         QCOMPARE(c.parent(4100), QStringLiteral("4000PN"));
         QCOMPARE(c.tree->currentItem(), c.node(4100));
         QCOMPARE(w.focusWidget(), child(w, "tTilinumero"));
+        // The flag is the user's to change, saved with the account.
+        child<QCheckBox>(w, "chkTulostetaan")->click();
+        click(w, "cTallenna");
+        QCOMPARE(c.kentta(c.id[4100], "tlPrint").toInt(), 0);
+
+        c.dialogs.clear();
+        c.dialogs.answerYes();
+        const qint32 kassa = add("1998", "1998", "Kassa");
+        QCOMPARE(c.dialogs.texts(ScriptedDialogs::Kind::Question).value(0).section(u'\n', 1),
+            QStringLiteral("Lähin tili 1999 Pankkitili on rivillä:\n    Tase: Rahat\n\nLisätäänkö uusi tili samalle riville?"));
+        QCOMPARE(c.value(QStringLiteral("SELECT mrTilit FROM mr WHERE mrID = 70")).toString(),
+            QStringLiteral("%1,%2,").arg(c.id[1999]).arg(kassa));
         // A cancelled dialog adds nothing and leaves the current account.
         QTimer::singleShot(0, this, [&] { click(*QApplication::activeModalWidget(), "cPeruuta"); });
         click(w, "cUusi");
-        QCOMPARE(c.tileja(), 7);
-        QCOMPARE(c.current(), 4100);
+        QCOMPARE(c.tileja(), 8);
+        QCOMPARE(c.current(), 1998);
     }
 
     void typingDigitsInTreeJumps()

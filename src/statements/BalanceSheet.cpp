@@ -224,6 +224,41 @@ BalanceSheetLines compute(const QSqlDatabase& db, const StatementOptions& option
     return Builder(db, options, incomeTemplateId).build();
 }
 
+namespace {
+
+// Assets less liabilities, opening balance and change apart; with whether both sides were found.
+std::pair<TaseLine, bool> sideDifference(const BalanceSheetLines& sheet)
+{
+    TaseLine difference;
+    bool found[2] = { false, false };
+    for (const TaseLine& line : sheet.lines) {
+        // Main-level totals of the template's own rows (not the line telling the difference).
+        if (line.level != 0 || line.kind != TaseLine::Kind::Total || line.mrId == 0)
+            continue;
+        const bool assets = line.printGroup == 1;
+        difference.alkusaldo += assets ? line.alkusaldo : -line.alkusaldo;
+        difference.muutos += assets ? line.muutos : -line.muutos;
+        found[assets ? 0 : 1] = true;
+    }
+    return { difference, found[0] && found[1] };
+}
+
+} // namespace
+
+Money imbalance(const BalanceSheetLines& sheet)
+{
+    const auto [difference, found] = sideDifference(sheet);
+    return found ? difference.loppusaldo() : Money();
+}
+
+QString imbalanceMessage(Money difference)
+{
+    return QStringLiteral("Tase ei täsmää: vastaavaa ja vastattavaa eroavat %1. Erotus näkyy myös tulosteessa.\n"
+                          "Tarkista mallit (Työkalut > Tarkista mallit): jokaisen tilin, jolla on vientejä, pitää "
+                          "olla tuloslaskelman tai taseen jollakin rivillä.")
+        .arg(difference.toCurrencyString());
+}
+
 void finish(BalanceSheetLines& sheet, bool groupsOnly)
 {
     std::vector<TaseLine>& lines = sheet.lines;
@@ -240,6 +275,16 @@ void finish(BalanceSheetLines& sheet, bool groupsOnly)
             kept.push_back(lines[i]);
     }
     lines = std::move(kept);
+    if (auto [line, found] = sideDifference(sheet); found && !line.loppusaldo().isZero()) {
+        TaseLine separator;
+        separator.kind = TaseLine::Kind::Separator;
+        separator.printGroup = 2;
+        line.kind = TaseLine::Kind::Total;
+        line.teksti = QStringLiteral("TASE EI TÄSMÄÄ: vastaavaa - vastattavaa");
+        line.printGroup = 2;
+        lines.push_back(separator);
+        lines.push_back(line);
+    }
 }
 
 void write(const QSqlDatabase& db, const BalanceSheetLines& sheet)
@@ -278,7 +323,7 @@ void write(const QSqlDatabase& db, const BalanceSheetLines& sheet)
     }
 }
 
-bool run(const QSqlDatabase& db, const StatementOptions& options)
+bool run(const QSqlDatabase& db, const StatementOptions& options, Money* difference)
 {
     const qint32 income = incomeTemplateOf(db, options.templateId);
     if (income == 0) {
@@ -292,6 +337,8 @@ bool run(const QSqlDatabase& db, const StatementOptions& options)
     BalanceSheetLines sheet = compute(db, options, income);
     if (sheet.income)
         IncomeStatement::write(db, *sheet.income);
+    if (difference)
+        *difference = imbalance(sheet);
     finish(sheet, options.groupsOnly);
     write(db, sheet);
     t.commitOrThrow();

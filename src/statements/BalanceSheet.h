@@ -50,12 +50,19 @@ QString noIncomeStatementMessage();
 // DatabaseError.
 BalanceSheetLines compute(const QSqlDatabase& db, const StatementOptions& options, qint32 incomeTemplateId);
 // With `groupsOnly` only the main-level lines; the separator after each main-level total goes.
+// A sheet that does not balance ends in a line saying so, with the difference.
 void finish(BalanceSheetLines& sheet, bool groupsOnly);
+// Assets less liabilities: the main-level totals under "Vastaavaa" less the others'. Zero when
+// they agree, or when either side has no main-level total.
+Money imbalance(const BalanceSheetLines& sheet);
+// What the user is told of a balance sheet that does not balance.
+QString imbalanceMessage(Money difference);
 void write(const QSqlDatabase& db, const BalanceSheetLines& sheet);
 // A template that names no income statement is refused with the message (false), and nothing
 // is computed. Otherwise tula and tase are emptied and tase is filled (and tula, when the
-// profit line needs the income statement), in one transaction. Throws DatabaseError.
-bool run(const QSqlDatabase& db, const StatementOptions& options);
+// profit line needs the income statement), in one transaction. `difference`, when given,
+// receives imbalance(). Throws DatabaseError.
+bool run(const QSqlDatabase& db, const StatementOptions& options, Money* difference = nullptr);
 // The template's maTulosMaID; 0 when none (or no such template).
 qint32 incomeTemplateOf(const QSqlDatabase& db, qint32 balanceTemplateId);
 

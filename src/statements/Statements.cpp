@@ -50,8 +50,8 @@ bool compute(const QSqlDatabase& db, const StatementOptions& options)
     tellRowsOutsideTree(db, options.templateId);
     if (kind == cMalli::Tuloslaskelma)
         IncomeStatement::run(db, options);
-    else
-        BalanceSheet::run(db, options);
+    else if (Money difference; BalanceSheet::run(db, options, &difference) && !difference.isZero())
+        Dialogs::instance().information(BalanceSheet::imbalanceMessage(difference));
     return true;
 }
 

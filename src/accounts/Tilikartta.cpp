@@ -8,8 +8,8 @@
 #include "Transaction.h"
 
 #include <QSqlQuery>
-#include <algorithm>
 #include <QVariant>
+#include <algorithm>
 
 namespace Tilikartta {
 
@@ -218,19 +218,22 @@ std::vector<MalliRivi> malliRivit(const QSqlDatabase& db, qint32 tlId)
 {
     std::vector<MalliRivi> rivit;
     QSqlQuery q = Sql::run(db,
-        QStringLiteral("SELECT mr.mrID, ma.maNimi, mr.mrTeksti, mr.mrTilit FROM mr JOIN ma ON ma.maID = mr.mrmaID "
-                       "ORDER BY ma.maTyyppi, ma.maNimi, mr.mrID"));
+        QStringLiteral(
+            "SELECT mr.mrID, ma.maNimi, mr.mrTeksti, mr.mrTilit FROM mr JOIN ma ON ma.maID = mr.mrmaID "
+            "ORDER BY ma.maTyyppi, ma.maNimi, mr.mrID"));
     while (q.next()) {
         const std::vector<qint32> tilit = TemplateText::accounts(q.value(3).toString());
         if (std::find(tilit.begin(), tilit.end(), tlId) != tilit.end())
-            rivit.push_back({ q.value(0).toInt(), q.value(1).toString().trimmed(), q.value(2).toString().trimmed() });
+            rivit.push_back(
+                { q.value(0).toInt(), q.value(1).toString().trimmed(), q.value(2).toString().trimmed() });
     }
     return rivit;
 }
 
 Sijoitus sijoitus(const QSqlDatabase& db, qint32 tlId)
 {
-    const QVariant numero = Sql::scalar(db, QStringLiteral("SELECT tlNumero FROM tl WHERE tlID = ?"), { tlId });
+    const QVariant numero
+        = Sql::scalar(db, QStringLiteral("SELECT tlNumero FROM tl WHERE tlID = ?"), { tlId });
     const std::optional<int> oma = ryhma(numero.toInt());
     if (numero.isNull() || !oma)
         return {};

@@ -253,9 +253,10 @@ Money imbalance(const BalanceSheetLines& sheet)
 
 QString imbalanceMessage(Money difference)
 {
-    return QStringLiteral("Tase ei täsmää: vastaavaa ja vastattavaa eroavat %1. Erotus näkyy myös tulosteessa.\n"
-                          "Tarkista mallit (Työkalut > Tarkista mallit): jokaisen tilin, jolla on vientejä, pitää "
-                          "olla tuloslaskelman tai taseen jollakin rivillä.")
+    return QStringLiteral(
+        "Tase ei täsmää: vastaavaa ja vastattavaa eroavat %1. Erotus näkyy myös tulosteessa.\n"
+        "Tarkista mallit (Työkalut > Tarkista mallit): jokaisen tilin, jolla on vientejä, pitää "
+        "olla tuloslaskelman tai taseen jollakin rivillä.")
         .arg(difference.toCurrencyString());
 }
 

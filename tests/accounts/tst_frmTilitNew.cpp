@@ -302,9 +302,10 @@ private slots:
         c.id[4100] = add("123", "4100", "Avustukset");
         QCOMPARE(c.dialogs.transcript(),
             (QStringList { QStringLiteral("information: ") + FourDigits,
-                QStringLiteral("information: Uusi tili 4100 Avustukset ei ole tuloslaskelman eikä taseen millään "
-                               "rivillä, joten sen saldo puuttuisi tilinpäätöksestä.\nLisää tili oikealle riville "
-                               "Tulos ja tase -ikkunassa.") }));
+                QStringLiteral(
+                    "information: Uusi tili 4100 Avustukset ei ole tuloslaskelman eikä taseen millään "
+                    "rivillä, joten sen saldo puuttuisi tilinpäätöksestä.\nLisää tili oikealle riville "
+                    "Tulos ja tase -ikkunassa.") }));
         QCOMPARE(c.kentta(c.id[4100], "tlNumero").toInt(), 4100);
         QVERIFY(child<QCheckBox>(w, "chkTulostetaan")->isChecked());
         QCOMPARE(text(w, "tNimi"), QStringLiteral("Avustukset"));
@@ -320,7 +321,8 @@ private slots:
         c.dialogs.answerYes();
         const qint32 kassa = add("1998", "1998", "Kassa");
         QCOMPARE(c.dialogs.texts(ScriptedDialogs::Kind::Question).value(0).section(u'\n', 1),
-            QStringLiteral("Lähin tili 1999 Pankkitili on rivillä:\n    Tase: Rahat\n\nLisätäänkö uusi tili samalle riville?"));
+            QStringLiteral("Lähin tili 1999 Pankkitili on rivillä:\n    Tase: Rahat\n\nLisätäänkö uusi tili "
+                           "samalle riville?"));
         QCOMPARE(c.value(QStringLiteral("SELECT mrTilit FROM mr WHERE mrID = 70")).toString(),
             QStringLiteral("%1,%2,").arg(c.id[1999]).arg(kassa));
         // A cancelled dialog adds nothing and leaves the current account.

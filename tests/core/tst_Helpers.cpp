@@ -230,7 +230,8 @@ void tst_Helpers::technicalTextsInFinnish()
     };
     for (const auto& [engine, shown] : rows)
         QCOMPARE(ErrorText::technical(QString::fromUtf8(engine)), QString::fromUtf8(shown));
-    QCOMPARE(ErrorText::engine(13, QStringLiteral("database or disk is full")), QStringLiteral("13: Levyllä ei ole tilaa"));
+    QCOMPARE(ErrorText::engine(13, QStringLiteral("database or disk is full")),
+        QStringLiteral("13: Levyllä ei ole tilaa"));
     QCOMPARE(ErrorText::engine(1, QStringLiteral("no such table: x")),
         QStringLiteral("1: Tietokantavirhe\nTekninen tieto: no such table: x"));
 }

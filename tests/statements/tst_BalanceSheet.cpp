@@ -181,9 +181,9 @@ void tst_BalanceSheet::groupsOnly()
     QStringList captions;
     for (const QString& line : f->rows(QStringLiteral("tase")))
         captions << line.section(u'|', 0, 1) + u' ' + line.section(u'|', 3, 3);
-    QCOMPARE(
-        captions, (QStringList { "0| Vastaavaa", "0|** Vastaavaa", "0| Vastattavaa", "0|** Vastattavaa", "0|- -",
-                      "0|** TASE EI TÄSMÄÄ: vastaavaa - vastattavaa" }));
+    QCOMPARE(captions,
+        (QStringList { "0| Vastaavaa", "0|** Vastaavaa", "0| Vastattavaa", "0|** Vastattavaa", "0|- -",
+            "0|** TASE EI TÄSMÄÄ: vastaavaa - vastattavaa" }));
 }
 
 // The fiscal year change reads the closing balance of each account from these lines.

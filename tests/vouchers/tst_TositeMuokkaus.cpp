@@ -395,7 +395,9 @@ private slots:
         m->setNumero(15);
         QVERIFY(!m->tallenna());
         QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Error).size(), 1);
-        QVERIFY(dialogs->texts(ScriptedDialogs::Kind::Error).first().contains(QStringLiteral("\nTekninen tieto: disk full")));
+        QVERIFY(dialogs->texts(ScriptedDialogs::Kind::Error)
+                    .first()
+                    .contains(QStringLiteral("\nTekninen tieto: disk full")));
         QCOMPARE(f->value(QStringLiteral("SELECT toNumero FROM \"to\"")).toInt(), 1);
         QCOMPARE(f->count(QStringLiteral("vi")), 0);
         QCOMPARE(m->arvoTeksti(Puoli::Debet, 0), QStringLiteral("7,25"));

@@ -65,16 +65,6 @@ QString toSql(const QDate& date) { return date.isValid() ? date.toString(Qt::ISO
 
 QDate fromSql(const QString& text) { return QDate::fromString(text.left(10), Qt::ISODate); }
 
-QString sqlLiteral(const QDate& date)
-{
-    if (!date.isValid())
-        return {};
-    return QStringLiteral("#%1/%2/%3#")
-        .arg(date.month())
-        .arg(date.day())
-        .arg(date.year(), 4, 10, QChar(u'0'));
-}
-
 QDate yearStart(const QDate& today) { return QDate(today.year(), 1, 1); }
 QDate yearEnd(const QDate& today) { return QDate(today.year(), 12, 31); }
 

@@ -23,9 +23,6 @@ QDate fromSql(const QString& text);
 int dayNumber(QByteArrayView stored);
 int dayNumber(const QDate& date);
 
-// Date literal of report selection formulas and older SQL texts: "#9/5/2011#"; "" when invalid.
-QString sqlLiteral(const QDate& date);
-
 // The first and last day of the calendar year of `today`.
 QDate yearStart(const QDate& today);
 QDate yearEnd(const QDate& today);

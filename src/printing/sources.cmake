@@ -24,7 +24,6 @@ set(VORKAM_PRINTING_UI
   printing/frmDates.ui
   printing/frmDates2.cpp
   printing/frmDates2.ui
-  printing/frmDates3.cpp
   printing/frmEsikatselu.cpp
   printing/frmTulostus.cpp
   printing/frmTulostus.ui

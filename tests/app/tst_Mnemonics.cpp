@@ -9,7 +9,6 @@
 #include "frmBackupRestore.h"
 #include "frmDates.h"
 #include "frmDates2.h"
-#include "frmDates3.h"
 #include "frmEsikatselu.h"
 #include "frmKaudenVaihto.h"
 #include "frmLisaaTili.h"
@@ -168,7 +167,6 @@ void tst_Mnemonics::everyCommandHasItsOwnLetter()
         [&] { return std::make_unique<frmBackupRestore>(); },
         [&] { return std::make_unique<frmDates>(); },
         [&] { return std::make_unique<frmDates2>(); },
-        [&] { return std::make_unique<frmDates3>(); },
         [&] { return std::make_unique<frmEsikatselu>(std::move(page)); },
         [&] { return std::make_unique<frmKaudenVaihto>(db); },
         [&] { return std::make_unique<frmLisaaTili>(db); },

@@ -6,7 +6,6 @@
 #include "TestEnv.h"
 #include "frmDates.h"
 #include "frmDates2.h"
-#include "frmDates3.h"
 #include "frmTulostus.h"
 
 #include <QCheckBox>
@@ -133,7 +132,7 @@ private slots:
         QTest::addColumn<QString>("alku");
         QTest::addColumn<QString>("loppu");
         QTest::addColumn<QString>("message");
-        for (int d = 1; d <= 3; ++d) {
+        for (int d = 1; d <= 2; ++d) {
             const QByteArray n = "frmDates" + (d == 1 ? QByteArray() : QByteArray::number(d)) + ": ";
             QTest::newRow(n + "the whole year") << d << "1.1.2011"
                                                 << "31.12.2011"
@@ -174,10 +173,8 @@ private slots:
         std::unique_ptr<QDialog> w;
         if (dialog == 1)
             w = std::make_unique<frmDates>();
-        else if (dialog == 2)
-            w = std::make_unique<frmDates2>();
         else
-            w = std::make_unique<frmDates3>();
+            w = std::make_unique<frmDates2>();
         w->show();
         QCOMPARE(w->windowTitle(), QStringLiteral("Vorkam - Päivämäärät"));
         auto* tAlku = child<QLineEdit>(*w, "tAlkupvm");

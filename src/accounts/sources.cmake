@@ -17,6 +17,8 @@ set(VORKAM_ACCOUNTS_CORE
   accounts/PrintChoices.h
   accounts/Tilikartta.cpp
   accounts/Tilikartta.h
+  accounts/VoucherAccounts.cpp
+  accounts/VoucherAccounts.h
   accounts/TiliRaportit.cpp
   accounts/TiliRaportit.h
 )

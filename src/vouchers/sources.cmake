@@ -7,7 +7,6 @@ set(VORKAM_VOUCHERS_CORE
   vouchers/TositeRecord.cpp
   vouchers/TositepohjaMuokkaus.cpp
   vouchers/VientiRecord.cpp
-  vouchers/VoucherAccounts.cpp
   vouchers/VoucherLayout.cpp
   vouchers/cTosite.cpp
   vouchers/cTositeEd.cpp

@@ -48,6 +48,29 @@ template <typename Work> OpenResult withConnection(const QString& path, bool rea
 
 OpenResult failure(DbError kind, const QString& message) { return OpenResult { kind, message }; }
 
+QString pragmaValue(const QSqlDatabase& db, const QString& pragma)
+{
+    QSqlQuery q(db);
+    return q.exec(QStringLiteral("PRAGMA ") + pragma) && q.next() ? q.value(0).toString().toLower()
+                                                                  : QString();
+}
+
+// Rollback journal beside the file (asking for the mode it already has writes nothing) and full
+// synchronisation, each read back. Gives "" when both hold, otherwise the message.
+QString durableWrites(const QSqlDatabase& db)
+{
+    QString mode = pragmaValue(db, QStringLiteral("journal_mode"));
+    if (mode != u"delete")
+        mode = pragmaValue(db, QStringLiteral("journal_mode=DELETE"));
+    QSqlQuery(db).exec(QStringLiteral("PRAGMA synchronous=FULL"));
+    const QString sync = pragmaValue(db, QStringLiteral("synchronous"));
+    if (mode == u"delete" && sync == u"2")
+        return {};
+    return QStringLiteral("Tietokannan kirjoitustapaa ei voitu varmistaa, joten kirjanpitoon ei kirjoiteta.\n"
+                          "Tekninen tieto: journal_mode %1, synchronous %2")
+        .arg(mode.isEmpty() ? QStringLiteral("?") : mode, sync.isEmpty() ? QStringLiteral("?") : sync);
+}
+
 std::atomic<bool> damage { false };
 
 void logError(void*, int code, const char*)
@@ -133,14 +156,11 @@ OpenResult open(const QString& path, const QString& connectionName, bool readOnl
             } else {
                 q.finish();
                 if (!readOnly) {
-                    // The .mdb file alone must always be the whole database. Asking for the
-                    // journal mode it already has writes nothing.
-                    q.exec(QStringLiteral("PRAGMA journal_mode"));
-                    if (q.next()
-                        && q.value(0).toString().compare(QLatin1String("delete"), Qt::CaseInsensitive) != 0)
-                        q.exec(QStringLiteral("PRAGMA journal_mode=DELETE"));
-                    q.finish();
-                    q.exec(QStringLiteral("PRAGMA synchronous=FULL"));
+                    // The .mdb file alone must always be the whole database, and every commit
+                    // on the disk before it returns: the books are not written otherwise.
+                    const QString setUp = durableWrites(db);
+                    if (!setUp.isEmpty())
+                        result = failure(DbError::Failed, setUp);
                 }
                 q.finish();
                 // Every page is checked as it is read, so that damage met while reading is told,

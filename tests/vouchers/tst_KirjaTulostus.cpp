@@ -138,14 +138,13 @@ private slots:
         QTest::newRow("ledger closing landscape")
             << int(Kirja::Paakirja) << int(Laji::Paatos) << true << "paakivab.rpt";
     }
-    // The file comes from the table, and the jobs take VaakaTulostus from the settings.
+    // The jobs take the file by the book, the kind and VaakaTulostus.
     void reportFiles()
     {
         QFETCH(int, kirja);
         QFETCH(int, laji);
         QFETCH(bool, vaaka);
         QFETCH(QString, file);
-        QCOMPARE(KirjaTulostus::raporttiTiedosto(Kirja(kirja), Laji(laji), vaaka), file);
         Kirjat k;
         ProgramSettings::bookkeeping().VaakaTulostus = vaaka;
         const ReportJob job = Kirja(kirja) == Kirja::Paivakirja
@@ -155,42 +154,31 @@ private slots:
         QVERIFY(k.raportti(job)->landscape() == vaaka);
     }
 
-    void journalFormulas_data()
+    void journalTitleAndCounts_data()
     {
         QTest::addColumn<int>("laji");
         QTest::addColumn<QDate>("alku");
         QTest::addColumn<QDate>("loppu");
-        QTest::addColumn<QStringList>("formulas");
-        const auto kaavat = [](const char* otsake, const char* d, const char* k, const char* ds,
-                                const char* ks, const char* t, const char* v, const char* e) {
-            return QStringList { QStringLiteral("Seurannimi= 'Testiyhdistys ry'"),
-                QStringLiteral("Otsake= '%1'").arg(QString::fromUtf8(otsake)),
-                QStringLiteral("DebetVienteja= '%1'").arg(QLatin1String(d)),
-                QStringLiteral("KreditVienteja= '%1'").arg(QLatin1String(k)),
-                QStringLiteral("KreditSumma= '%1'").arg(QString::fromUtf8(ks)),
-                QStringLiteral("DebetSumma= '%1'").arg(QString::fromUtf8(ds)),
-                QStringLiteral("Tositteita= '%1'").arg(QLatin1String(t)),
-                QStringLiteral("Vienteja= '%1'").arg(QLatin1String(v)),
-                QStringLiteral("ErotusSummista= '%1'").arg(QLatin1String(e)) };
-        };
-        QTest::newRow("ordinary, the year")
-            << int(Laji::Tavallinen) << Alku << Loppu
-            << kaavat("Päiväkirja -- 1.1.2011 - 31.12.2011", "4", "5", "350,50", "350,50", "4", "9", "0,00");
-        QTest::newRow("ordinary, to the day of a voucher")
-            << int(Laji::Tavallinen) << QDate(2011, 1, 15) << QDate(2011, 7, 10)
-            << kaavat("Päiväkirja -- 15.1.2011 - 10.7.2011", "3", "3", "270,40", "270,40", "3", "6", "0,00");
-        QTest::newRow("opening") << int(Laji::Avaus) << Alku << Loppu
-                                 << kaavat("Päiväkirja - Avausviennit -- 1.1.2011 - 31.12.2011", "1", "1",
-                                        "1\u00a0000,00", "1\u00a0000,00", "1", "2", "0,00");
-        QTest::newRow("closing") << int(Laji::Paatos) << Alku << Loppu
-                                 << kaavat("Päiväkirja - Tilinpäätösviennit -- 1.1.2011 - 31.12.2011", "1",
-                                        "2", "190,30", "190,30", "1", "3", "0,00");
-        QTest::newRow("empty period")
-            << int(Laji::Tavallinen) << QDate(2011, 5, 1) << QDate(2011, 5, 31)
-            << kaavat("Päiväkirja -- 1.5.2011 - 31.5.2011", "0", "0", "0,00", "0,00", "0", "0", "0,00");
+        QTest::addColumn<QStringList>("formulas"); // among the job's formulas
+        const auto row
+            = [](const char* name, Laji laji, QDate alku, QDate loppu, const char* otsake, int tositteita,
+                  int vienteja) {
+                  QTest::newRow(name)
+                      << int(laji) << alku << loppu
+                      << QStringList { QStringLiteral("Otsake= '%1'").arg(QString::fromUtf8(otsake)),
+                             QStringLiteral("Tositteita= '%1'").arg(tositteita),
+                             QStringLiteral("Vienteja= '%1'").arg(vienteja) };
+              };
+        row("ordinary, to the day of a voucher", Laji::Tavallinen, QDate(2011, 1, 15), QDate(2011, 7, 10),
+            "Päiväkirja -- 15.1.2011 - 10.7.2011", 3, 6);
+        row("opening", Laji::Avaus, Alku, Loppu, "Päiväkirja - Avausviennit -- 1.1.2011 - 31.12.2011", 1, 2);
+        row("closing", Laji::Paatos, Alku, Loppu, "Päiväkirja - Tilinpäätösviennit -- 1.1.2011 - 31.12.2011",
+            1, 3);
+        row("empty period", Laji::Tavallinen, QDate(2011, 5, 1), QDate(2011, 5, 31),
+            "Päiväkirja -- 1.5.2011 - 31.5.2011", 0, 0);
     }
-    // The counts and sums of the period, and the formulas in their order and form.
-    void journalFormulas()
+    // The title of the kind and the counts of its period; the golden journal shows the rest.
+    void journalTitleAndCounts()
     {
         QFETCH(int, laji);
         QFETCH(QDate, alku);
@@ -198,73 +186,25 @@ private slots:
         QFETCH(QStringList, formulas);
         Kirjat k;
         const ReportJob job = KirjaTulostus::paivakirja(VoucherFixture::db(), Laji(laji), alku, loppu);
-        QCOMPARE(job.formulas, formulas);
-        // The report runs whatever the period holds.
-        const auto doc = k.raportti(job);
-        QVERIFY(doc->pageCount() >= 1);
+        for (const QString& kaava : formulas)
+            QVERIFY2(job.formulas.contains(kaava), qPrintable(kaava));
+        QVERIFY(k.raportti(job)->pageCount() >= 1);
     }
 
+    // Debit and credit apart: each sum goes to its own formula, and the difference is debit - credit.
     void unbalancedSums()
     {
         Kirjat k;
         const int t = k.f.addTosite(6, {}, QStringLiteral("2011-11-02"), QStringLiteral("Puolikas"));
         k.vienti(t, k.pankki, "D", "0,05");
-        const int tyhja = k.f.addTosite(7, {}, QStringLiteral("2011-11-03"), QStringLiteral("Ei vientejä"));
-        Q_UNUSED(tyhja)
-        const KirjaTulostus::Summat s
-            = KirjaTulostus::paivakirjanSummat(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu);
-        QCOMPARE(s.tositteita, 6);
-        QCOMPARE(s.vienteja(), 10);
-        QCOMPARE(s.debet.toString(), QStringLiteral("350,55"));
-        QCOMPARE(s.erotus().toString(), QStringLiteral("0,05"));
-        const QString text = k.kaikkiSivut(
-            *k.raportti(KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu)));
+        k.f.addTosite(7, {}, QStringLiteral("2011-11-03"), QStringLiteral("Ei vientejä"));
+        const ReportJob job = KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu);
+        for (const char* kaava : { "Tositteita= '6'", "Vienteja= '10'", "DebetVienteja= '5'",
+                 "DebetSumma= '350,55'", "KreditSumma= '350,50'", "ErotusSummista= '0,05'" })
+            QVERIFY2(job.formulas.contains(QString::fromLatin1(kaava)), kaava);
+        const QString text = k.kaikkiSivut(*k.raportti(job));
         QVERIFY(text.contains(QStringLiteral("Tositteella ei ole vientejä.")));
         QVERIFY(text.contains(QStringLiteral("Ei vientejä")));
-    }
-
-    void selection_data()
-    {
-        QTest::addColumn<int>("kirja");
-        QTest::addColumn<int>("laji");
-        QTest::addColumn<QString>("formula");
-        QTest::newRow("journal ordinary")
-            << int(Kirja::Paivakirja) << int(Laji::Tavallinen)
-            << "({to.toPvm} <= Date(2011,12,31) AND {to.toPvm} >= Date(2011,7,1)) AND {to.toNumero} >= 0 AND "
-               "{to.toAvaustosite} = False AND {to.toPaatostosite} = False";
-        QTest::newRow("journal opening")
-            << int(Kirja::Paivakirja) << int(Laji::Avaus)
-            << "({to.toPvm} <= Date(2011,12,31) AND {to.toPvm} >= Date(2011,7,1)) AND "
-               "{to.toNumero} >= 0 AND {to.toAvaustosite} = True";
-        QTest::newRow("journal closing")
-            << int(Kirja::Paivakirja) << int(Laji::Paatos)
-            << "({to.toPvm} <= Date(2011,12,31) AND {to.toPvm} >= Date(2011,7,1)) AND "
-               "{to.toNumero} >= 0 AND {to.toPaatostosite} = True";
-        QTest::newRow("ledger ordinary")
-            << int(Kirja::Paakirja) << int(Laji::Tavallinen)
-            << "{tl.tlPrint} = True AND (({vi.viAvausvienti} = False AND {vi.viPaatosvienti} = False) AND "
-               "({to.toPvm} <= Date(2011,12,31) AND {to.toPvm} >= Date(2011,7,1)) OR ({tl.tlID} > 0 AND "
-               "{to.toNumero} < 0))";
-        QTest::newRow("ledger opening")
-            << int(Kirja::Paakirja) << int(Laji::Avaus)
-            << "{tl.tlPrint} = True AND ({vi.viAvausvienti} = True AND ({to.toPvm} <= Date(2011,12,31) AND "
-               "{to.toPvm} >= Date(2011,7,1)) OR ({tl.tlID} > 0 AND {to.toNumero} < 0) AND "
-               "{to.toAvaustosite} = "
-               "True)";
-        QTest::newRow("ledger closing")
-            << int(Kirja::Paakirja) << int(Laji::Paatos)
-            << "{tl.tlPrint} = True AND ({vi.viPaatosvienti} = True AND ({to.toPvm} <= Date(2011,12,31) AND "
-               "{to.toPvm} >= Date(2011,7,1)) OR ({tl.tlID} > 0 AND {to.toNumero} < 0) AND "
-               "{to.toPaatostosite} = True)";
-    }
-    void selection()
-    {
-        QFETCH(int, kirja);
-        QFETCH(int, laji);
-        QFETCH(QString, formula);
-        QCOMPARE(KirjaTulostus::valintakaava(Kirja(kirja), Laji(laji), QDate(2011, 7, 1), Loppu), formula);
-        const ReportJob job = KirjaTulostus::paakirja({}, Laji(laji), QDate(2011, 7, 1), Loppu);
-        QCOMPARE(job.sortFields, QStringList({ "+{tl.tlNumero}", "+{to.toNumero}" }));
     }
 
     void ledgerBalances_data()
@@ -272,10 +212,6 @@ private slots:
         QTest::addColumn<int>("laji");
         QTest::addColumn<QDate>("alku");
         QTest::addColumn<QStringList>("saldot");
-        QTest::newRow("ordinary from mid-year")
-            << int(Laji::Tavallinen) << QDate(2011, 7, 1)
-            << QStringList { "1700 0,00/-20,00", "1910 1\u00a0070,15/1\u00a0050,10",
-                   "2000 -1\u00a0000,00/-1\u00a0000,00", "3000 -150,25/-190,30", "4000 80,10/160,20" };
         QTest::newRow("ordinary, the year")
             << int(Laji::Tavallinen) << Alku
             << QStringList { "1700 0,00/-20,00", "1910 1\u00a0000,00/1\u00a0050,10",
@@ -288,8 +224,8 @@ private slots:
                                         "2000 -1\u00a0000,00/-1\u00a0030,10", "3000 -190,30/0,00",
                                         "4000 160,20/0,00" };
     }
-    // Each account's balance at the start and the end of the period: the start plus the rows
-    // the ledger shows make the end.
+    // Each account's balance at the start and the end of the period (from mid-year: the golden
+    // ledger).
     void ledgerBalances()
     {
         QFETCH(int, laji);
@@ -318,9 +254,8 @@ private slots:
         VERIFY_GOLDEN(QStringLiteral("paakirjb"), ledger->pageText(0));
     }
 
-    // The journal's and the ledger's rows computed in memory print exactly as the reports' own
-    // queries would print them, for every kind, also with an unprinted account, an entry of an
-    // unknown type, one on an account that is gone and a voucher without entries.
+    // The rows computed in memory print as the reports' own queries (their selection and sort)
+    // would, for every kind, also with an unprinted account, odd entries and an empty voucher.
     void rowsAsTheQuery()
     {
         Kirjat k;
@@ -346,10 +281,6 @@ private slots:
                 QVERIFY(paakirja.contains(QStringLiteral("Alkusaldo")));
             }
         }
-        const QString kaikki = k.kaikkiSivut(
-            *k.raportti(KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu)));
-        QVERIFY(kaikki.contains(QStringLiteral("Tositteella ei ole vientejä.")));
-        QVERIFY(kaikki.contains(QStringLiteral("Tiliä ei ole (tili poistettu)")));
     }
 
     // An account not marked for printing is left out, its balance row too; the totals are
@@ -416,27 +347,18 @@ private slots:
         QVERIFY(text.contains(QStringLiteral("Tiliä ei ole (tili poistettu)")));
     }
 
-    void period_data()
-    {
-        QTest::addColumn<QDate>("alku");
-        QTest::addColumn<QDate>("loppu");
-        QTest::addColumn<QString>("message");
-        QTest::newRow("the year") << Alku << Loppu << "";
-        QTest::newRow("one day") << Loppu << Loppu << "";
-        QTest::newRow("start before the year")
-            << QDate(2010, 12, 31) << Loppu << "Alkupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011";
-        QTest::newRow("end after the year")
-            << Alku << QDate(2012, 1, 1) << "Loppupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011";
-        QTest::newRow("reversed") << QDate(2011, 6, 1) << QDate(2011, 5, 31)
-                                  << "Alkupäivämäärä on loppupäivämäärän jälkeen.";
-    }
+    // Each of the three checks of a period is made (their messages: the date dialogs' tests).
     void period()
     {
-        QFETCH(QDate, alku);
-        QFETCH(QDate, loppu);
-        QFETCH(QString, message);
         VoucherFixture f;
-        QCOMPARE(KirjaTulostus::jaksonVirhe(alku, loppu), message);
+        const QString vuosi = QStringLiteral(" ei kuulu tilikauteen: 1.1.2011 - 31.12.2011");
+        QCOMPARE(KirjaTulostus::jaksonVirhe(Alku, Loppu), QString());
+        QCOMPARE(
+            KirjaTulostus::jaksonVirhe(QDate(2010, 12, 31), Loppu), QStringLiteral("Alkupäivämäärä") + vuosi);
+        QCOMPARE(
+            KirjaTulostus::jaksonVirhe(Alku, QDate(2012, 1, 1)), QStringLiteral("Loppupäivämäärä") + vuosi);
+        QCOMPARE(KirjaTulostus::jaksonVirhe(QDate(2011, 6, 1), QDate(2011, 5, 31)),
+            QStringLiteral("Alkupäivämäärä on loppupäivämäärän jälkeen."));
     }
 
     void longDescription_data()

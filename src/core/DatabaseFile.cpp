@@ -3,6 +3,7 @@
 
 #include "PageRecovery.h"
 #include "Schema.h"
+#include "ScopedConnection.h"
 
 #include <QDir>
 #include <QFile>
@@ -231,13 +232,10 @@ const CoreTable CoreTables[] = {
 QList<std::optional<qint64>> countRows(const QString& path, bool writableSchema)
 {
     QList<std::optional<qint64>> counts;
-    const QString name = tempConnectionName();
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(path);
-        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-        const bool open = db.open();
-        QSqlQuery q(db);
+        ScopedConnection connection(path, ScopedConnection::Mode::ReadOnly);
+        const bool open = connection.isOpen();
+        QSqlQuery q(connection.db());
         // Lets the engine read the table list of a file whose size no longer matches its header.
         if (open && writableSchema)
             q.exec(QStringLiteral("PRAGMA writable_schema = ON"));
@@ -254,9 +252,7 @@ QList<std::optional<qint64>> countRows(const QString& path, bool writableSchema)
             }
             counts.append(count);
         }
-        db.close();
     }
-    QSqlDatabase::removeDatabase(name);
     return counts;
 }
 
@@ -276,18 +272,12 @@ bool integrityOk(const QString& path)
 // what they held.
 void addMissingCoreTables(const QString& path)
 {
-    const QString name = tempConnectionName();
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(path);
-        if (db.open()) {
-            const QStringList missing = Schema::missingCoreTables(db);
-            if (!missing.isEmpty())
-                Schema::createCoreTables(db, missing);
-            db.close();
-        }
-    }
-    QSqlDatabase::removeDatabase(name);
+    ScopedConnection connection(path);
+    if (!connection.isOpen())
+        return;
+    const QStringList missing = Schema::missingCoreTables(connection.db());
+    if (!missing.isEmpty())
+        Schema::createCoreTables(connection.db(), missing);
 }
 
 } // namespace

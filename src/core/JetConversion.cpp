@@ -7,6 +7,7 @@
 #include "FileOps.h"
 #include "JetReader.h"
 #include "Schema.h"
+#include "ScopedConnection.h"
 #include "Transaction.h"
 
 #include <QCursor>
@@ -187,16 +188,11 @@ QSet<QString> fieldsOf(const QSqlDatabase& db, const QString& table)
 QHash<QString, QSet<QString>> currentLayout()
 {
     QHash<QString, QSet<QString>> layout;
-    const QString name = QStringLiteral("vorkam_layout_") + QUuid::createUuid().toString(QUuid::Id128);
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(QStringLiteral(":memory:"));
-        if (db.open() && Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok)
-            for (const QString& table : Schema::tableNames())
-                layout.insert(table.toLower(), fieldsOf(db, table));
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(name);
+    ScopedConnection memory(QStringLiteral(":memory:"));
+    QSqlDatabase& db = memory.db();
+    if (memory.isOpen() && Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok)
+        for (const QString& table : Schema::tableNames())
+            layout.insert(table.toLower(), fieldsOf(db, table));
     return layout;
 }
 
@@ -386,13 +382,12 @@ JetConversion::Result JetConversion::convert(const QString& path) const
         = sumsBefore(jet, QStringLiteral("viE"), QStringLiteral("viETyyppi"), QStringLiteral("viEArvo"));
 
     const QHash<QString, QSet<QString>> layout = currentLayout();
-    const QString connection = QStringLiteral("vorkam_jet_") + QUuid::createUuid().toString(QUuid::Id128);
     QString failure;
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
-        db.setDatabaseName(temp.path);
+        ScopedConnection connection(temp.path);
+        QSqlDatabase& db = connection.db();
         try {
-            if (!db.open())
+            if (!connection.isOpen())
                 throw DatabaseError(ErrorText::technical(db.lastError().text()));
             Sql::run(db, QStringLiteral("PRAGMA journal_mode=DELETE")).finish();
             Sql::run(db, QStringLiteral("PRAGMA synchronous=FULL")).finish();
@@ -457,9 +452,7 @@ JetConversion::Result JetConversion::convert(const QString& path) const
         } catch (const DatabaseError& e) {
             failure = e.text();
         }
-        db.close();
     }
-    QSqlDatabase::removeDatabase(connection);
     if (!failure.isEmpty())
         return refuse(QStringLiteral("Muunnettua kirjanpitoa ei voitu kirjoittaa kansioon %1: %2")
                           .arg(QDir::toNativeSeparators(folder), failure));

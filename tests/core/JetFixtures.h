@@ -5,7 +5,6 @@
 #include <QString>
 #include <QtEndian>
 
-#include <cstring>
 #include <optional>
 #include <utility>
 
@@ -56,37 +55,12 @@ inline QByteArray garbled(QByteArray file, int page)
     return file;
 }
 
-inline void rc4(QByteArray& bytes, qsizetype from, int length)
-{
-    const unsigned char key[] = { 0xc7, 0xda, 0x39, 0x6b };
-    unsigned char s[256];
-    for (int i = 0; i < 256; ++i)
-        s[i] = static_cast<unsigned char>(i);
-    for (int i = 0, j = 0; i < 256; ++i) {
-        j = (j + s[i] + key[i % 4]) & 0xff;
-        std::swap(s[i], s[j]);
-    }
-    for (int n = 0, i = 0, j = 0; n < length; ++n) {
-        i = (i + 1) & 0xff;
-        j = (j + s[i]) & 0xff;
-        std::swap(s[i], s[j]);
-        bytes[from + n] = char(bytes.at(from + n) ^ s[(s[i] + s[j]) & 0xff]);
-    }
-}
-
-// A Jet 4 file with the database password `password` set the way Jet stores it: in the
-// scrambled header, masked by the creation date.
+// A Jet 4 file with the database password `password`. Jet scrambles the header with a stream
+// cipher, so a character XORed into the scrambled bytes is stored in the password as it is.
 inline QByteArray withPassword(QByteArray file, const QByteArray& password)
 {
-    rc4(file, 0x18, 128);
-    double created = 0;
-    std::memcpy(&created, file.constData() + 0x72, 8);
-    const quint32 days = quint32(qint32(created));
-    for (int i = 0; i < 40; ++i) {
-        const char c = i % 2 == 0 && i / 2 < password.size() ? password.at(i / 2) : 0;
-        file[0x42 + i] = char(c ^ char(days >> (8 * (i % 4))));
-    }
-    rc4(file, 0x18, 128);
+    for (qsizetype i = 0; i < password.size(); ++i)
+        file[0x42 + 2 * i] = char(file.at(0x42 + 2 * i) ^ password.at(i));
     return file;
 }
 

@@ -22,10 +22,7 @@ private slots:
             QTest::newRow(typed) << QString::fromUtf8(typed) << result << cents;
         };
         row("", Result::Ok, 0);
-        row("12,50", Result::Ok, 1250);
-        row("12.50", Result::Ok, 1250);
         row("1 234,5", Result::Ok, 123450);
-        row("7 €", Result::Ok, 700);
         row("999999999,99", Result::Ok, 99999999999);
         row("1000000000", Result::TooLarge, 0);
         row("99999999999999999999", Result::TooLarge, 0);
@@ -33,7 +30,6 @@ private slots:
         row("0,005", Result::TooManyDecimals, 0);
         row("12,-", Result::NotANumber, 0);
         row("kymmenen", Result::NotANumber, 0);
-        row("1,2,3", Result::NotANumber, 0);
     }
     void amounts()
     {

@@ -159,14 +159,6 @@ private slots:
         QCOMPARE(virheet.back().ToId, kolme);
         QCOMPARE(virheet.front().Paiva, QDate(2012, 2, 1));
     }
-
-    void cleanBooks()
-    {
-        balanced(1);
-        balanced(2, QStringLiteral("2011-12-31"));
-        QCOMPARE(lines(), QStringList());
-        QCOMPARE(cTositeTarkistus::virheeton(), QStringLiteral("Tarkistus suoritettu virheettömästi."));
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_cTositeTarkistus)

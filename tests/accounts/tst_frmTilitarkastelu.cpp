@@ -223,12 +223,7 @@ private slots:
         QVERIFY(preview->windowTitle().contains(QStringLiteral("Päiväkirja -- 1.2.2011 - 28.2.2011")));
         // The preview fits the screen it opens on.
         const QSize screen = preview->screen()->availableGeometry().size();
-        QVERIFY2(preview->width() <= screen.width() && preview->height() <= screen.height(),
-            qPrintable(QStringLiteral("%1x%2 on %3x%4")
-                           .arg(preview->width())
-                           .arg(preview->height())
-                           .arg(screen.width())
-                           .arg(screen.height())));
+        QVERIFY(preview->width() <= screen.width() && preview->height() <= screen.height());
         preview->close();
     }
 
@@ -250,14 +245,9 @@ private slots:
         const QList<QPointF> p = kaavio->pisteet();
         // From 0 at the year's start, a step on each day, level to the year's end.
         QCOMPARE(p.size(), 2 + 2 * 25);
-        QCOMPARE(p.front(), QPointF(0, 0));
-        QCOMPARE(p.at(1), QPointF(0, 0));
-        QCOMPARE(p.at(2), QPointF(0, 500));
-        QCOMPARE(p.at(3), QPointF(10, 500));
-        QCOMPARE(p.at(4), QPointF(10, 510));
+        QCOMPARE(p.mid(0, 5), (QList<QPointF> { { 0, 0 }, { 0, 0 }, { 0, 500 }, { 10, 500 }, { 10, 510 } }));
         QCOMPARE(p.back(), QPointF(365, 740));
         QCOMPARE(kaavio->paivaTekstit(), QStringList({ "1.1.", "1.4.", "1.7.", "1.10." }));
-        QVERIFY(kaavio->euroTekstit().contains(QStringLiteral("0\u00a0€")));
         QVERIFY(kaavio->euroTekstit().contains(QStringLiteral("800\u00a0€")));
 
         auto* lista = child<QComboBox>(w, "cmbTili");

@@ -11,6 +11,7 @@
 #include <QTest>
 
 #include <cerrno>
+#include <optional>
 
 class tst_StickBackup : public QObject {
     Q_OBJECT
@@ -18,8 +19,7 @@ class tst_StickBackup : public QObject {
 private slots:
     void freeSpaceMustExceedTheBooks_data();
     void freeSpaceMustExceedTheBooks();
-    void copyHoldsTheBooksAsClosed();
-    void secondCopyOfTheDayReplacesTheFirst();
+    void copyHoldsTheBooksAsClosedAndReplacesTheDaysFirst();
     void failedCopyLeavesNothingLikeABackup_data();
     void failedCopyLeavesNothingLikeABackup();
     void compaction();
@@ -38,10 +38,6 @@ struct Setup {
     {
         QVERIFY(openBooks(books));
         stick = drives.add(QStringLiteral("KOPIOTIKKU"));
-    }
-    QString copyOf(const QDate& day) const
-    {
-        return BackupStick::copyPath(stick, BackupStick::dayName(day), QStringLiteral("seura.mdb"));
     }
 };
 
@@ -70,11 +66,11 @@ void tst_StickBackup::freeSpaceMustExceedTheBooks()
     QCOMPARE(backup.find(), StickBackup::Found::NotFound);
 }
 
-void tst_StickBackup::copyHoldsTheBooksAsClosed()
+void tst_StickBackup::copyHoldsTheBooksAsClosedAndReplacesTheDaysFirst()
 {
     Setup s;
     ScriptedDialogs dialogs;
-    QVERIFY(writeMark(QStringLiteral("ennen kopiota")));
+    QVERIFY(writeMark(QStringLiteral("aamu")));
     StickBackup backup(s.books);
     backup.today = QDate(2011, 9, 5);
     QCOMPARE(backup.find(), StickBackup::Found::Ready);
@@ -90,28 +86,15 @@ void tst_StickBackup::copyHoldsTheBooksAsClosed()
     // The books were closed first, so the file on the disk is the whole of them.
     QVERIFY(!DBC::instance().isOpen());
     QCOMPARE(TestEnv::readFile(copied.path), TestEnv::readFile(s.books));
-    QCOMPARE(marksIn(copied.path), QStringList(QStringLiteral("ennen kopiota")));
-    QCOMPARE(filesIn(QFileInfo(copied.path).absolutePath()), QStringList(QStringLiteral("seura.mdb")));
-    QVERIFY(dialogs.shown().isEmpty());
-}
 
-void tst_StickBackup::secondCopyOfTheDayReplacesTheFirst()
-{
-    Setup s;
-    StickBackup backup(s.books);
-    backup.today = QDate(2024, 3, 12);
-    QVERIFY(writeMark(QStringLiteral("aamu")));
-    QCOMPARE(backup.find(), StickBackup::Found::Ready);
-    QVERIFY(backup.copy().ok);
+    // A second copy of the same day takes the first one's place.
     QVERIFY(writeMark(QStringLiteral("ilta")));
     QCOMPARE(backup.find(), StickBackup::Found::Ready);
     QVERIFY(backup.copy().ok);
-
-    QCOMPARE(BackupStick::days(s.stick), QStringList(QStringLiteral("20240312")));
-    const QString copy = s.copyOf(backup.today);
-    QCOMPARE(filesIn(QFileInfo(copy).absolutePath()), QStringList(QStringLiteral("seura.mdb")));
-    QCOMPARE(marksIn(copy), QStringList({ QStringLiteral("aamu"), QStringLiteral("ilta") }));
-    QCOMPARE(TestEnv::readFile(copy), TestEnv::readFile(s.books));
+    QCOMPARE(BackupStick::days(s.stick), QStringList(QStringLiteral("20110905")));
+    QCOMPARE(filesIn(QFileInfo(copied.path).absolutePath()), QStringList(QStringLiteral("seura.mdb")));
+    QCOMPARE(marksIn(copied.path), QStringList({ QStringLiteral("aamu"), QStringLiteral("ilta") }));
+    QVERIFY(dialogs.shown().isEmpty());
 }
 
 void tst_StickBackup::failedCopyLeavesNothingLikeABackup_data()
@@ -141,7 +124,8 @@ void tst_StickBackup::failedCopyLeavesNothingLikeABackup()
     Setup s;
     StickBackup backup(s.books);
     backup.today = QDate(2024, 3, 12);
-    const QString copy = s.copyOf(backup.today);
+    const QString copy
+        = BackupStick::copyPath(s.stick, QStringLiteral("20240312"), QStringLiteral("seura.mdb"));
     const QString day = QFileInfo(copy).absolutePath();
     // An earlier copy of the same day is there and must survive the failed one.
     QVERIFY(writeMark(QStringLiteral("aamu")));
@@ -151,24 +135,21 @@ void tst_StickBackup::failedCopyLeavesNothingLikeABackup()
     QVERIFY(writeMark(QStringLiteral("ilta")));
     QCOMPARE(backup.find(), StickBackup::Found::Ready);
 
-    StickBackup::Copied copied;
+    std::optional<FileSizeLimit> limit;
     if (fault == QLatin1String("read-only")) {
         s.drives.volume(0).readOnly = true;
-        copied = backup.copy();
     } else if (fault == QLatin1String("pulled out")) {
         s.drives.pullOut(0);
-        copied = backup.copy();
     } else if (fault == QLatin1String("full")) {
         s.drives.volume(0).freeBytes = QFileInfo(s.books).size();
-        copied = backup.copy();
     } else if (fault == QLatin1String("writes fail")) {
-        const FileSizeLimit limit(8192);
-        copied = backup.copy();
+        limit.emplace(8192);
     } else {
         QVERIFY(QDir(BackupStick::backupFolder(s.stick)).removeRecursively());
         QVERIFY(TestEnv::writeFile(BackupStick::backupFolder(s.stick), "ei kansio"));
-        copied = backup.copy();
     }
+    const StickBackup::Copied copied = backup.copy();
+    limit.reset();
     QVERIFY(!copied.ok);
     QVERIFY2(copied.message.startsWith(message), qPrintable(copied.message));
     QCOMPARE(copied.stickLost, stickLost);
@@ -232,13 +213,11 @@ void tst_StickBackup::compactionFailures()
         backup.temporaryName = [](const QString&, const QString&, QString*) { return ENOSPC; };
     if (fault == QLatin1String("rename"))
         backup.renameOver = [](const QString&, const QString&) { return EXDEV; };
-    StickBackup::Compacted compacted;
-    if (fault == QLatin1String("disk full")) {
-        const FileSizeLimit limit(8192);
-        compacted = backup.compact();
-    } else {
-        compacted = backup.compact();
-    }
+    std::optional<FileSizeLimit> limit;
+    if (fault == QLatin1String("disk full"))
+        limit.emplace(8192);
+    const StickBackup::Compacted compacted = backup.compact();
+    limit.reset();
     QVERIFY(!compacted.ok);
     QVERIFY2(compacted.text.startsWith(text), qPrintable(compacted.text));
     // The books byte for byte as they were, no temporary file beside them, and still usable.

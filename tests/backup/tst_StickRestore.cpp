@@ -53,26 +53,12 @@ class tst_StickRestore : public QObject {
     Q_OBJECT
 
 private slots:
-    void restoresWithoutAskingWhenNothingIsThere();
     void overwriteQuestion_data();
     void overwriteQuestion();
     void restoresOntoTheOpenBooks();
     void refusesWhatIsNotSoundBooks_data();
     void refusesWhatIsNotSoundBooks();
 };
-
-void tst_StickRestore::restoresWithoutAskingWhenNothingIsThere()
-{
-    Setup s;
-    ScriptedDialogs dialogs;
-    QCOMPARE(StickRestore::targetOf(s.copy), s.target);
-    QCOMPARE(StickRestore::restore(s.copy), StickRestore::Outcome::Restored);
-    QCOMPARE(dialogs.transcript(), QStringList(Restarted));
-    QCOMPARE(TestEnv::readFile(s.target), TestEnv::readFile(s.copy));
-    QCOMPARE(ProgramSettings::installation().Database, s.target);
-    QVERIFY(s.env.readIni().contains(QStringLiteral("Database=") + s.target));
-    QCOMPARE(filesIn(Paths::dataDir()), QStringList(QStringLiteral("seura.mdb")));
-}
 
 void tst_StickRestore::overwriteQuestion_data()
 {

@@ -54,7 +54,6 @@ class tst_ServiceMail : public QObject {
     Q_OBJECT
 
 private slots:
-    void subjectHasTheDateWithoutLeadingZeros_data();
     void subjectHasTheDateWithoutLeadingZeros();
     void loginNameFromTheEnvironment();
     void refusals_data();
@@ -70,22 +69,12 @@ private slots:
     void snapshotIsTheBooksAndGoesAway();
 };
 
-void tst_ServiceMail::subjectHasTheDateWithoutLeadingZeros_data()
-{
-    QTest::addColumn<QString>("user");
-    QTest::addColumn<QDate>("date");
-    QTest::addColumn<QString>("subject");
-    QTest::newRow("single digits") << "matti" << QDate(2024, 1, 5) << "Vorkam-matti:5.1.2024";
-    QTest::newRow("double digits") << "matti" << QDate(2025, 12, 31) << "Vorkam-matti:31.12.2025";
-    QTest::newRow("Finnish name") << "äijälä" << QDate(2026, 10, 1) << "Vorkam-äijälä:1.10.2026";
-}
-
 void tst_ServiceMail::subjectHasTheDateWithoutLeadingZeros()
 {
-    QFETCH(QString, user);
-    QFETCH(QDate, date);
-    QFETCH(QString, subject);
-    QCOMPARE(ServiceMail::subject(user, date), subject);
+    QCOMPARE(ServiceMail::subject(QStringLiteral("matti"), QDate(2024, 1, 5)),
+        QStringLiteral("Vorkam-matti:5.1.2024"));
+    QCOMPARE(ServiceMail::subject(QStringLiteral("äijälä"), QDate(2025, 12, 31)),
+        QStringLiteral("Vorkam-äijälä:31.12.2025"));
 }
 
 void tst_ServiceMail::loginNameFromTheEnvironment()
@@ -108,51 +97,31 @@ void tst_ServiceMail::refusals_data()
     QTest::addColumn<QString>("sender");
     QTest::addColumn<QString>("receiver");
     QTest::addColumn<QString>("smtp");
-    QTest::addColumn<QString>("message");
+    QTest::addColumn<QString>("message"); // empty: the mail may go
+    const auto row = [](const char* tag, const char* sender, const char* receiver, const char* smtp,
+                         const QString& message) {
+        QTest::newRow(tag) << QString::fromUtf8(sender) << QString::fromUtf8(receiver)
+                           << QString::fromUtf8(smtp) << message;
+    };
     const QString noSender = QStringLiteral("Täytä vielä lähettäjän sähköpostiosoite.");
     const QString noServer = QStringLiteral("Asetuksista puuttuu SMTP palvelimen nimi.");
-    QTest::newRow("empty sender before the server") << ""
-                                                    << "tuki@vorkam.fi"
-                                                    << "" << noSender;
-    QTest::newRow("server of blanks") << "anna@kuoro.fi"
-                                      << "tuki@vorkam.fi"
-                                      << "   " << noServer;
-    QTest::newRow("server before a bad sender") << "anna@"
-                                                << "tuki@vorkam.fi"
-                                                << "" << noServer;
-    QTest::newRow("sender without domain")
-        << "a@"
-        << "tuki@vorkam.fi"
-        << "smtp.kuoro.fi"
-        << "Lähettäjän sähköpostiosoite \"a@\" ei kelpaa. Tarkista osoite.";
-    QTest::newRow("space inside sender")
-        << "anna virtanen@kuoro.fi"
-        << "tuki@vorkam.fi"
-        << "smtp.kuoro.fi"
-        << "Lähettäjän sähköpostiosoite \"anna virtanen@kuoro.fi\" ei kelpaa. Tarkista osoite.";
-    QTest::newRow("empty receiver") << "anna@kuoro.fi"
-                                    << " "
-                                    << "smtp.kuoro.fi"
-                                    << "Täytä vielä vastaanottajan sähköpostiosoite.";
-    QTest::newRow("two at signs")
-        << "anna@kuoro.fi"
-        << "tuki@@vorkam.fi"
-        << "smtp.kuoro.fi"
-        << "Vastaanottajan sähköpostiosoite \"tuki@@vorkam.fi\" ei kelpaa. Tarkista osoite.";
-    QTest::newRow("bad port")
-        << "anna@kuoro.fi"
-        << "tuki@vorkam.fi"
-        << "smtp.kuoro.fi:posti"
-        << "Asetusten SMTP palvelimen nimi \"smtp.kuoro.fi:posti\" ei kelpaa. Kirjoita se "
-           "muodossa palvelin tai palvelin:portti.";
-    QTest::newRow("all good, blanks around") << " anna@kuoro.fi "
-                                             << "tuki@vorkam.fi"
-                                             << " smtp.kuoro.fi "
-                                             << "";
-    QTest::newRow("Finnish letters") << "äiti@kööri.fi"
-                                     << "tuki@localhost"
-                                     << "localhost:2525"
-                                     << "";
+    row("empty sender before the server", "", "tuki@vorkam.fi", "", noSender);
+    row("server of blanks", "anna@kuoro.fi", "tuki@vorkam.fi", "   ", noServer);
+    row("server before a bad sender", "anna@", "tuki@vorkam.fi", "", noServer);
+    row("sender without domain", "a@", "tuki@vorkam.fi", "smtp.kuoro.fi",
+        QStringLiteral("Lähettäjän sähköpostiosoite \"a@\" ei kelpaa. Tarkista osoite."));
+    row("space inside sender", "anna virtanen@kuoro.fi", "tuki@vorkam.fi", "smtp.kuoro.fi",
+        QStringLiteral("Lähettäjän sähköpostiosoite \"anna virtanen@kuoro.fi\" ei kelpaa. Tarkista osoite."));
+    row("empty receiver", "anna@kuoro.fi", " ", "smtp.kuoro.fi",
+        QStringLiteral("Täytä vielä vastaanottajan sähköpostiosoite."));
+    row("two at signs", "anna@kuoro.fi", "tuki@@vorkam.fi", "smtp.kuoro.fi",
+        QStringLiteral("Vastaanottajan sähköpostiosoite \"tuki@@vorkam.fi\" ei kelpaa. Tarkista osoite."));
+    row("bad port", "anna@kuoro.fi", "tuki@vorkam.fi", "smtp.kuoro.fi:posti",
+        QStringLiteral(
+            "Asetusten SMTP palvelimen nimi \"smtp.kuoro.fi:posti\" ei kelpaa. Kirjoita se muodossa "
+            "palvelin tai palvelin:portti."));
+    row("all good, blanks around", " anna@kuoro.fi ", "tuki@vorkam.fi", " smtp.kuoro.fi ", QString());
+    row("Finnish letters", "äiti@kööri.fi", "tuki@localhost", "localhost:2525", QString());
 }
 
 void tst_ServiceMail::refusals()
@@ -168,20 +137,16 @@ void tst_ServiceMail::servers_data()
 {
     QTest::addColumn<QString>("smtp");
     QTest::addColumn<QString>("url"); // empty: not a server
-    QTest::newRow("name only") << "smtp.kuoro.fi"
-                               << "smtp://smtp.kuoro.fi:25";
-    QTest::newRow("submission") << " smtp.kuoro.fi:587 "
-                                << "smtp://smtp.kuoro.fi:587";
-    QTest::newRow("implicit TLS") << "smtp.kuoro.fi:465"
-                                  << "smtps://smtp.kuoro.fi:465";
-    QTest::newRow("IPv6") << "[::1]:2525"
-                          << "smtp://[::1]:2525";
-    QTest::newRow("port too large") << "smtp.kuoro.fi:65536"
-                                    << "";
-    QTest::newRow("blank inside") << "smtp kuoro.fi"
-                                  << "";
-    QTest::newRow("a URL") << "smtp://smtp.kuoro.fi"
-                           << "";
+    const auto row = [](const char* tag, const char* smtp, const char* url) {
+        QTest::newRow(tag) << QString::fromUtf8(smtp) << QString::fromUtf8(url);
+    };
+    row("name only", "smtp.kuoro.fi", "smtp://smtp.kuoro.fi:25");
+    row("submission", " smtp.kuoro.fi:587 ", "smtp://smtp.kuoro.fi:587");
+    row("implicit TLS", "smtp.kuoro.fi:465", "smtps://smtp.kuoro.fi:465");
+    row("IPv6", "[::1]:2525", "smtp://[::1]:2525");
+    row("port too large", "smtp.kuoro.fi:65536", "");
+    row("blank inside", "smtp kuoro.fi", "");
+    row("a URL", "smtp://smtp.kuoro.fi", "");
 }
 
 void tst_ServiceMail::servers()
@@ -237,13 +202,10 @@ void tst_ServiceMail::sendsTheFileAsAnAttachment()
     QCOMPARE(received->from, QStringLiteral("anna@kuoro.fi"));
     QCOMPARE(received->to, QStringList { QStringLiteral("tuki@vorkam.fi") });
     QCOMPARE(received->subject, subject);
-    QString expectedText = text;
-    expectedText.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    QString receivedText = received->text;
-    QCOMPARE(receivedText.replace(QStringLiteral("\r\n"), QStringLiteral("\n")), expectedText);
+    const auto lines = [](QString t) { return t.replace(QStringLiteral("\r\n"), QStringLiteral("\n")); };
+    QCOMPARE(lines(received->text), lines(text));
     QCOMPARE(received->attachments, 1);
     QCOMPARE(received->fileName, fileName);
-    QCOMPARE(received->attachment.size(), bytes.size());
     QVERIFY(received->attachment == bytes);
 
     // The progress rises to the file's size and never falls back.
@@ -258,28 +220,22 @@ void tst_ServiceMail::sendsTheFileAsAnAttachment()
 void tst_ServiceMail::failures_data()
 {
     QTest::addColumn<QStringList>("options"); // of the server; "closed" for none
-    QTest::addColumn<QString>("receiver");
     QTest::addColumn<QString>("reason"); // a part of curl's words
     QTest::addColumn<QString>("advice");
     QTest::addColumn<bool>("loginNeeded");
-    QTest::newRow("refused recipient") << QStringList { "--refuse", "tuki@vorkam.fi" } << "tuki@vorkam.fi"
-                                       << "550"
+    QTest::newRow("refused recipient") << QStringList { "--refuse", "tuki@vorkam.fi" } << "550"
                                        << "Palvelin ei hyväksynyt osoitetta." << false;
-    QTest::newRow("closed port") << QStringList { "closed" } << "tuki@vorkam.fi"
-                                 << "onnect"
+    QTest::newRow("closed port") << QStringList { "closed" } << "onnect"
                                  << "Palvelimeen 127.0.0.1 (portti %1) ei saatu yhteyttä." << false;
-    QTest::newRow("no answer") << QStringList { "--stall" } << "tuki@vorkam.fi"
-                               << ""
+    QTest::newRow("no answer") << QStringList { "--stall" } << ""
                                << "Palvelin ei vastannut 1 sekunnissa." << false;
-    QTest::newRow("login demanded") << QStringList { "--login", "anna:salainen" } << "tuki@vorkam.fi"
-                                    << "530"
+    QTest::newRow("login demanded") << QStringList { "--login", "anna:salainen" } << "530"
                                     << "Palvelin vaatii käyttäjätunnuksen ja salasanan." << true;
 }
 
 void tst_ServiceMail::failures()
 {
     QFETCH(QStringList, options);
-    QFETCH(QString, receiver);
     QFETCH(QString, reason);
     QFETCH(QString, advice);
     QFETCH(bool, loginNeeded);
@@ -295,8 +251,9 @@ void tst_ServiceMail::failures()
     ServiceMailer mailer;
     mailer.setTimeout(1);
     const Sent sent = sendAndWait(mailer,
-        { QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("anna@kuoro.fi"), receiver,
-            QStringLiteral("Vorkam-anna:1.2.2024"), QStringLiteral("Hei"), file, QString(), QString() });
+        { QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("anna@kuoro.fi"),
+            QStringLiteral("tuki@vorkam.fi"), QStringLiteral("Vorkam-anna:1.2.2024"), QStringLiteral("Hei"),
+            file, QString(), QString() });
     QCOMPARE(sent.completed, 0);
     QCOMPARE(sent.failed.size(), 1);
     QVERIFY2(sent.failed.first().contains(reason), qPrintable(sent.failed.first()));
@@ -349,10 +306,8 @@ void tst_ServiceMail::snapshotIsTheBooksAndGoesAway()
         copy = snapshot.path();
         QCOMPARE(QFileInfo(copy).fileName(), QStringLiteral("kööri.mdb"));
         // Every page of the books, whatever the engine keeps in its header.
-        QCOMPARE(QFileInfo(copy).size(), QFileInfo(books).size());
         QCOMPARE(TestEnv::readFile(copy).mid(100), TestEnv::readFile(books).mid(100));
     });
-    QVERIFY(!copy.isEmpty());
     QVERIFY(!QFileInfo::exists(copy));
     QCOMPARE(QDir(env.path(QStringLiteral("tmp"))).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
         QStringList());

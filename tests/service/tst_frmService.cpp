@@ -59,8 +59,8 @@ class tst_frmService : public QObject {
 private slots:
     void init() { QVERIFY(!QGuiApplication::overrideCursor()); }
     void filledFromTheSettings();
-    void refusalsComeInOrder_data();
-    void refusalsComeInOrder();
+    void refusalShownAtItsField_data();
+    void refusalShownAtItsField();
     void sendsASnapshotOfTheBooks();
     void failureShowsTheReasonAndLetsSendAgain();
     void asksForALoginOnlyWhenDemanded();
@@ -71,7 +71,6 @@ void tst_frmService::filledFromTheSettings()
 {
     Books books(QStringLiteral("anna@kuoro.fi"), QStringLiteral("smtp.kuoro.fi"));
     frmService w(DBC::instance().AvaaDB());
-    QCOMPARE(w.windowTitle(), QStringLiteral("Huoltotiedoston lähetys"));
     QCOMPARE(child<QLineEdit>(w, "tReceiver")->text(), QStringLiteral("tuki@vorkam.fi"));
     QCOMPARE(child<QLineEdit>(w, "tSender")->text(), QStringLiteral("anna@kuoro.fi"));
     QVERIFY(child(w, "tUserName")->isHidden());
@@ -87,39 +86,31 @@ void tst_frmService::filledFromTheSettings()
     QCOMPARE(child<QLineEdit>(other, "tReceiver")->text(), QStringLiteral("apu@liitto.fi"));
 }
 
-void tst_frmService::refusalsComeInOrder_data()
+// Which refusal comes first is ServiceMail's rule; the window shows it and moves to the field.
+void tst_frmService::refusalShownAtItsField_data()
 {
     QTest::addColumn<QString>("sender");
-    QTest::addColumn<QString>("smtp");
     QTest::addColumn<QString>("receiver");
     QTest::addColumn<QString>("shown");
     QTest::addColumn<QString>("focus");
-    QTest::newRow("no sender, no server") << ""
-                                          << ""
-                                          << "tuki@vorkam.fi"
-                                          << "information: Täytä vielä lähettäjän sähköpostiosoite."
-                                          << "tSender";
-    QTest::newRow("server of blanks") << "anna@kuoro.fi"
-                                      << "  "
-                                      << "tuki@vorkam.fi"
-                                      << "information: Asetuksista puuttuu SMTP palvelimen nimi."
-                                      << "";
-    QTest::newRow("bad receiver") << "anna@kuoro.fi"
-                                  << "smtp.kuoro.fi"
-                                  << "@vorkam.fi"
-                                  << "information: Vastaanottajan sähköpostiosoite \"@vorkam.fi\" ei kelpaa. "
-                                     "Tarkista osoite."
-                                  << "tReceiver";
+    QTest::newRow("no sender") << ""
+                               << "tuki@vorkam.fi"
+                               << "information: Täytä vielä lähettäjän sähköpostiosoite."
+                               << "tSender";
+    QTest::newRow("bad receiver")
+        << "anna@kuoro.fi"
+        << "@vorkam.fi"
+        << "information: Vastaanottajan sähköpostiosoite \"@vorkam.fi\" ei kelpaa. Tarkista osoite."
+        << "tReceiver";
 }
 
-void tst_frmService::refusalsComeInOrder()
+void tst_frmService::refusalShownAtItsField()
 {
     QFETCH(QString, sender);
-    QFETCH(QString, smtp);
     QFETCH(QString, receiver);
     QFETCH(QString, shown);
     QFETCH(QString, focus);
-    Books books(sender, smtp);
+    Books books(sender, QStringLiteral("smtp.kuoro.fi"));
     frmService w(DBC::instance().AvaaDB());
     w.setSnapshotFolder(books.tmp);
     w.show();
@@ -131,8 +122,7 @@ void tst_frmService::refusalsComeInOrder()
     QVERIFY(child(w, "cSend")->isEnabled());
     QVERIFY(!QGuiApplication::overrideCursor());
     QCOMPARE(books.leftInTmp(), QStringList());
-    if (!focus.isEmpty())
-        QCOMPARE(QApplication::focusWidget(), child(w, qPrintable(focus)));
+    QCOMPARE(QApplication::focusWidget(), child(w, qPrintable(focus)));
 }
 
 void tst_frmService::sendsASnapshotOfTheBooks()

@@ -69,7 +69,6 @@ private slots:
     void percentages_data();
     void percentages();
     void linesOfATemplate();
-    void groupsOnly();
     void perAccount();
     void formulas_data();
     void formulas();
@@ -79,7 +78,7 @@ private slots:
     void damagedTemplatesFinish();
 };
 
-// Entries on the row's side add, the others subtract; a list that names no account gives 0.
+// Entries on the row's side add, the others subtract; an account not in the chart gives 0.
 void tst_IncomeStatement::sideRule_data()
 {
     QTest::addColumn<QString>("side");
@@ -97,11 +96,7 @@ void tst_IncomeStatement::sideRule_data()
     row("debit on a D row", "D", "3,", "D", 10000);
     row("type in lower case", "K", "3,", "k", 10000);
     row("unknown type subtracts", "K", "3,", "X", -10000);
-    row("empty list", "K", "", "K", 0);
-    row("empty-list marker", "K", "-1,", "K", 0);
-    row("not numbers", "K", "abc,3x,", "K", 0);
     row("unknown account", "K", "999,", "K", 0);
-    row("listed twice counts once", "K", "3,3,", "K", 10000);
 }
 
 void tst_IncomeStatement::sideRule()
@@ -110,12 +105,11 @@ void tst_IncomeStatement::sideRule()
     QFETCH(QString, tilit);
     QFETCH(QString, type);
     QFETCH(qint64, expected);
-    f->row({ .id = 1, .teksti = QStringLiteral("Rivi"), .tilit = tilit, .side = side, .turnover = true });
+    f->row({ .id = 1, .teksti = "Rivi", .tilit = tilit, .side = side, .turnover = true });
     const int to = f->voucher(QStringLiteral("2012-03-01"));
     f->entry(to, 3, type, 10000);
     f->entry(to, 1, type == u"D" ? QStringLiteral("K") : QStringLiteral("D"), 10000);
     IncomeStatement::run(f->db(), options());
-    QCOMPARE(f->rows(QStringLiteral("tula")).size(), 1); // the trailing separator is gone
     QCOMPARE(
         f->amount(QStringLiteral("tula"), QStringLiteral("tulaToteutunutKuluva"), QStringLiteral("Rivi")),
         expected);
@@ -158,7 +152,7 @@ void tst_IncomeStatement::columnsByDate()
     QFETCH(QString, pvm);
     QFETCH(bool, previous);
     QFETCH(QList<qint64>, expected);
-    f->row({ .id = 1, .teksti = QStringLiteral("Tuotot"), .tilit = QStringLiteral("3,"), .turnover = true });
+    f->row({ .id = 1, .teksti = "Tuotot", .tilit = "3,", .turnover = true });
     book(pvm, 3, 10000, previous);
     IncomeStatement::run(f->db(), options(start, end));
     QList<qint64> actual;
@@ -186,8 +180,6 @@ void tst_IncomeStatement::percentages_data()
           };
     row(1000, 500, 0, "50.00", "-");
     row(1000, -100, -200, "-10.00", "-50.00");
-    row(1000, 300, 200, "30.00", "50.00");
-    row(1000, 100, -200, "10.00", "-150.00");
     row(0, 250, 250, "-", "0.00");
     row(-1000, 250, 1, "-25.00", "24900.00");
 }
@@ -199,11 +191,8 @@ void tst_IncomeStatement::percentages()
     QFETCH(qint64, previous);
     QFETCH(QString, ofTurnover);
     QFETCH(QString, change);
-    f->row({ .id = 1,
-        .teksti = QStringLiteral("Liikevaihto"),
-        .tilit = QStringLiteral("4,"),
-        .turnover = true });
-    f->row({ .id = 2, .teksti = QStringLiteral("Rivi"), .tilit = QStringLiteral("3,") });
+    f->row({ .id = 1, .teksti = "Liikevaihto", .tilit = "4,", .turnover = true });
+    f->row({ .id = 2, .teksti = "Rivi", .tilit = "3," });
     if (turnover != 0)
         book(QStringLiteral("2012-03-01"), 4, turnover * 100);
     if (current != 0)
@@ -221,34 +210,29 @@ void tst_IncomeStatement::percentages()
 }
 
 // Headers, ordinary lines, totals over every ordinary line below at any depth, formula lines,
-// separators, levels, and no separator last.
+// separators, levels, no separator last, and progress by main rows.
 void tst_IncomeStatement::linesOfATemplate()
 {
-    f->row({ .id = 1, .teksti = QStringLiteral("Tuotot") });
-    f->row({ .id = 2,
-        .teksti = QStringLiteral("Myynti"),
-        .parent = 1,
-        .tilit = QStringLiteral("3,"),
-        .turnover = true });
-    f->row({ .id = 3, .teksti = QStringLiteral("Avustukset"), .parent = 1, .tilit = QStringLiteral("4,") });
-    f->row({ .id = 4, .teksti = QStringLiteral("Kulut") });
-    f->row({ .id = 5, .teksti = QStringLiteral("Henkilöstö"), .parent = 4 });
-    f->row({ .id = 6, .teksti = QStringLiteral("Palkat"), .parent = 5, .tilit = QStringLiteral("5,") });
-    f->row({ .id = 7,
-        .teksti = QStringLiteral("Välisumma"),
-        .parent = 4,
-        .kaava = QStringLiteral("+5,"),
-        .equation = true });
-    f->row({ .id = 8, .teksti = QStringLiteral("Vuokrat"), .parent = 4, .tilit = QStringLiteral("6,") });
-    f->row(
-        { .id = 9, .teksti = QStringLiteral("Tulos"), .kaava = QStringLiteral("+1,+4,"), .equation = true });
-    f->row({ .id = 10, .teksti = QStringLiteral("Ylijäämä"), .tilit = QStringLiteral("7,"), .profit = true });
+    f->row({ .id = 1, .teksti = "Tuotot" });
+    f->row({ .id = 2, .teksti = "Myynti", .parent = 1, .tilit = "3,", .turnover = true });
+    f->row({ .id = 3, .teksti = "Avustukset", .parent = 1, .tilit = "4," });
+    f->row({ .id = 4, .teksti = "Kulut" });
+    f->row({ .id = 5, .teksti = "Henkilöstö", .parent = 4 });
+    f->row({ .id = 6, .teksti = "Palkat", .parent = 5, .tilit = "5," });
+    f->row({ .id = 7, .teksti = "Välisumma", .parent = 4, .kaava = "+5,", .equation = true });
+    f->row({ .id = 8, .teksti = "Vuokrat", .parent = 4, .tilit = "6," });
+    f->row({ .id = 9, .teksti = "Tulos", .kaava = "+1,+4,", .equation = true });
+    f->row({ .id = 10, .teksti = "Ylijäämä", .tilit = "7,", .profit = true });
     book(QStringLiteral("2012-02-01"), 3, 100000);
     book(QStringLiteral("2012-02-01"), 4, 20000);
     book(QStringLiteral("2012-02-01"), 5, -40000);
     book(QStringLiteral("2012-02-01"), 6, -10000);
     book(QStringLiteral("2011-02-01"), 3, 50000, true);
-    IncomeStatement::run(f->db(), options());
+    StatementOptions o = options();
+    QList<int> progress;
+    o.progress = [&progress](int done, int total) { progress << done << total; };
+    IncomeStatement::run(f->db(), o);
+    QCOMPARE(progress, (QList<int> { 1, 4, 2, 4, 3, 4, 4, 4 }));
     const QStringList expected = {
         "0||1|Tuotot|-|-|-|-|-|-|-|-|-",
         "1||0|Myynti|1000.00|100.00|500.00|100.00|1000.00|100.00|500.00|500.00|100.00",
@@ -271,43 +255,16 @@ void tst_IncomeStatement::linesOfATemplate()
     QCOMPARE(f->value(QStringLiteral("SELECT COUNT(*) FROM tula WHERE tulamrID = 6")).toInt(), 1);
 }
 
-void tst_IncomeStatement::groupsOnly()
-{
-    f->row({ .id = 1, .teksti = QStringLiteral("Tuotot") });
-    f->row({ .id = 2, .teksti = QStringLiteral("Myynti"), .parent = 1, .tilit = QStringLiteral("3,") });
-    f->row({ .id = 3, .teksti = QStringLiteral("Ryhmä"), .parent = 1 });
-    f->row({ .id = 4, .teksti = QStringLiteral("Avustukset"), .parent = 3, .tilit = QStringLiteral("4,") });
-    f->row({ .id = 5, .teksti = QStringLiteral("Tulos"), .kaava = QStringLiteral("+1,"), .equation = true });
-    f->row({ .id = 6, .teksti = QStringLiteral("Ylijäämä"), .tilit = QStringLiteral("7,"), .profit = true });
-    book(QStringLiteral("2012-02-01"), 3, 100000);
-    book(QStringLiteral("2012-02-01"), 4, 20000);
-    StatementOptions o = options();
-    o.groupsOnly = true;
-    QList<int> progress;
-    o.progress = [&progress](int done, int total) { progress << done << total; };
-    IncomeStatement::run(f->db(), o);
-    QStringList captions;
-    for (const QString& line : f->rows(QStringLiteral("tula")))
-        captions << line.section(u'|', 0, 1) + u' ' + line.section(u'|', 3, 4);
-    QCOMPARE(captions,
-        (QStringList {
-            "0| Tuotot|-", "0|** Tuotot|1200.00", "0|- -|-", "0|** Tulos|1200.00", "0|** Ylijäämä|0.00" }));
-    QCOMPARE(progress, (QList<int> { 1, 3, 2, 3, 3, 3 }));
-}
-
-// A lowest-level row keeps its caption and its own total with one line per account beneath,
-// named by the account; a main-level row keeps its total, which formulas find.
+// A lowest-level row keeps its caption and its own total around a line per account, in the
+// list's order; an account not in the chart takes the row's caption, a row without accounts
+// stays one line.
 void tst_IncomeStatement::perAccount()
 {
-    f->row({ .id = 1, .teksti = QStringLiteral("Tuotot") });
-    f->row({ .id = 2, .teksti = QStringLiteral("Myynti"), .parent = 1, .tilit = QStringLiteral("4,3,99,") });
-    f->row({ .id = 3, .teksti = QStringLiteral("Tyhjä"), .parent = 1 });
-    f->row({ .id = 4, .teksti = QStringLiteral("Kulut"), .tilit = QStringLiteral("5,6,") });
-    f->row(
-        { .id = 5, .teksti = QStringLiteral("Tulos"), .kaava = QStringLiteral("+1,+4,"), .equation = true });
+    f->row({ .id = 1, .teksti = "Tuotot" });
+    f->row({ .id = 2, .teksti = "Myynti", .parent = 1, .tilit = "4,3,99," });
+    f->row({ .id = 3, .teksti = "Tyhjä", .parent = 1 });
     book(QStringLiteral("2012-02-01"), 3, 100000);
     book(QStringLiteral("2012-02-01"), 4, 20000);
-    book(QStringLiteral("2012-02-01"), 5, -40000);
     StatementOptions o = options();
     o.perAccount = true;
     dialogs->clear();
@@ -317,8 +274,7 @@ void tst_IncomeStatement::perAccount()
         captions << line.section(u'|', 0, 1) + u' ' + line.section(u'|', 3, 4);
     QCOMPARE(captions,
         (QStringList { "0| Tuotot|-", "1| Myynti|-", "2| 3010 Avustukset|200.00", "2| 3000 Myynti|1000.00",
-            "2| Myynti|0.00", "1|** Myynti|1200.00", "1| Tyhjä|0.00", "0|** Tuotot|1200.00", "0|- -|-",
-            "1| 4000 Kulut|-400.00", "1| 4010 Vuokrat|0.00", "0|** Kulut|-400.00", "0|** Tulos|800.00" }));
+            "2| Myynti|0.00", "1|** Myynti|1200.00", "1| Tyhjä|0.00", "0|** Tuotot|1200.00" }));
 }
 
 // Terms are taken left to right from the totals written so far: a row computed later is
@@ -336,7 +292,6 @@ void tst_IncomeStatement::formulas_data()
     QTest::newRow("a lowest-level row has no total") << "+7," << qint64(0);
     QTest::newRow("a row of another template by its caption") << "+20," << qint64(1000);
     QTest::newRow("caption compared without case") << "+21," << qint64(1000);
-    QTest::newRow("lone comma") << "," << qint64(0);
 }
 
 void tst_IncomeStatement::formulas()
@@ -344,16 +299,16 @@ void tst_IncomeStatement::formulas()
     QFETCH(QString, kaava);
     QFETCH(qint64, expected);
     f->malli(2, QStringLiteral("Toinen"), 1);
-    f->row({ .id = 1, .teksti = QStringLiteral("Tuotot"), .tilit = QStringLiteral("3,") });
-    f->row({ .id = 2, .teksti = QStringLiteral("Kulut"), .tilit = QStringLiteral("5,") });
-    f->row({ .id = 3, .teksti = QStringLiteral("Sama"), .tilit = QStringLiteral("3,") });
-    f->row({ .id = 8, .teksti = QStringLiteral("Sama"), .order = 5, .tilit = QStringLiteral("4,") });
-    f->row({ .id = 6, .teksti = QStringLiteral("Ryhmä") });
-    f->row({ .id = 7, .teksti = QStringLiteral("Alarivi"), .parent = 6, .tilit = QStringLiteral("3,") });
-    f->row({ .id = 4, .teksti = QStringLiteral("Kaava"), .order = 8, .kaava = kaava, .equation = true });
-    f->row({ .id = 5, .teksti = QStringLiteral("Myöhempi"), .order = 9, .tilit = QStringLiteral("4,") });
-    f->row({ .id = 20, .ma = 2, .teksti = QStringLiteral("Tuotot") });
-    f->row({ .id = 21, .ma = 2, .teksti = QStringLiteral("TUOTOT") });
+    f->row({ .id = 1, .teksti = "Tuotot", .tilit = "3," });
+    f->row({ .id = 2, .teksti = "Kulut", .tilit = "5," });
+    f->row({ .id = 3, .teksti = "Sama", .tilit = "3," });
+    f->row({ .id = 8, .teksti = "Sama", .order = 5, .tilit = "4," });
+    f->row({ .id = 6, .teksti = "Ryhmä" });
+    f->row({ .id = 7, .teksti = "Alarivi", .parent = 6, .tilit = "3," });
+    f->row({ .id = 4, .teksti = "Kaava", .order = 8, .kaava = kaava, .equation = true });
+    f->row({ .id = 5, .teksti = "Myöhempi", .order = 9, .tilit = "4," });
+    f->row({ .id = 20, .ma = 2, .teksti = "Tuotot" });
+    f->row({ .id = 21, .ma = 2, .teksti = "TUOTOT" });
     book(QStringLiteral("2012-02-01"), 3, 100000);
     book(QStringLiteral("2012-02-01"), 4, 77700);
     book(QStringLiteral("2012-02-01"), 5, -40000);
@@ -367,9 +322,9 @@ void tst_IncomeStatement::formulas()
 // table keeps what it held. Captions that no formula looks up may hold one.
 void tst_IncomeStatement::apostropheInALookedUpCaption()
 {
-    f->row({ .id = 1, .teksti = QStringLiteral("Jäsenten 'oma' toiminta"), .tilit = QStringLiteral("3,") });
-    f->row({ .id = 2, .teksti = QStringLiteral("Tulos"), .kaava = QStringLiteral("+3,"), .equation = true });
-    f->row({ .id = 3, .teksti = QStringLiteral("Kulut"), .tilit = QStringLiteral("5,") });
+    f->row({ .id = 1, .teksti = "Jäsenten 'oma' toiminta", .tilit = "3," });
+    f->row({ .id = 2, .teksti = "Tulos", .kaava = "+3,", .equation = true });
+    f->row({ .id = 3, .teksti = "Kulut", .tilit = "5," });
     dialogs->clear();
     IncomeStatement::run(f->db(), options());
     QCOMPARE(f->count(QStringLiteral("tula")), 4);
@@ -385,7 +340,7 @@ void tst_IncomeStatement::apostropheInALookedUpCaption()
 
 void tst_IncomeStatement::noTurnoverRow()
 {
-    f->row({ .id = 1, .teksti = QStringLiteral("Tuotot"), .tilit = QStringLiteral("3,") });
+    f->row({ .id = 1, .teksti = "Tuotot", .tilit = "3," });
     book(QStringLiteral("2012-02-01"), 3, 100000);
     dialogs->clear();
     IncomeStatement::run(f->db(), options());
@@ -405,17 +360,13 @@ void tst_IncomeStatement::damagedTemplatesFinish_data()
     QTest::addColumn<QList<Row>>("rows");
     QTest::addColumn<int>("lines");
     QTest::newRow("empty template") << QList<Row> {} << 0;
-    QTest::newRow("cycle outside the tree")
-        << QList<Row> { { .id = 1, .teksti = QStringLiteral("A"), .tilit = QStringLiteral("3,") },
-               { .id = 2, .teksti = QStringLiteral("B"), .parent = 3, .turnover = true },
-               { .id = 3, .teksti = QStringLiteral("C"), .parent = 2, .tilit = QStringLiteral("4,") },
-               { .id = 4, .teksti = QStringLiteral("D"), .parent = 4 } }
-        << 1;
-    QTest::newRow("missing group") << QList<Row> { { .id = 1, .teksti = QStringLiteral("A"), .parent = 77 } }
-                                   << 0;
-    QTest::newRow("formula naming itself") << QList<Row> {
-        { .id = 1, .teksti = QStringLiteral("F"), .kaava = QStringLiteral("+1,+1,"), .equation = true }
-    } << 1;
+    QTest::newRow("cycle outside the tree") << QList<Row> { { .id = 1, .teksti = "A", .tilit = "3," },
+        { .id = 2, .teksti = "B", .parent = 3, .turnover = true },
+        { .id = 3, .teksti = "C", .parent = 2, .tilit = "4," }, { .id = 4, .teksti = "D", .parent = 4 } }
+                                            << 1;
+    QTest::newRow("missing group") << QList<Row> { { .id = 1, .teksti = "A", .parent = 77 } } << 0;
+    QTest::newRow("formula naming itself")
+        << QList<Row> { { .id = 1, .teksti = "F", .kaava = "+1,+1,", .equation = true } } << 1;
 }
 
 void tst_IncomeStatement::damagedTemplatesFinish()

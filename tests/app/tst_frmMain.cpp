@@ -1,5 +1,3 @@
-#include "Dates.h"
-#include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
 #include "TestEnv.h"
 #include "frmMain.h"
@@ -7,10 +5,8 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QDialog>
 #include <QDir>
 #include <QFile>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -20,24 +16,61 @@
 #include <QTest>
 #include <QTextBrowser>
 #include <QTimer>
+#include <functional>
 
 namespace {
 
-// A main window started on a small association database, or on a missing file refused.
+enum class Books { Writable, ReadOnly, Missing };
+
+// A main window started on a small association's books, on the same books kept read-only, or
+// on a missing file refused.
 struct StartedWindow {
-    explicit StartedWindow(TestEnv& env, bool withDatabase)
+    explicit StartedWindow(TestEnv& env, Books books = Books::Writable)
+        : file(env.path(QStringLiteral("kerho.mdb")))
     {
-        const QString file = env.path(QStringLiteral("kerho.mdb"));
-        if (withDatabase)
+        if (books != Books::Missing)
             TestEnv::createDatabase(file);
-        else
+        if (books == Books::ReadOnly)
+            QFile::setPermissions(file, QFileDevice::ReadOwner);
+        if (books != Books::Writable)
             dialogs.answerNo();
         env.writeIni("[VORKAM]\nDatabase=" + file.toUtf8() + "\n");
         window.startUp();
     }
+    QString file;
     ScriptedDialogs dialogs;
     frmMain window;
 };
+
+// Clicks the button of that name, or triggers the menu command.
+void run(frmMain& w, const QString& command)
+{
+    if (auto* button = w.findChild<QPushButton*>(command))
+        button->click();
+    else
+        w.findChild<QAction*>(command)->trigger();
+}
+
+// Hands the next modal window to `work` once the event loop shows it.
+void onNextModal(QWidget& owner, const std::function<void(QWidget&)>& work)
+{
+    QTimer::singleShot(0, &owner, [work] {
+        if (QWidget* modal = QApplication::activeModalWidget())
+            work(*modal);
+    });
+}
+
+// The entries of 100,00 typed in these tests that reached the books in `file`.
+int typedRows(const QString& file)
+{
+    int n = -1;
+    withDatabase(file, [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        if (q.exec(QStringLiteral("SELECT COUNT(*) FROM vi WHERE viArvo = 1000000")) && q.next())
+            n = q.value(0).toInt();
+    });
+    return n;
+}
 
 } // namespace
 
@@ -49,46 +82,48 @@ private slots:
     void commandsFollowTheDatabase();
     void workingWindowsOpenOnce_data();
     void workingWindowsOpenOnce();
-    void manualAndClose();
-    void restoreEndsProgram();
+    void manual();
     void workingWindowsAreLeftFirst_data();
     void workingWindowsAreLeftFirst();
     void readOnlyBooksAreShownNotChanged();
     void aboutWindowOpens();
     void settingsChangeTheCaptionAtOnce();
-    void newBooksFromModelAfterWorkingWindows();
-    void maintenanceLeavesWorkingWindowsFirst();
-    void yearChangeLeavesWorkingWindowsFirst();
 };
 
 void tst_frmMain::commandsFollowTheDatabase_data()
 {
-    QTest::addColumn<bool>("withDatabase");
+    QTest::addColumn<int>("books");
     QTest::addColumn<QString>("caption");
-    QTest::newRow("database open") << true << "Vorkam - kerho - kerho.mdb";
-    QTest::newRow("no database") << false << "Vorkam";
+    QTest::newRow("database open") << int(Books::Writable) << "Vorkam - kerho - kerho.mdb";
+    QTest::newRow("read-only") << int(Books::ReadOnly) << "Vorkam - kerho - kerho.mdb (vain luku)";
+    QTest::newRow("no database") << int(Books::Missing) << "Vorkam";
 }
 
 void tst_frmMain::commandsFollowTheDatabase()
 {
-    QFETCH(bool, withDatabase);
+    QFETCH(int, books);
     QFETCH(QString, caption);
     TestEnv env;
-    StartedWindow started(env, withDatabase);
+    StartedWindow started(env, Books(books));
     frmMain& w = started.window;
     QCOMPARE(w.windowTitle(), caption);
-    // Windows and commands of the books need a database.
+    const auto enabled
+        = [&w](const char* name) { return w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled(); };
+    // Windows and commands of the books need a database; read-only books may be sent too.
+    const bool open = Books(books) != Books::Missing;
     for (const char* name : { "mTositteet", "mTilit", "mTulosJaTase", "mAvausviennit", "mTilinpaatosviennit",
-             "mVarmistus", "mKopiotikkuVarmistus", "mMuokkaaTietokantaa", "mLuoTietokantaNykyisesta",
-             "mTilikaudenVaihto", "mService" })
-        QVERIFY2(w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled() == withDatabase, name);
-    QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->isEnabled(), withDatabase);
-    QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTulosJaTase"))->isEnabled(), withDatabase);
+             "mKopiotikkuVarmistus", "mLuoTietokantaNykyisesta", "mService" })
+        QVERIFY2(enabled(name) == open, name);
+    QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->isEnabled(), open);
+    QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTulosJaTase"))->isEnabled(), open);
+    // Commands that rewrite the books need them writable.
+    for (const char* name : { "mVarmistus", "mMuokkaaTietokantaa", "mTilikaudenVaihto" })
+        QVERIFY2(enabled(name) == (Books(books) == Books::Writable), name);
     // The settings window also mends a database name that leads nowhere; models need no books.
     for (const char* name : { "mPalautus", "mKopiotikkuPalautus", "mKopioTikkuHallinta", "mSulje", "mTietoja",
              "mAsetukset", "mLuoTietokantaMallistaYhdistys", "mLuoTietokantaMallistaAOY",
              "mLuoTietokantaMallistaLions", "mLuoTietokantaMallistaMetalli" })
-        QVERIFY2(w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled(), name);
+        QVERIFY2(enabled(name), name);
 }
 
 void tst_frmMain::workingWindowsOpenOnce_data()
@@ -96,22 +131,16 @@ void tst_frmMain::workingWindowsOpenOnce_data()
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("window");
     QTest::addColumn<QString>("title");
-    QTest::newRow("cTositteet") << "cTositteet"
-                                << "frmNewTositteet"
-                                << "Tositteet";
-    QTest::newRow("mAvausviennit") << "mAvausviennit"
-                                   << "frmNewTositteet"
-                                   << "Avausviennit";
-    QTest::newRow("mTilinpaatosviennit") << "mTilinpaatosviennit"
-                                         << "frmNewTositteet" << QString::fromUtf8("Tilinpäätösviennit");
-    QTest::newRow("cTilit") << "cTilit"
-                            << "frmTilitNew"
-                            << "Tilit";
-    QTest::newRow("mTulosJaTase") << "mTulosJaTase"
-                                  << "frmNewTulosJaTase"
-                                  << "Tuloslaskelma ja tase";
-    QTest::newRow("mService") << "mService"
-                              << "frmService" << QString::fromUtf8("Huoltotiedoston lähetys");
+    const auto row = [](const char* command, const char* window, const char* title) {
+        QTest::newRow(command) << QString::fromLatin1(command) << QString::fromLatin1(window)
+                               << QString::fromUtf8(title);
+    };
+    row("cTositteet", "frmNewTositteet", "Tositteet");
+    row("mAvausviennit", "frmNewTositteet", "Avausviennit");
+    row("mTilinpaatosviennit", "frmNewTositteet", "Tilinpäätösviennit");
+    row("cTilit", "frmTilitNew", "Tilit");
+    row("mTulosJaTase", "frmNewTulosJaTase", "Tuloslaskelma ja tase");
+    row("mService", "frmService", "Huoltotiedoston lähetys");
 }
 
 void tst_frmMain::workingWindowsOpenOnce()
@@ -120,14 +149,10 @@ void tst_frmMain::workingWindowsOpenOnce()
     QFETCH(QString, window);
     QFETCH(QString, title);
     TestEnv env;
-    StartedWindow started(env, true);
+    StartedWindow started(env);
     frmMain& w = started.window;
-    for (int i = 0; i < 2; ++i) {
-        if (auto* button = w.findChild<QPushButton*>(command))
-            button->click();
-        else
-            w.findChild<QAction*>(command)->trigger();
-    }
+    run(w, command);
+    run(w, command);
     const QList<QWidget*> opened = w.findChildren<QWidget*>(window, Qt::FindDirectChildrenOnly);
     QCOMPARE(opened.size(), 1);
     QVERIFY(opened.first()->isWindow());
@@ -137,7 +162,7 @@ void tst_frmMain::workingWindowsOpenOnce()
 
 // The manual opens in Vorkam's own help window, where it can be searched and left; a web
 // browser only on request.
-void tst_frmMain::manualAndClose()
+void tst_frmMain::manual()
 {
     TestEnv env;
     ScriptedDialogs dialogs;
@@ -165,80 +190,76 @@ void tst_frmMain::manualAndClose()
     QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::OpenUrl),
         QStringList {
             QUrl::fromLocalFile(env.programDir() + QStringLiteral("/kayttoohje/index.html")).toString() });
-    QTest::mouseClick(w.findChild<QPushButton*>(QStringLiteral("cSulje")), Qt::LeftButton);
-    QCOMPARE(env.programEnds(), 1);
-    w.findChild<QAction*>(QStringLiteral("mSulje"))->trigger();
-    QCOMPARE(env.programEnds(), 2);
-}
-
-void tst_frmMain::restoreEndsProgram()
-{
-    TestEnv env;
-    ScriptedDialogs dialogs;
-    const QString backup = env.path(QStringLiteral("varmistus.mdb"));
-    const QString target = env.path(QStringLiteral("palautettu.mdb"));
-    QVERIFY(TestEnv::createDatabase(backup));
-    dialogs.answerOpenFile(backup).answerSaveFile(target);
-    frmMain w;
-    w.findChild<QAction*>(QStringLiteral("mPalautus"))->trigger();
-    QCOMPARE(env.programEnds(), 1);
-    QCOMPARE(TestEnv::readFile(target), TestEnv::readFile(backup));
 }
 
 void tst_frmMain::workingWindowsAreLeftFirst_data()
 {
     QTest::addColumn<QString>("command");
-    QTest::newRow("program end by the button") << "cSulje";
-    QTest::newRow("program end by the menu") << "mSulje";
-    QTest::newRow("restore of a backup") << "mPalautus";
+    QTest::addColumn<QString>("input"); // the answer the command asks for
+    QTest::addColumn<int>("ends"); // program ends requested
+    QTest::addColumn<int>("kept"); // typed entries left in the books
+    QTest::addColumn<QString>("modal"); // the window the command opens
+    QTest::newRow("program end by the button") << "cSulje" << QString() << 1 << 1 << QString();
+    QTest::newRow("program end by the menu") << "mSulje" << QString() << 1 << 1 << QString();
+    QTest::newRow("restore of a backup") << "mPalautus" << QString() << 1 << 1 << QString();
+    QTest::newRow("new books from a model") << "mLuoTietokantaMallistaAOY"
+                                            << "taloyhtiö" << 1 << 1 << QString();
+    QTest::newRow("vouchers deleted") << "mMuokkaaTietokantaa"
+                                      << "poista nykyiset tositteet" << 0 << 0 << QString();
+    QTest::newRow("year change") << "mTilikaudenVaihto" << QString() << 0 << 1 << "frmKaudenVaihto";
 }
 
-// Ending the program or replacing the books runs each working window's leave check first: an
-// amount without an account keeps the program open, and rows typed are saved into the books
-// they were typed for, never into restored ones.
+// Ending the program, replacing the books or rewriting them runs each working window's leave
+// check first: an amount without an account stops the command, and rows typed are saved into
+// the books they were typed for, never into restored or new ones.
 void tst_frmMain::workingWindowsAreLeftFirst()
 {
     QFETCH(QString, command);
+    QFETCH(QString, input);
+    QFETCH(int, ends);
+    QFETCH(int, kept);
+    QFETCH(QString, modal);
     TestEnv env;
-    StartedWindow started(env, true);
+    QDir().mkpath(env.programDir() + QStringLiteral("/mallit"));
+    QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/mallit/aoymalli.mdb"),
+        env.programDir() + QStringLiteral("/mallit/aoymalli.mdb")));
+    StartedWindow started(env);
     frmMain& w = started.window;
-    const QString books = env.path(QStringLiteral("kerho.mdb"));
-    const QString backup = env.path(QStringLiteral("varmistus.mdb"));
-    const QString restored = env.path(QStringLiteral("palautettu.mdb"));
-    QVERIFY(TestEnv::createDatabase(backup));
-    const auto run = [&] {
-        if (auto* button = w.findChild<QPushButton*>(command))
-            button->click();
-        else
-            w.findChild<QAction*>(command)->trigger();
-    };
     w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
     auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
     QVERIFY(vouchers);
     QAbstractItemModel* rows = vouchers->findChild<QTableView*>(QStringLiteral("grdViennit"))->model();
     rows->setData(rows->index(4, 1), QStringLiteral("100"));
     started.dialogs.clear();
-    run();
-    QCOMPARE(
-        started.dialogs.transcript(), QStringList { QStringLiteral("information: Tarkista tilivalinta.") });
+    if (!input.isEmpty())
+        started.dialogs.answerInput(input);
+    run(w, command);
+    QVERIFY2(started.dialogs.transcript().endsWith(QStringLiteral("information: Tarkista tilivalinta.")),
+        qPrintable(started.dialogs.transcript().join(u'\n')));
     QCOMPARE(env.programEnds(), 0);
     QVERIFY(vouchers->isVisible());
 
     rows->setData(rows->index(4, 0), QStringLiteral("1910"));
+    const QString backup = env.path(QStringLiteral("varmistus.mdb"));
+    const QString restored = env.path(QStringLiteral("palautettu.mdb"));
+    QVERIFY(TestEnv::createDatabase(backup));
     if (command == u"mPalautus")
         started.dialogs.answerOpenFile(backup).answerSaveFile(restored);
-    run();
-    QCOMPARE(env.programEnds(), 1);
-    const auto typedRows = [](const QString& file) {
-        int n = -1;
-        withDatabase(file, [&](QSqlDatabase& db) {
-            QSqlQuery q(db);
-            if (q.exec(QStringLiteral("SELECT COUNT(*) FROM vi WHERE viArvo = 1000000")) && q.next())
-                n = q.value(0).toInt();
-        });
-        return n;
-    };
-    QCOMPARE(typedRows(books), 1);
+    if (!input.isEmpty())
+        started.dialogs.answerInput(input);
+    QString shown;
+    bool shownOverVouchers = false;
+    onNextModal(w, [&](QWidget& window) {
+        shown = window.objectName();
+        shownOverVouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
+        window.close();
+    });
+    run(w, command);
+    QCOMPARE(shown, modal);
+    QVERIFY(!shownOverVouchers);
+    QVERIFY(!w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
+    QCOMPARE(env.programEnds(), ends);
+    QCOMPARE(typedRows(started.file), kept);
     if (command == u"mPalautus")
         QCOMPARE(typedRows(restored), 0);
 }
@@ -248,20 +269,9 @@ void tst_frmMain::workingWindowsAreLeftFirst()
 void tst_frmMain::readOnlyBooksAreShownNotChanged()
 {
     TestEnv env;
-    ScriptedDialogs dialogs;
-    const QString file = env.path(QStringLiteral("kerho.mdb"));
-    QVERIFY(TestEnv::createDatabase(file));
-    QVERIFY(QFile::setPermissions(file, QFileDevice::ReadOwner));
-    env.writeIni("[VORKAM]\nDatabase=" + file.toUtf8() + "\n");
-    const QByteArray before = TestEnv::readFile(file);
-    dialogs.answerNo();
-    frmMain w;
-    w.startUp();
-    QVERIFY(w.windowTitle().endsWith(QStringLiteral("(vain luku)")));
-    QVERIFY(!w.findChild<QAction*>(QStringLiteral("mVarmistus"))->isEnabled());
-    QVERIFY(!w.findChild<QAction*>(QStringLiteral("mMuokkaaTietokantaa"))->isEnabled());
-    QVERIFY(!w.findChild<QAction*>(QStringLiteral("mTilikaudenVaihto"))->isEnabled());
-    QVERIFY(w.findChild<QAction*>(QStringLiteral("mService"))->isEnabled());
+    StartedWindow started(env, Books::ReadOnly);
+    frmMain& w = started.window;
+    const QByteArray before = TestEnv::readFile(started.file);
     w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
     w.findChild<QPushButton*>(QStringLiteral("cTilit"))->click();
     auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
@@ -276,29 +286,26 @@ void tst_frmMain::readOnlyBooksAreShownNotChanged()
     QVERIFY(!(rows->flags(rows->index(0, 0)) & Qt::ItemIsEditable));
     vouchers->findChild<QPushButton*>(QStringLiteral("cEdellinen"))->click();
     QVERIFY(w.close());
-    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error), QStringList());
-    QCOMPARE(TestEnv::readFile(file), before);
+    QCOMPARE(started.dialogs.texts(ScriptedDialogs::Kind::Error), QStringList());
+    QCOMPARE(TestEnv::readFile(started.file), before);
 }
 
 void tst_frmMain::aboutWindowOpens()
 {
     TestEnv env;
     frmMain w;
-    bool seen = false;
+    QString shown;
     QStringList libraries;
-    QTimer::singleShot(0, [&] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        seen = dialog && dialog->objectName() == QLatin1String("frmAbout");
-        if (!dialog)
-            return;
+    onNextModal(w, [&](QWidget& dialog) {
+        shown = dialog.objectName();
         // Each library with the version actually loaded.
-        const auto* table = dialog->findChild<QTableWidget*>(QStringLiteral("tKirjastot"));
+        const auto* table = dialog.findChild<QTableWidget*>(QStringLiteral("tKirjastot"));
         for (int row = 0; table && row < table->rowCount(); ++row)
             libraries << table->item(row, 0)->text() + u' ' + table->item(row, 1)->text();
-        dialog->accept();
+        dialog.close();
     });
     w.findChild<QAction*>(QStringLiteral("mTietoja"))->trigger();
-    QVERIFY(seen);
+    QCOMPARE(shown, QStringLiteral("frmAbout"));
     QVERIFY2(libraries.contains(QStringLiteral("Qt ") + QString::fromLatin1(qVersion())),
         qPrintable(libraries.join(u',')));
     QVERIFY2(libraries.filter(QRegularExpression(QStringLiteral("^SQLite 3\\.\\d+"))).size() == 1,
@@ -308,104 +315,22 @@ void tst_frmMain::aboutWindowOpens()
 void tst_frmMain::settingsChangeTheCaptionAtOnce()
 {
     TestEnv env;
-    StartedWindow started(env, true);
+    StartedWindow started(env);
     frmMain& w = started.window;
-    bool seen = false;
-    QTimer::singleShot(0, [&] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        seen = dialog && dialog->objectName() == QLatin1String("frmAsetukset");
-        if (!dialog)
-            return;
-        auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("tSeurannimi"));
+    QString shown;
+    onNextModal(w, [&](QWidget& dialog) {
+        shown = dialog.objectName();
+        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("tSeurannimi"));
         name->selectAll();
         QTest::keyClicks(name, QStringLiteral("Kerho O'Hara ry"));
-        dialog->findChild<QPushButton*>(QStringLiteral("cTallenna"))->click();
-        dialog->findChild<QPushButton*>(QStringLiteral("cSulje"))->click();
+        dialog.findChild<QPushButton*>(QStringLiteral("cTallenna"))->click();
+        dialog.findChild<QPushButton*>(QStringLiteral("cSulje"))->click();
     });
     w.findChild<QAction*>(QStringLiteral("mAsetukset"))->trigger();
-    QVERIFY(seen);
+    QCOMPARE(shown, QStringLiteral("frmAsetukset"));
     QCOMPARE(w.windowTitle(), QStringLiteral("Vorkam - Kerho O'Hara ry - kerho.mdb"));
     QCOMPARE(started.dialogs.transcript(), QStringList());
     QCOMPARE(env.programEnds(), 0);
-}
-
-// A new association's books are made only after the working windows have been left: rows typed
-// are saved into the books they were typed for, then the program ends on the new setting.
-void tst_frmMain::newBooksFromModelAfterWorkingWindows()
-{
-    TestEnv env;
-    StartedWindow started(env, true);
-    frmMain& w = started.window;
-    QDir().mkpath(env.programDir() + QStringLiteral("/mallit"));
-    QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/mallit/aoymalli.mdb"),
-        env.programDir() + QStringLiteral("/mallit/aoymalli.mdb")));
-    w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
-    auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
-    QAbstractItemModel* rows = vouchers->findChild<QTableView*>(QStringLiteral("grdViennit"))->model();
-    rows->setData(rows->index(4, 0), QStringLiteral("1910"));
-    rows->setData(rows->index(4, 1), QStringLiteral("100"));
-    started.dialogs.clear();
-    started.dialogs.answerInput(QStringLiteral("taloyhtiö"));
-    w.findChild<QAction*>(QStringLiteral("mLuoTietokantaMallistaAOY"))->trigger();
-    QCOMPARE(env.programEnds(), 1);
-    QVERIFY(!w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
-    const QString created = env.path(QStringLiteral("data/taloyhti.mdb"));
-    QVERIFY(QFile::exists(created));
-    QVERIFY(env.readIni().contains(QStringLiteral("Database=") + created));
-    int typed = -1;
-    withDatabase(env.path(QStringLiteral("kerho.mdb")), [&](QSqlDatabase& db) {
-        QSqlQuery q(db);
-        if (q.exec(QStringLiteral("SELECT COUNT(*) FROM vi WHERE viArvo = 1000000")) && q.next())
-            typed = q.value(0).toInt();
-    });
-    QCOMPARE(typed, 1);
-}
-
-void tst_frmMain::maintenanceLeavesWorkingWindowsFirst()
-{
-    TestEnv env;
-    StartedWindow started(env, true);
-    frmMain& w = started.window;
-    w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
-    QVERIFY(w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
-    started.dialogs.clear();
-    started.dialogs.answerInput(QStringLiteral("poista nykyiset tositteet"));
-    w.findChild<QAction*>(QStringLiteral("mMuokkaaTietokantaa"))->trigger();
-    // The window showing the vouchers was left before they were deleted, and wrote nothing back.
-    QVERIFY(!w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
-    QVERIFY(started.dialogs.transcript().last().startsWith(
-        QStringLiteral("information: Nykyiset tositteet poistettu.\nVarmuuskopio ennen muutosta: ")));
-    int vouchers = -1;
-    withDatabase(env.path(QStringLiteral("kerho.mdb")), [&](QSqlDatabase& db) {
-        QSqlQuery q(db);
-        if (q.exec(QStringLiteral("SELECT COUNT(*) FROM \"to\"")) && q.next())
-            vouchers = q.value(0).toInt();
-    });
-    QCOMPARE(vouchers, 0);
-    QCOMPARE(env.programEnds(), 0);
-}
-
-// The year change leaves the working windows first and opens its own window over the books.
-void tst_frmMain::yearChangeLeavesWorkingWindowsFirst()
-{
-    TestEnv env;
-    StartedWindow started(env, true);
-    frmMain& w = started.window;
-    w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
-    QVERIFY(w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
-    QString shown;
-    QTimer::singleShot(0, &w, [&] {
-        QWidget* window = QApplication::activeModalWidget();
-        if (!window)
-            return;
-        shown = window->objectName() + u' '
-            + window->findChild<QLabel*>(QStringLiteral("lblTilikausiAlku"))->text();
-        QVERIFY(!w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
-        window->findChild<QPushButton*>(QStringLiteral("cPeru"))->click();
-    });
-    w.findChild<QAction*>(QStringLiteral("mTilikaudenVaihto"))->trigger();
-    QCOMPARE(shown,
-        QStringLiteral("frmKaudenVaihto ") + Dates::format(ProgramSettings::bookkeeping().TilikausiAlku));
 }
 
 QTEST_MAIN(tst_frmMain)

@@ -384,6 +384,9 @@ private slots:
         const auto doc
             = k.raportti(KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu));
         const ReportPage page = doc->page(0);
+        const auto right = [&](const TextRun& r) {
+            return r.x + TextMetrics::width(doc->fonts()[r.font], page.runBytes(r), r.length);
+        };
         QString pieces;
         int lines = 0;
         for (const TextRun& run : page.runs) {
@@ -393,16 +396,10 @@ private slots:
             pieces += (pieces.isEmpty() ? QString() : QStringLiteral(" ")) + text;
             ++lines;
             // Within the page's printable width, and alone on its line.
-            const float w = TextMetrics::width(doc->fonts()[run.font], page.runBytes(run), run.length);
-            QVERIFY(run.x + w <= float(doc->pageSize().width()) - 42);
+            QVERIFY(right(run) <= float(doc->pageSize().width()) - 42);
             for (const TextRun& other : page.runs)
                 if (&other != &run && std::abs(other.y - run.y) < 1)
-                    QVERIFY2(other.x >= run.x + w
-                            || other.x
-                                    + TextMetrics::width(
-                                        doc->fonts()[other.font], page.runBytes(other), other.length)
-                                <= run.x,
-                        qPrintable(page.runText(other)));
+                    QVERIFY2(other.x >= right(run) || right(other) <= run.x, qPrintable(page.runText(other)));
         }
         QVERIFY(lines >= (vaaka ? 2 : 3));
         QCOMPARE(pieces, selite.trimmed());

@@ -38,6 +38,12 @@ template <typename R> QString reread(qint32 id, QString (R::*get)() const)
     return r.Load(id) ? (r.*get)() : QStringLiteral("<ei riviä>");
 }
 
+QString rereadTili(qint32 id, QString (cTili::*get)() const)
+{
+    cTili r(VoucherFixture::db());
+    return r.Read(id) ? (r.*get)() : QStringLiteral("<ei riviä>");
+}
+
 qint32 newTili(const QString& nimi, const QString& kuvaus)
 {
     static qint32 numero = 5000;
@@ -73,16 +79,10 @@ QList<TextField> fields()
     QList<TextField> list {
         { "tili nimi", RecordText::NameLength,
             [](const QString& t) { return newTili(t, QStringLiteral("k")); },
-            [](qint32 id) {
-                cTili r(VoucherFixture::db());
-                return r.Read(id) ? r.Nimi() : QString();
-            } },
+            [](qint32 id) { return rereadTili(id, &cTili::Nimi); } },
         { "tili kuvaus", RecordText::DescriptionLength,
             [](const QString& t) { return newTili(QStringLiteral("n"), t); },
-            [](qint32 id) {
-                cTili r(VoucherFixture::db());
-                return r.Read(id) ? r.Kuvaus() : QString();
-            } },
+            [](qint32 id) { return rereadTili(id, &cTili::Kuvaus); } },
         { "tosite selite", RecordText::DescriptionLength, newTosite,
             [](qint32 id) { return reread<cTosite>(id, &cTosite::Selite); } },
         { "vienti selite", RecordText::DescriptionLength,

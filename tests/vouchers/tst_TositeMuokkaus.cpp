@@ -113,6 +113,7 @@ private slots:
         QCOMPARE(f->totalChanges(), before);
     }
 
+    // Each command that leaves the voucher runs the account check (closing: the window's test).
     void accountCheckBlocksLeaving_data()
     {
         QTest::addColumn<QString>("command");
@@ -123,7 +124,6 @@ private slots:
         QTest::newRow("previous") << "edellinen" << true;
         QTest::newRow("first") << "ensimmainen" << false;
         QTest::newRow("a line of the list") << "lataa" << true;
-        QTest::newRow("close") << "sulje" << true;
     }
     void accountCheckBlocksLeaving()
     {
@@ -139,8 +139,7 @@ private slots:
             : command == u"uusi"               ? m->uusi()
             : command == u"edellinen"          ? m->siirry(Siirto::Edellinen)
             : command == u"ensimmainen"        ? m->siirry(Siirto::Ensimmainen)
-            : command == u"lataa"              ? m->lataa(first)
-                                               : m->sulje();
+                                               : m->lataa(first);
         QVERIFY(!ok);
         QCOMPARE(dialogs->transcript(), QStringList { CheckAccounts });
         QCOMPARE(m->tosite().ToId(), id);
@@ -179,18 +178,14 @@ private slots:
                                                      "tilikauteen!\n\nTilikausi: 1.1.2011 - 31.12.2011") }
                    : QStringList());
         if (!date.isValid()) {
-            // A voucher is never stored without a date: saving and leaving ask for it and keep
-            // the voucher on screen, its stored date as it was.
-            const QString ask = QString::fromUtf8("information: Tositteelta puuttuu päivämäärä. Kirjoita "
-                                                  "päivämäärä (p.k.vvvv) ennen kuin jatkat.");
-            QVERIFY(!m->tallenna());
-            QVERIFY(m->pvmPuuttuu());
+            // Leaving asks for a date and keeps the voucher (saving: the window's wrong date test).
             QVERIFY(!m->sulje());
-            QCOMPARE(dialogs->transcript(), (QStringList { ask, ask }));
+            QVERIFY(m->pvmPuuttuu());
+            QCOMPARE(dialogs->transcript().size(), 1);
             QVERIFY(
                 Dates::fromSql(f->value(QStringLiteral("SELECT toPvm FROM \"to\"")).toString()).isValid());
             QVERIFY(m->setPaiva(QDate(2011, 5, 1)));
-            QVERIFY(m->tallenna());
+            QVERIFY(m->sulje());
             QVERIFY(!m->pvmPuuttuu());
             return;
         }

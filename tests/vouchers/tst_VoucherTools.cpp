@@ -81,6 +81,15 @@ class tst_VoucherTools : public QObject {
     {
         return w.findChildren<QAction*>(QStringLiteral("mTositepohjaX"));
     }
+    // The texts of the quick select items shown in the menu.
+    static QStringList shown(QWidget& w)
+    {
+        QStringList out;
+        for (QAction* a : quickSelect(w))
+            if (a->isVisible())
+                out << a->text();
+        return out;
+    }
 
 private slots:
     void init()
@@ -228,11 +237,7 @@ private slots:
         w.show();
         QList<QAction*> actions = quickSelect(w);
         QCOMPARE(actions.size(), 4);
-        QStringList shown;
-        for (QAction* a : actions)
-            if (a->isVisible())
-                shown << a->text();
-        QCOMPARE(shown, QStringList { QStringLiteral("(&2) Vuokra && vastike") });
+        QCOMPARE(shown(w), QStringList { QStringLiteral("(&2) Vuokra && vastike") });
         actions[1]->trigger();
         QCOMPARE(w.curTosite().Numero(), 2);
         QCOMPARE(w.curTosite().Selite(), QStringLiteral("Toimiston vuokra"));
@@ -257,12 +262,8 @@ private slots:
         QTest::keyClick(combo, Qt::Key_3);
         QCOMPARE(combo->currentText(), QStringLiteral("3"));
         child<QPushButton>(*pohjat, "cTallenna")->click();
-        shown.clear();
-        for (QAction* a : quickSelect(w))
-            if (a->isVisible())
-                shown << a->text();
-        QCOMPARE(
-            shown, (QStringList { QStringLiteral("(&2) Vuokra && vastike"), QStringLiteral("(&3) Ilman") }));
+        QCOMPARE(shown(w),
+            (QStringList { QStringLiteral("(&2) Vuokra && vastike"), QStringLiteral("(&3) Ilman") }));
 
         // Deleting the template in use takes its item away.
         lista->setCurrentRow(1);
@@ -271,11 +272,7 @@ private slots:
         dialogs->answerYes();
         child<QPushButton>(*pohjat, "cPoista")->click();
         QCOMPARE(f->count(QStringLiteral("vipPohjat"), QStringLiteral("viptpID = %1").arg(tp)), 0);
-        shown.clear();
-        for (QAction* a : quickSelect(w))
-            if (a->isVisible())
-                shown << a->text();
-        QCOMPARE(shown, QStringList { QStringLiteral("(&3) Ilman") });
+        QCOMPARE(shown(w), QStringList { QStringLiteral("(&3) Ilman") });
         QVERIFY(pohjat->close());
     }
 

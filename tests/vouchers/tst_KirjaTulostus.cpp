@@ -266,6 +266,9 @@ private slots:
         k.vienti(t2, 999, "D", "3");
         k.f.exec(QStringLiteral(
             "INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (9, '2011-08-01', 'Tyhjä')"));
+        // A voucher numbered below 0 is neither in the journal nor among the ledger's rows.
+        k.vienti(k.f.addTosite(-1, {}, QStringLiteral("2011-08-02"), QStringLiteral("Kantaja")), k.pankki,
+            "D", "2");
         for (const Laji laji : { Laji::Tavallinen, Laji::Avaus, Laji::Paatos }) {
             for (const QDate& alku : { Alku, QDate(2011, 7, 1) }) {
                 ReportJob journal = KirjaTulostus::paivakirja(VoucherFixture::db(), laji, alku, Loppu);

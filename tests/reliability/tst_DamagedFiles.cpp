@@ -16,10 +16,8 @@
 
 #include <unistd.h>
 
-// Damaged and foreign files where Vorkam expects books: each goes through the start-up, the
-// settings window's change of database, the restore from a backup stick and vorkam_report.
-// None may crash Vorkam; each is told to the user; the file keeps its bytes unless the repair
-// ran, and then the damaged original is kept beside the repaired books.
+// Damaged and foreign files where Vorkam expects books: none may crash Vorkam, each is told to
+// the user, and the file keeps its bytes unless the repair ran and kept the original beside it.
 
 namespace {
 
@@ -128,11 +126,6 @@ bool make(const TestEnv& env, const QString& kind, const QString& file)
     return false;
 }
 
-bool needsPermissions(const QString& kind)
-{
-    return kind == u"no read permission" || kind == u"read-only file and folder";
-}
-
 struct Report {
     int code = -1;
     bool crashed = false;
@@ -161,18 +154,16 @@ class tst_DamagedFiles : public QObject {
     Q_OBJECT
 
 private slots:
-    void corpus_data();
+    void initTestCase_data();
+    void init();
     void startup();
-    void startup_data() { corpus_data(); }
     void settingsWindow();
-    void settingsWindow_data() { corpus_data(); }
     void restoreFromStick();
-    void restoreFromStick_data() { corpus_data(); }
     void report();
-    void report_data() { corpus_data(); }
 };
 
-void tst_DamagedFiles::corpus_data()
+// Every test runs on every kind of file.
+void tst_DamagedFiles::initTestCase_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<int>("start");
@@ -194,14 +185,19 @@ void tst_DamagedFiles::corpus_data()
     row("template group cycle", Opened);
 }
 
+void tst_DamagedFiles::init()
+{
+    QFETCH_GLOBAL(QString, kind);
+    if ((kind == u"no read permission" || kind == u"read-only file and folder") && ::geteuid() == 0)
+        QSKIP("run as root: file permissions do not stop reading or writing");
+}
+
 // The start-up as the program runs it: the books named in the ini file are opened, checked,
 // upgraded and their settings read. Every question is answered no.
 void tst_DamagedFiles::startup()
 {
-    QFETCH(QString, kind);
-    QFETCH(int, start);
-    if (needsPermissions(kind) && ::geteuid() == 0)
-        QSKIP("run as root: file permissions do not stop reading or writing");
+    QFETCH_GLOBAL(QString, kind);
+    QFETCH_GLOBAL(int, start);
     TestEnv env;
     const QString file = env.path(QStringLiteral("data/seura.mdb"));
     QVERIFY(make(env, kind, file));
@@ -241,10 +237,8 @@ void tst_DamagedFiles::startup()
 // unless the start-up could use it, and never changed.
 void tst_DamagedFiles::settingsWindow()
 {
-    QFETCH(QString, kind);
-    QFETCH(int, start);
-    if (needsPermissions(kind) && ::geteuid() == 0)
-        QSKIP("run as root: file permissions do not stop reading or writing");
+    QFETCH_GLOBAL(QString, kind);
+    QFETCH_GLOBAL(int, start);
     TestEnv env;
     const QString file = env.path(QStringLiteral("muut/seura.mdb"));
     QVERIFY(make(env, kind, file));
@@ -275,10 +269,8 @@ void tst_DamagedFiles::settingsWindow()
 // folder, and neither file changes.
 void tst_DamagedFiles::restoreFromStick()
 {
-    QFETCH(QString, kind);
-    QFETCH(int, start);
-    if (needsPermissions(kind) && ::geteuid() == 0)
-        QSKIP("run as root: file permissions do not stop reading or writing");
+    QFETCH_GLOBAL(QString, kind);
+    QFETCH_GLOBAL(int, start);
     TestEnv env;
     const QString copy = env.path(Stick);
     QVERIFY(make(env, kind, copy));
@@ -303,10 +295,8 @@ void tst_DamagedFiles::restoreFromStick()
 // report; the voucher check changes nothing in a file that is not sound books.
 void tst_DamagedFiles::report()
 {
-    QFETCH(QString, kind);
-    QFETCH(int, start);
-    if (needsPermissions(kind) && ::geteuid() == 0)
-        QSKIP("run as root: file permissions do not stop reading or writing");
+    QFETCH_GLOBAL(QString, kind);
+    QFETCH_GLOBAL(int, start);
     TestEnv env;
     const QString file = env.path(QStringLiteral("data/seura.mdb"));
     QVERIFY(make(env, kind, file));
@@ -337,11 +327,5 @@ void tst_DamagedFiles::report()
         QCOMPARE(hashOf(file), before);
 }
 
-int main(int argc, char** argv)
-{
-    QCoreApplication app(argc, argv);
-    tst_DamagedFiles test;
-    QTEST_SET_MAIN_SOURCE_PATH
-    return QTest::qExec(&test, argc, argv);
-}
+QTEST_GUILESS_MAIN(tst_DamagedFiles)
 #include "tst_DamagedFiles.moc"

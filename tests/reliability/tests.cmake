@@ -2,7 +2,7 @@
 # process at random moments inside each operation and checks the books it leaves; CTest runs a
 # short round per operation (`vorkam_powercut --trials 200` is the long one).
 add_executable(vorkam_powercut reliability/vorkam_powercut.cpp)
-target_link_libraries(vorkam_powercut PRIVATE vorkam_core vorkam_warnings)
+target_link_libraries(vorkam_powercut PRIVATE vorkam_logic vorkam_warnings)
 target_compile_definitions(vorkam_powercut PRIVATE VORKAM_BIN_DIR="${VORKAM_BIN_DIR}")
 set_target_properties(vorkam_powercut PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
 add_dependencies(vorkam_powercut vorkam_data)

@@ -47,9 +47,8 @@ class tst_cTiliTarkastelut final : public QObject {
     Q_OBJECT
 
 private slots:
-    // Date order, the day's entries in voucher and stored order, the running balance and the
-    // totals; the carrier voucher −1 and an automatic entry an earlier version stored never
-    // appear; the year's computed result follows last, without a voucher, and counts.
+    // Rows in date and voucher order with the running balance and totals; no carrier voucher −1
+    // or stored automatic entry; the year's computed result last.
     void runningBalance()
     {
         Kirjanpito k;

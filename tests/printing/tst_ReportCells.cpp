@@ -6,9 +6,8 @@
 
 namespace {
 
-// Vouchers as groups: the number and date shown in the header line's cells and hidden in the
-// entry rows, the description spanning the rest of the line, a footer line after each
-// voucher's total and a summary at the end.
+// Vouchers as groups: number and date in the header line's cells, hidden in the entry rows;
+// the description spans the rest of the line; a footer line after each voucher's total.
 const QByteArray Vouchers = R"({
   "query": { "select": "SELECT 1" },
   "formulas": { "Seurannimi": "", "Otsake": "Kokeilu", "Lkm": "0" },

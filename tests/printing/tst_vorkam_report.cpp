@@ -9,9 +9,8 @@ class tst_vorkam_report final : public QObject {
     Q_OBJECT
 
 private slots:
-    // The books are opened without reading the whole file first; a damaged page of the entries
-    // met in the middle of a report still ends in the message and exit code 3, with no file
-    // written, whichever report reads it.
+    // A damaged page of the entries met in the middle of any report ends in the message and
+    // exit code 3, with no file written.
     void damagedPageMidReport_data()
     {
         QTest::addColumn<QString>("report");
@@ -49,23 +48,31 @@ private slots:
 
     void refusals_data()
     {
-        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QByteArray>("content"); // empty for the demo association
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("message");
+        const auto demo = [](const char* tag, const QStringList& args, int code, const char* message) {
+            QTest::newRow(tag) << QByteArray() << args << code << QString::fromUtf8(message);
+        };
         QByteArray jet(2048, '\0');
         jet.replace(0, 19, QByteArray("\x00\x01\x00\x00Standard Jet DB", 19));
         // Other foreign files are tst_DamagedFiles' (exit 3); a Jet file gets its own advice.
         QTest::newRow("Jet file") << jet << QStringList { "tilit" } << 3 << "Jet-tietokanta";
-        QTest::newRow("unknown report")
-            << QByteArray() << QStringList { "kassakirja" } << 2 << "Raporttia kassakirja ei ole.";
-        QTest::newRow("option the report does not take")
-            << QByteArray() << QStringList { "tilit", "--account", "1910" } << 2
-            << "ei käytä valitsinta --account";
-        QTest::newRow("invalid date")
-            << QByteArray() << QStringList { "tilit", "--from", "31.2.2011", "--to", "1.3.2011" } << 2
-            << "Päivämäärä 31.2.2011 ei ole muotoa p.k.vvvv";
-        QTest::newRow("no output") << QByteArray() << QStringList { "tilit" } << 2 << "Anna tulostiedosto";
+        demo("unknown report", { "kassakirja" }, 2, "Raporttia kassakirja ei ole.");
+        demo("option the report does not take", { "tilit", "--account", "1910" }, 2,
+            "ei käytä valitsinta --account");
+        demo("kind the balances do not take", { "tilisald", "--kind", "closing" }, 2,
+            "ei käytä valitsinta --kind");
+        demo("invalid date", { "tilit", "--from", "31.2.2011", "--to", "1.3.2011" }, 2,
+            "Päivämäärä 31.2.2011 ei ole muotoa p.k.vvvv");
+        demo("reversed period", { "paakirja", "--from", "2.1.1990", "--to", "1.1.1990" }, 2,
+            "Alkupäivämäärä on loppupäivämäärän jälkeen.");
+        demo("no output", { "tilit" }, 2, "Anna tulostiedosto");
+        demo("period outside the year", { "paivakirja", "--from", "1.1.1990", "--to", "2.1.1990" }, 1,
+            "Alkupäivämäärä ei kuulu tilikauteen");
+        demo("inspection without an account", { "tilitark" }, 1, "Anna tarkasteltava tili");
+        demo("unknown account", { "tilitark", "--account", "9999" }, 1, "Tiliä 9999 ei ole.");
     }
     void refusals()
     {
@@ -76,7 +83,7 @@ private slots:
         TestEnv env;
         const QString books = env.path(QStringLiteral("kirjat.mdb"));
         if (content.isEmpty())
-            QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
+            QVERIFY(ReportCommand::copyBuilt(QStringLiteral("demo1.mdb"), books));
         else
             QVERIFY(TestEnv::writeFile(books, content));
         const QString pdf = env.path(QStringLiteral("r.pdf"));

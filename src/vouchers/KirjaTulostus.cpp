@@ -463,11 +463,6 @@ std::shared_ptr<const PaivakirjanRivit> paivakirjanRivit(
     return rivit;
 }
 
-Summat paivakirjanSummat(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu)
-{
-    return paivakirjanRivit(db, laji, alku, loppu)->summat;
-}
-
 QString valintakaava(Kirja kirja, Laji laji, const QDate& alku, const QDate& loppu)
 {
     const QString paivat = QStringLiteral("{to.toPvm} <= ") + date(loppu)

@@ -36,8 +36,6 @@ struct Summat {
     qint64 vienteja() const { return debetVienteja + kreditVienteja; }
     Money erotus() const { return debet - kredit; }
 };
-// Throws DatabaseError.
-Summat paivakirjanSummat(const QSqlDatabase& db, Laji laji, const QDate& alku, const QDate& loppu);
 
 // The record-selection formula of a book, kind and period.
 QString valintakaava(Kirja kirja, Laji laji, const QDate& alku, const QDate& loppu);

@@ -32,6 +32,7 @@
 #include <QAbstractButton>
 #include <QFile>
 #include <QGroupBox>
+#include <QKeySequence>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -44,19 +45,6 @@
 #include <map>
 
 namespace {
-
-// The letter after a single '&', lower case; none when the text has no mnemonic.
-QChar mnemonic(const QString& text)
-{
-    for (qsizetype i = 0; i + 1 < text.size(); ++i) {
-        if (text.at(i) != u'&')
-            continue;
-        if (text.at(i + 1) != u'&')
-            return text.at(i + 1).toLower();
-        ++i;
-    }
-    return {};
-}
 
 // Collects the faults of one keyboard scope: a command without a letter, or two on one letter.
 class Scope {
@@ -71,22 +59,22 @@ public:
         const QString shown = QString(text).remove(u'&');
         if (shown.trimmed().isEmpty())
             return;
-        const QChar letter = mnemonic(text);
-        if (letter.isNull()) {
+        const QKeySequence key = QKeySequence::mnemonic(text);
+        if (key.isEmpty()) {
             if (needed)
                 m_faults << QStringLiteral("%1: \"%2\" has no mnemonic").arg(m_name, shown);
             return;
         }
-        const auto [it, fresh] = m_used.emplace(letter, shown);
+        const auto [it, fresh] = m_used.emplace(key[0].toCombined(), shown);
         if (!fresh)
-            m_faults << QStringLiteral("%1: \"%2\" and \"%3\" share Alt+%4")
-                            .arg(m_name, it->second, shown, letter);
+            m_faults << QStringLiteral("%1: \"%2\" and \"%3\" share %4")
+                            .arg(m_name, it->second, shown, key.toString());
     }
 
 private:
     QString m_name;
     QStringList& m_faults;
-    std::map<QChar, QString> m_used;
+    std::map<int, QString> m_used;
 };
 
 void walkMenu(const QString& path, QMenu* menu, QStringList& faults)

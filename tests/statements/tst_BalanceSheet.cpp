@@ -24,34 +24,22 @@ void chart()
 void templates()
 {
     StatementFixture::malli(1, QStringLiteral("Tuloslaskelma"), 1);
+    StatementFixture::row({ .id = 1, .teksti = "Tuotot", .tilit = "3,", .turnover = true });
+    StatementFixture::row({ .id = 2, .teksti = "Kulut", .tilit = "5," });
     StatementFixture::row(
-        { .id = 1, .teksti = QStringLiteral("Tuotot"), .tilit = QStringLiteral("3,"), .turnover = true });
-    StatementFixture::row({ .id = 2, .teksti = QStringLiteral("Kulut"), .tilit = QStringLiteral("5,") });
-    StatementFixture::row({ .id = 4,
-        .teksti = QStringLiteral("Ylijäämä"),
-        .kaava = QStringLiteral("+1,+2,"),
-        .equation = true,
-        .profit = true });
+        { .id = 4, .teksti = "Ylijäämä", .kaava = "+1,+2,", .equation = true, .profit = true });
     StatementFixture::malli(2, QStringLiteral("Tase"), 2, 1);
     const auto row = [](Row r) {
         r.ma = 2;
         StatementFixture::row(r);
     };
-    row({ .id = 10, .teksti = QStringLiteral("Vastaavaa"), .side = QStringLiteral("D") });
-    row({ .id = 11,
-        .teksti = QStringLiteral("Rahat"),
-        .parent = 10,
-        .tilit = QStringLiteral("1,"),
-        .side = QStringLiteral("D") });
-    row({ .id = 20, .teksti = QStringLiteral("Vastattavaa") });
-    row({ .id = 21, .teksti = QStringLiteral("Oma pääoma"), .parent = 20 });
-    row({ .id = 22, .teksti = QStringLiteral("Pääoma"), .parent = 21, .tilit = QStringLiteral("8,") });
-    row({ .id = 23,
-        .teksti = QStringLiteral("Tilikauden tulos"),
-        .parent = 21,
-        .kaava = QStringLiteral("+4,"),
-        .equation = true });
-    row({ .id = 24, .teksti = QStringLiteral("Velat"), .parent = 20, .tilit = QStringLiteral("9,") });
+    row({ .id = 10, .teksti = "Vastaavaa", .side = "D" });
+    row({ .id = 11, .teksti = "Rahat", .parent = 10, .tilit = "1,", .side = "D" });
+    row({ .id = 20, .teksti = "Vastattavaa" });
+    row({ .id = 21, .teksti = "Oma pääoma", .parent = 20 });
+    row({ .id = 22, .teksti = "Pääoma", .parent = 21, .tilit = "8," });
+    row({ .id = 23, .teksti = "Tilikauden tulos", .parent = 21, .kaava = "+4,", .equation = true });
+    row({ .id = 24, .teksti = "Velat", .parent = 20, .tilit = "9," });
 }
 
 // Opening balances, a sale and a purchase on credit this year; an opening balance and a sale

@@ -160,38 +160,17 @@ public:
         }
         ProgramSettings::bookkeeping().VoittoTaseella = 2;
         malli(1, QStringLiteral("Tuloslaskelma"), 1);
-        row({ .id = 1, .teksti = QStringLiteral("Tuotot") });
-        row({ .id = 11,
-            .teksti = QStringLiteral("Myynti"),
-            .parent = 1,
-            .tilit = QStringLiteral("3,"),
-            .turnover = true });
-        row({ .id = 2, .teksti = QStringLiteral("Kulut"), .tilit = QStringLiteral("5,") });
-        row({ .id = 3,
-            .teksti = QStringLiteral("Tulos"),
-            .kaava = QStringLiteral("+1,+2,"),
-            .equation = true });
-        row({ .id = 4, .teksti = QStringLiteral("Ylijäämä"), .tilit = QStringLiteral("7,"), .profit = true });
+        row({ .id = 1, .teksti = "Tuotot" });
+        row({ .id = 11, .teksti = "Myynti", .parent = 1, .tilit = "3,", .turnover = true });
+        row({ .id = 2, .teksti = "Kulut", .tilit = "5," });
+        row({ .id = 3, .teksti = "Tulos", .kaava = "+1,+2,", .equation = true });
+        row({ .id = 4, .teksti = "Ylijäämä", .tilit = "7,", .profit = true });
         malli(2, QStringLiteral("Tase"), 2, 1);
-        const QString d = QStringLiteral("D");
-        row({ .id = 10, .ma = 2, .teksti = QStringLiteral("Vastaavaa"), .side = d });
-        row({ .id = 12,
-            .ma = 2,
-            .teksti = QStringLiteral("Rahat ja saamiset"),
-            .parent = 10,
-            .tilit = QStringLiteral("1,4,"),
-            .side = d });
-        row({ .id = 20, .ma = 2, .teksti = QStringLiteral("Vastattavaa") });
-        row({ .id = 21,
-            .ma = 2,
-            .teksti = QStringLiteral("Pääoma ja velat"),
-            .parent = 20,
-            .tilit = QStringLiteral("8,9,") });
-        row({ .id = 22,
-            .ma = 2,
-            .teksti = QStringLiteral("Tilikauden ylijäämä"),
-            .parent = 20,
-            .tilit = QStringLiteral("2,") });
+        row({ .id = 10, .ma = 2, .teksti = "Vastaavaa", .side = "D" });
+        row({ .id = 12, .ma = 2, .teksti = "Rahat ja saamiset", .parent = 10, .tilit = "1,4,", .side = "D" });
+        row({ .id = 20, .ma = 2, .teksti = "Vastattavaa" });
+        row({ .id = 21, .ma = 2, .teksti = "Pääoma ja velat", .parent = 20, .tilit = "8,9," });
+        row({ .id = 22, .ma = 2, .teksti = "Tilikauden ylijäämä", .parent = 20, .tilit = "2," });
     }
 
     // A copy of a book from the program folder ("demo1.mdb", "mallit/lions.mdb") opened as the

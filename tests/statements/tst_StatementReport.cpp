@@ -102,11 +102,9 @@ private slots:
     void writesPdf_data()
     {
         QTest::addColumn<QStringList>("args");
-        QTest::newRow("income statement") << QStringList { "tuloslaskelma" };
         QTest::newRow("income statement, narrow") << QStringList { "tuloslaskelma", "--narrow" };
         QTest::newRow("balance sheet, spring")
             << QStringList { "tase", "--from", date(1, 3), "--to", date(31, 5) };
-        QTest::newRow("balance sheet, narrow") << QStringList { "tase", "--narrow", "--groups-only" };
     }
     void writesPdf()
     {

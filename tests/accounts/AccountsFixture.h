@@ -11,6 +11,8 @@
 #include <QTest>
 #include <QVariant>
 
+inline Money euros(const char* text) { return *Money::parse(QString::fromLatin1(text)); }
+
 // An association database of the current layout with a chosen chart and no vouchers, opened
 // as the program's database.
 struct AccountsFixture {
@@ -63,6 +65,26 @@ struct AccountsFixture {
         exec(sql, { tlID, tyyppi, arvo.raw(), avaus ? 1 : 0 });
     }
 
+    // Adds a voucher of this fiscal year and gives its toID; `pvm` as 2011-01-31.
+    qint32 tosite(qint32 numero, const QString& pvm, const QString& selite = QStringLiteral("Tosite"),
+        bool avaus = false) const
+    {
+        return exec(QStringLiteral(
+                        "INSERT INTO \"to\" (toNumero, toPvm, toSelite, toAvaustosite) VALUES (?, ?, ?, ?)"),
+            { numero, pvm, selite, avaus ? 1 : 0 })
+            .lastInsertId()
+            .toInt();
+    }
+
+    // Adds an entry to the voucher `toID`: an opening entry on an opening voucher.
+    void kirjaus(
+        qint32 toID, qint32 tlID, const char* tyyppi, const char* arvo, bool automaatti = false) const
+    {
+        exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viAutomaatti, viAvausvienti) "
+                            "VALUES (?, ?, ?, ?, ?, (SELECT toAvaustosite FROM \"to\" WHERE toID = ?))"),
+            { toID, tlID, QString::fromLatin1(tyyppi), euros(arvo).raw(), automaatti ? 1 : 0, toID });
+    }
+
     QVariant value(const QString& sql, const QVariantList& values = {}) const
     {
         QSqlQuery q = exec(sql, values);
@@ -76,8 +98,6 @@ struct AccountsFixture {
     }
     QString nimi(qint32 tlID) const { return kentta(tlID, "tlNimi").toString(); }
 };
-
-inline Money euros(const char* text) { return *Money::parse(QString::fromLatin1(text)); }
 
 // Messages that more than one test expects.
 inline const QString FourDigits = QStringLiteral("Tilinumeron tulee olla neljä numeroa pitkä.");

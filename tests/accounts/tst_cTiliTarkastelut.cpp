@@ -13,21 +13,6 @@ struct Kirjanpito {
     AccountsFixture f;
     qint32 pankki = f.tili(1910, QStringLiteral("Pankkitili"));
     qint32 muu = f.tili(3000, QStringLiteral("Jäsenmaksut"));
-
-    qint32 tosite(qint32 numero, const char* pvm, const QString& selite = QStringLiteral("Tosite")) const
-    {
-        return f
-            .exec(QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (?, ?, ?)"),
-                { numero, QString::fromLatin1(pvm), selite })
-            .lastInsertId()
-            .toInt();
-    }
-    void vienti(qint32 toID, qint32 tlID, const char* tyyppi, const char* arvo, bool automaatti = false) const
-    {
-        f.exec(QStringLiteral(
-                   "INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viAutomaatti) VALUES (?, ?, ?, ?, ?)"),
-            { toID, tlID, QString::fromLatin1(tyyppi), euros(arvo).raw(), automaatti ? 1 : 0 });
-    }
 };
 
 QString rows(const cTiliTarkastelut& t)
@@ -52,17 +37,17 @@ private slots:
     void runningBalance()
     {
         Kirjanpito k;
-        const qint32 t1 = k.tosite(1, "2011-01-01", QStringLiteral("Jäsenmaksut"));
-        const qint32 t3 = k.tosite(3, "2011-01-05", QStringLiteral("Vuokra"));
-        const qint32 t2 = k.tosite(2, "2011-01-05", QStringLiteral("Kahvit"));
-        const qint32 kantaja = k.tosite(-1, "2011-01-01", QStringLiteral("Alkusaldo"));
-        const qint32 vanha = k.tosite(4, "2011-01-06", QStringLiteral("Automaattikirjaukset"));
-        k.vienti(t3, k.pankki, "D", "50");
-        k.vienti(t1, k.pankki, "D", "100");
-        k.vienti(t2, k.pankki, "K", "30");
-        k.vienti(t1, k.muu, "K", "100");
-        k.vienti(kantaja, k.pankki, "D", "999");
-        k.vienti(vanha, k.pankki, "K", "77", true);
+        const qint32 t1 = k.f.tosite(1, "2011-01-01", QStringLiteral("Jäsenmaksut"));
+        const qint32 t3 = k.f.tosite(3, "2011-01-05", QStringLiteral("Vuokra"));
+        const qint32 t2 = k.f.tosite(2, "2011-01-05", QStringLiteral("Kahvit"));
+        const qint32 kantaja = k.f.tosite(-1, "2011-01-01", QStringLiteral("Alkusaldo"));
+        const qint32 vanha = k.f.tosite(4, "2011-01-06", QStringLiteral("Automaattikirjaukset"));
+        k.f.kirjaus(t3, k.pankki, "D", "50");
+        k.f.kirjaus(t1, k.pankki, "D", "100");
+        k.f.kirjaus(t2, k.pankki, "K", "30");
+        k.f.kirjaus(t1, k.muu, "K", "100");
+        k.f.kirjaus(kantaja, k.pankki, "D", "999");
+        k.f.kirjaus(vanha, k.pankki, "K", "77", true);
         ComputedEntries::setSource([&k](const QSqlDatabase&, qint32 account) {
             std::vector<ComputedEntries::Entry> entries;
             if (account == k.pankki)
@@ -114,8 +99,8 @@ private slots:
     {
         Kirjanpito k;
         const QString pitka = QString(300, u'\'');
-        k.vienti(k.tosite(1, "2011-02-01", QString()), k.pankki, "D", "10");
-        k.vienti(k.tosite(2, "2011-02-02", pitka), k.pankki, "K", "5");
+        k.f.kirjaus(k.f.tosite(1, "2011-02-01", QString()), k.pankki, "D", "10");
+        k.f.kirjaus(k.f.tosite(2, "2011-02-02", pitka), k.pankki, "K", "5");
         cTiliTarkastelut t(k.f.db());
         t.Laske(k.pankki);
         QCOMPARE(k.f.value(QStringLiteral("SELECT Selite FROM tlTarkastelut WHERE Numero = 1")).toString(),
@@ -160,16 +145,16 @@ private slots:
     void dailyBalances()
     {
         Kirjanpito k;
-        const qint32 a = k.tosite(1, "2011-01-02");
-        const qint32 b = k.tosite(2, "2011-01-02");
-        const qint32 c = k.tosite(3, "2011-01-03");
-        k.vienti(a, k.pankki, "D", "100");
-        k.vienti(b, k.pankki, "K", "40");
-        k.vienti(c, k.pankki, "K", "10", true);
-        k.vienti(k.tosite(4, "2012-01-01"), k.pankki, "D", "1000");
-        k.vienti(k.tosite(5, "2010-12-31"), k.pankki, "D", "1000");
-        k.vienti(k.tosite(-1, "2011-01-02"), k.pankki, "D", "1000");
-        k.vienti(k.tosite(6, "2011-12-31"), k.pankki, "D", "0,01");
+        const qint32 a = k.f.tosite(1, "2011-01-02");
+        const qint32 b = k.f.tosite(2, "2011-01-02");
+        const qint32 c = k.f.tosite(3, "2011-01-03");
+        k.f.kirjaus(a, k.pankki, "D", "100");
+        k.f.kirjaus(b, k.pankki, "K", "40");
+        k.f.kirjaus(c, k.pankki, "K", "10", true);
+        k.f.kirjaus(k.f.tosite(4, "2012-01-01"), k.pankki, "D", "1000");
+        k.f.kirjaus(k.f.tosite(5, "2010-12-31"), k.pankki, "D", "1000");
+        k.f.kirjaus(k.f.tosite(-1, "2011-01-02"), k.pankki, "D", "1000");
+        k.f.kirjaus(k.f.tosite(6, "2011-12-31"), k.pankki, "D", "0,01");
 
         const auto rivit = PaivaSaldot::laske(k.f.db(), k.pankki, QDate(2011, 1, 1), QDate(2011, 12, 31));
         QStringList out;

@@ -34,10 +34,7 @@ public:
 
     void add(qint32 tlID, const Entry& e)
     {
-        const int toID = f.exec(QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (1, "
-                                               "'2011-05-01', 'x')"))
-                             .lastInsertId()
-                             .toInt();
+        const qint32 toID = f.tosite(1, QStringLiteral("2011-05-01"));
         f.exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite, viAvausvienti, "
                               "viPaatosvienti, viAutomaatti) VALUES (?, ?, ?, ?, 'x', ?, ?, ?)"),
             { e.orpo ? toID + 1000 : toID, tlID, QString::fromLatin1(e.tyyppi), euros(e.arvo).raw(),

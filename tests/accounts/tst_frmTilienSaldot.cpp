@@ -18,22 +18,15 @@ private slots:
     {
         ScriptedDialogs dialogs;
         AccountsFixture f;
-        const qint32 toID
-            = f.exec(QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm) VALUES (1, '2011-03-01')"))
-                  .lastInsertId()
-                  .toInt();
+        const qint32 toID = f.tosite(1, QStringLiteral("2011-03-01"));
         qint32 pankki = 0;
         for (int i = 0; i < 25; ++i) {
             const qint32 id = f.tili(1000 + i * 10, QStringLiteral("Tili %1").arg(i + 1));
             if (i == 5)
                 pankki = id;
         }
-        const auto entry = [&](const char* tyyppi, const char* arvo) {
-            f.exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo) VALUES (?, ?, ?, ?)"),
-                { toID, pankki, QString::fromLatin1(tyyppi), euros(arvo).raw() });
-        };
-        entry("D", "200");
-        entry("K", "50");
+        f.kirjaus(toID, pankki, "D", "200");
+        f.kirjaus(toID, pankki, "K", "50");
 
         frmTilienSaldot w(f.db());
         w.show();
@@ -49,7 +42,7 @@ private slots:
         QCOMPARE(label("lblKreditSumma"), euros("50").toCurrencyString());
         QCOMPARE(label("lblErotusSumma"), euros("150").toCurrencyString());
 
-        entry("K", "300");
+        f.kirjaus(toID, pankki, "K", "300");
         w.findChild<QPushButton*>(QStringLiteral("cPaivitaSaldot"))->click();
         QCOMPARE(label("lblErotusSumma"), euros("-150").toCurrencyString());
         QCOMPARE(

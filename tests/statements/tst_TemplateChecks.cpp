@@ -81,62 +81,42 @@ private slots:
     {
         QTest::addColumn<QStringList>("sql");
         QTest::addColumn<QStringList>("expected");
-        QTest::newRow("formula names a later row")
-            << QStringList { "UPDATE mr SET mrGroupOrder = 20 WHERE mrID = 11" }
-            << QStringList { "Kaavassa summausjärjestys on väärin. -- Tarkista: "
-                             "Tulos / Tulos" };
-        QTest::newRow("formula names itself")
-            << QStringList { "UPDATE mr SET mrKaava = '+10,+12,' WHERE mrID = 12" }
-            << QStringList { "Kaavassa summausjärjestys on väärin. -- Tarkista: Tulos / Tulos" };
-        QTest::newRow("same account twice")
-            << QStringList { "UPDATE mr SET mrTilit = '3,1,' WHERE mrID = 10" }
-            << QStringList { "Sama tili on mallissa useampaan kertaan. -- Tarkista: 1000 Tili 1000" };
-        QTest::newRow("unused account")
-            << QStringList { "UPDATE mr SET mrTilit = '' WHERE mrID = 11" }
-            << QStringList { "Kaikki tilit eivät ole käytössä. -- Tarkista: 4000 Tili 4000" };
-        QTest::newRow("unused formula")
-            << QStringList { "UPDATE mr SET mrKaava = '+10,' WHERE mrID = 11" }
-            << QStringList { "Mallissa on luotu kaava, joka ei ole käytössä. -- Tarkista: "
-                             "Tulos / Kulut" };
-        QTest::newRow("a lone comma is no formula")
-            << QStringList { "UPDATE mr SET mrKaava = ',' WHERE mrID = 11" } << QStringList {};
-        QTest::newRow("two profit rows")
-            << QStringList { "UPDATE mr SET mrIsVoitto = 1 WHERE mrID = 11" }
-            << QStringList {
-                   "Mallissa on 2 riviä, jotka on merkitty Voitto / Tappio riviksi. -- Tarkista: Tulos"
-               };
-        QTest::newRow("accounts on a group") << QStringList {
-            "UPDATE mr SET mrTilit = '1,' WHERE mrID = 20", "UPDATE mr SET mrTilit = '' WHERE mrID = 21"
-        } << QStringList { "Mallissa on valittuna tilejä pääryhmään. -- Tarkista: Tase / Vastaavaa" };
-        QTest::newRow("-1, on a group is no finding")
-            << QStringList { "UPDATE mr SET mrTilit = '-1,' WHERE mrID = 20" } << QStringList {};
-        QTest::newRow("formula row with accounts")
-            << QStringList { "UPDATE mr SET mrTilit = '4,' WHERE mrID = 12",
-                   "UPDATE mr SET mrTilit = '' WHERE mrID = 11" }
-            << QStringList {
-                   "Mallissa on valittuna sekä tilejä, että käytä kaavaa. -- Tarkista: Tulos / Tulos"
-               };
-        QTest::newRow("income row on debit") << QStringList {
-            "UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID = 11"
-        } << QStringList { "Tuloslaskelmassa on valittuna saldopuoleksi debet. -- Tarkista: Tulos / Kulut" };
-        QTest::newRow("debit under Vastattavaa")
-            << QStringList { "UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID = 23" }
-            << QStringList {
-                   "Vastattavaa-puolella on valittuna saldopuoleksi debet. -- Tarkista: Tase / Vastattavaa / "
-                   "Pääoma"
-               };
-        QTest::newRow("credit under Vastaavaa")
-            << QStringList { "UPDATE mr SET mrSaldoPuoli = 'K' WHERE mrID = 21" }
-            << QStringList {
-                   "Vastaavaa-puolella on valittuna saldopuoleksi kredit. -- Tarkista: Tase / Vastaavaa / "
-                   "Rahat"
-               };
-        QTest::newRow("a group's side without accounts is no finding")
-            << QStringList { "UPDATE mr SET mrSaldoPuoli = 'K' WHERE mrID = 20" } << QStringList {};
-        QTest::newRow("not standard")
-            << QStringList { "UPDATE mr SET mrTeksti = 'Varat' WHERE mrID = 20" }
-            << QStringList { "Tasemalli ei ole standardi. Suoraan mallin alla pitää olla vain 'Vastaavaa' ja "
-                             "'Vastattavaa' ryhmät. -- Tarkista: Tase / Varat" };
+        const auto row = [](const char* tag, const QStringList& sql, const char* finding = nullptr) {
+            QTest::newRow(tag) << sql
+                               << (finding ? QStringList { QString::fromUtf8(finding) } : QStringList {});
+        };
+        row("formula names a later row", { "UPDATE mr SET mrGroupOrder = 20 WHERE mrID = 11" },
+            "Kaavassa summausjärjestys on väärin. -- Tarkista: Tulos / Tulos");
+        row("formula names itself", { "UPDATE mr SET mrKaava = '+10,+12,' WHERE mrID = 12" },
+            "Kaavassa summausjärjestys on väärin. -- Tarkista: Tulos / Tulos");
+        row("same account twice", { "UPDATE mr SET mrTilit = '3,1,' WHERE mrID = 10" },
+            "Sama tili on mallissa useampaan kertaan. -- Tarkista: 1000 Tili 1000");
+        row("unused account", { "UPDATE mr SET mrTilit = '' WHERE mrID = 11" },
+            "Kaikki tilit eivät ole käytössä. -- Tarkista: 4000 Tili 4000");
+        row("unused formula", { "UPDATE mr SET mrKaava = '+10,' WHERE mrID = 11" },
+            "Mallissa on luotu kaava, joka ei ole käytössä. -- Tarkista: Tulos / Kulut");
+        row("a lone comma is no formula", { "UPDATE mr SET mrKaava = ',' WHERE mrID = 11" });
+        row("two profit rows", { "UPDATE mr SET mrIsVoitto = 1 WHERE mrID = 11" },
+            "Mallissa on 2 riviä, jotka on merkitty Voitto / Tappio riviksi. -- Tarkista: Tulos");
+        row("accounts on a group",
+            { "UPDATE mr SET mrTilit = '1,' WHERE mrID = 20", "UPDATE mr SET mrTilit = '' WHERE mrID = 21" },
+            "Mallissa on valittuna tilejä pääryhmään. -- Tarkista: Tase / Vastaavaa");
+        row("-1, on a group is no finding", { "UPDATE mr SET mrTilit = '-1,' WHERE mrID = 20" });
+        row("formula row with accounts",
+            { "UPDATE mr SET mrTilit = '4,' WHERE mrID = 12", "UPDATE mr SET mrTilit = '' WHERE mrID = 11" },
+            "Mallissa on valittuna sekä tilejä, että käytä kaavaa. -- Tarkista: Tulos / Tulos");
+        row("income row on debit", { "UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID = 11" },
+            "Tuloslaskelmassa on valittuna saldopuoleksi debet. -- Tarkista: Tulos / Kulut");
+        row("debit under Vastattavaa", { "UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID = 23" },
+            "Vastattavaa-puolella on valittuna saldopuoleksi debet. -- Tarkista: Tase / Vastattavaa / "
+            "Pääoma");
+        row("credit under Vastaavaa", { "UPDATE mr SET mrSaldoPuoli = 'K' WHERE mrID = 21" },
+            "Vastaavaa-puolella on valittuna saldopuoleksi kredit. -- Tarkista: Tase / Vastaavaa / Rahat");
+        row("a group's side without accounts is no finding",
+            { "UPDATE mr SET mrSaldoPuoli = 'K' WHERE mrID = 20" });
+        row("not standard", { "UPDATE mr SET mrTeksti = 'Varat' WHERE mrID = 20" },
+            "Tasemalli ei ole standardi. Suoraan mallin alla pitää olla vain 'Vastaavaa' ja 'Vastattavaa' "
+            "ryhmät. -- Tarkista: Tase / Varat");
     }
     void eachCheck()
     {

@@ -1,6 +1,6 @@
 // Times the account inspection, the daily balances with their chart, the journal and the general
 // ledger on the stress association, each beside a plain baseline of the same run (see README.md).
-#include "KirjaTulostus.h"
+#include "JournalPrinting.h"
 #include "PagePainter.h"
 #include "Paths.h"
 #include "PdfWriter.h"
@@ -103,7 +103,7 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
     int pages = 0;
     const double journalPdf = medianMs(3, [&] {
         const auto doc = ReportEngine::run(
-            db, KirjaTulostus::paivakirja(db, KirjaTulostus::Laji::Tavallinen, alku, loppu));
+            db, JournalPrinting::paivakirja(db, JournalPrinting::Laji::Tavallinen, alku, loppu));
         pages = doc->pageCount();
         PdfWriter::write(*doc, pdf);
     });
@@ -121,7 +121,7 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
     {
         QElapsedTimer t;
         t.start();
-        const ReportJob job = KirjaTulostus::paivakirja(db, KirjaTulostus::Laji::Tavallinen, alku, loppu);
+        const ReportJob job = JournalPrinting::paivakirja(db, JournalPrinting::Laji::Tavallinen, alku, loppu);
         const double jobMs = double(t.nsecsElapsed()) / 1e6;
         t.start();
         ReportDefinition d = ReportEngine::definition(job.reportFile);
@@ -151,7 +151,7 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
     std::unique_ptr<ReportDocument> kept;
     const double preview = medianMs(3, [&] {
         kept = ReportEngine::run(
-            db, KirjaTulostus::paivakirja(db, KirjaTulostus::Laji::Tavallinen, alku, loppu));
+            db, JournalPrinting::paivakirja(db, JournalPrinting::Laji::Tavallinen, alku, loppu));
         image.fill(Qt::white);
         QPainter p(&image);
         p.scale(96.0 / 72.0, 96.0 / 72.0);
@@ -169,7 +169,7 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
     // The general ledger: the balance preparation alone, and the whole ledger to PDF.
     QList<qint32> faulty;
     const double prepare = medianMs(5, [&] {
-        faulty = KirjaTulostus::valmistelePaakirja(db, KirjaTulostus::Laji::Tavallinen, alku, loppu)
+        faulty = JournalPrinting::valmistelePaakirja(db, JournalPrinting::Laji::Tavallinen, alku, loppu)
                      .virheelliset;
     });
     check(faulty.isEmpty(), "the stress association's entries are all in order");
@@ -184,10 +184,10 @@ int ledgerBench(const QSqlDatabase& db, const QString& binDir)
     line("ledger: balance preparation", prepare, sums, "< 500 ms");
 
     const double ledgerPdf = medianMs(3, [&] {
-        const KirjaTulostus::Paakirja valmis
-            = KirjaTulostus::valmistelePaakirja(db, KirjaTulostus::Laji::Tavallinen, alku, loppu);
+        const JournalPrinting::Paakirja valmis
+            = JournalPrinting::valmistelePaakirja(db, JournalPrinting::Laji::Tavallinen, alku, loppu);
         const auto doc = ReportEngine::run(
-            db, KirjaTulostus::paakirja(valmis, KirjaTulostus::Laji::Tavallinen, alku, loppu));
+            db, JournalPrinting::paakirja(valmis, JournalPrinting::Laji::Tavallinen, alku, loppu));
         pages = doc->pageCount();
         PdfWriter::write(*doc, pdf);
     });

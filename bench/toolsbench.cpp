@@ -6,7 +6,7 @@
 #include "Money.h"
 #include "ProgramSettings.h"
 #include "Timing.h"
-#include "TositeHaku.h"
+#include "VoucherSearch.h"
 #include "cTositeTarkistus.h"
 
 #include <QElapsedTimer>
@@ -66,14 +66,14 @@ int toolsBench(const QSqlDatabase& db)
                   .toLongLong();
         const QString amount = Money::fromRaw(raw).toString();
         const double byAmount
-            = medianMs(runs, [&] { found = TositeHaku::hae(db, amount, {}).osumat.size(); });
+            = medianMs(runs, [&] { found = VoucherSearch::hae(db, amount, {}).osumat.size(); });
         const double byAmountBase = medianMs(
             runs, [&] { readAll(db, QStringLiteral("SELECT vitoID FROM vi WHERE viArvo = ?"), { raw }); });
         figure("search by amount", byAmount, byAmountBase, "< 200 ms");
         std::printf("  found: %zu\n", found);
 
         const QString word = QStringLiteral("tosite 777");
-        const double byWord = medianMs(runs, [&] { found = TositeHaku::hae(db, {}, word).osumat.size(); });
+        const double byWord = medianMs(runs, [&] { found = VoucherSearch::hae(db, {}, word).osumat.size(); });
         const double byWordBase = medianMs(runs, [&] {
             readAll(
                 db, QStringLiteral("SELECT toID FROM \"to\" WHERE toSelite LIKE ?"), { u'%' + word + u'%' });

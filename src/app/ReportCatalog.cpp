@@ -3,7 +3,7 @@
 #include "DatabaseError.h"
 #include "Dates.h"
 #include "Dialogs.h"
-#include "KirjaTulostus.h"
+#include "JournalPrinting.h"
 #include "PeriodCheck.h"
 #include "ProgramSettings.h"
 #include "ReportError.h"
@@ -60,11 +60,11 @@ ReportJob statement(const QSqlDatabase& db, const ReportCatalog::Options& option
     return StatementPrint::job(kind, !options.narrow, from, to, s);
 }
 
-KirjaTulostus::Laji laji(const QString& kind)
+JournalPrinting::Laji laji(const QString& kind)
 {
-    return kind == u"opening" ? KirjaTulostus::Laji::Avaus
-        : kind == u"closing"  ? KirjaTulostus::Laji::Paatos
-                              : KirjaTulostus::Laji::Tavallinen;
+    return kind == u"opening" ? JournalPrinting::Laji::Avaus
+        : kind == u"closing"  ? JournalPrinting::Laji::Paatos
+                              : JournalPrinting::Laji::Tavallinen;
 }
 
 // The period given, or the fiscal year; refused as the date dialogs refuse it.
@@ -73,7 +73,7 @@ std::pair<QDate, QDate> jakso(const ReportCatalog::Options& o)
     const BookkeepingSettings& s = ProgramSettings::bookkeeping();
     const QDate alku = o.from.isValid() ? o.from : s.TilikausiAlku;
     const QDate loppu = o.to.isValid() ? o.to : s.TilikausiLoppu;
-    if (const QString virhe = KirjaTulostus::jaksonVirhe(alku, loppu); !virhe.isEmpty())
+    if (const QString virhe = JournalPrinting::jaksonVirhe(alku, loppu); !virhe.isEmpty())
         throw ReportError(virhe);
     return { alku, loppu };
 }
@@ -125,17 +125,18 @@ const std::vector<Entry>& entries()
             true, false, true,
             [](const QSqlDatabase& db, const Options& o) {
                 const auto [alku, loppu] = jakso(o);
-                return KirjaTulostus::paivakirja(db, laji(o.kind), alku, loppu);
+                return JournalPrinting::paivakirja(db, laji(o.kind), alku, loppu);
             } },
         { QStringLiteral("paakirja"), QStringLiteral("pääkirja (--kind, jakso oletuksena tilikausi)"), true,
             false, true,
             [](const QSqlDatabase& db, const Options& o) {
                 const auto [alku, loppu] = jakso(o);
-                const KirjaTulostus::Paakirja valmis
-                    = KirjaTulostus::valmistelePaakirja(db, laji(o.kind), alku, loppu);
+                const JournalPrinting::Paakirja valmis
+                    = JournalPrinting::valmistelePaakirja(db, laji(o.kind), alku, loppu);
                 if (!valmis.virheelliset.isEmpty())
-                    Dialogs::instance().information(KirjaTulostus::virheellisetViennit(valmis.virheelliset));
-                return KirjaTulostus::paakirja(valmis, laji(o.kind), alku, loppu);
+                    Dialogs::instance().information(
+                        JournalPrinting::virheellisetViennit(valmis.virheelliset));
+                return JournalPrinting::paakirja(valmis, laji(o.kind), alku, loppu);
             } },
     };
     return list;

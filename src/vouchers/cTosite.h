@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TositeRecord.h"
+#include "VoucherRecord.h"
 #include "cVienti.h"
 
 #include <memory>
@@ -10,14 +10,14 @@
 // vouchers of one kind in number order. Ordinary, opening and closing vouchers are browsed as
 // three separate sequences but share one number sequence. Vouchers numbered below 0 carry
 // ledger balance rows and are never seen by numbering or the cursor.
-class cTosite final : public TositeRecord {
+class cTosite final : public VoucherRecord {
     Q_OBJECT
 
 public:
     using Viennit = std::vector<std::unique_ptr<cVienti>>;
 
     explicit cTosite(const QSqlDatabase& db)
-        : TositeRecord(db, VoucherLayout::current())
+        : VoucherRecord(db, VoucherLayout::current())
     {
     }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TositeRecord.h"
+#include "VoucherRecord.h"
 #include "cVientiEd.h"
 
 #include <memory>
@@ -9,14 +9,14 @@
 // One voucher of the previous fiscal year (table toE). New keys are the largest key + 1, given
 // by the program; numbering looks at every number; opening, closing and ordinary vouchers of
 // the previous year are browsed as one sequence.
-class cTositeEd final : public TositeRecord {
+class cTositeEd final : public VoucherRecord {
     Q_OBJECT
 
 public:
     using Viennit = std::vector<std::unique_ptr<cVientiEd>>;
 
     explicit cTositeEd(const QSqlDatabase& db)
-        : TositeRecord(db, VoucherLayout::previous())
+        : VoucherRecord(db, VoucherLayout::previous())
     {
     }
 

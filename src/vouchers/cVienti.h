@@ -1,12 +1,12 @@
 #pragma once
 
-#include "VientiRecord.h"
+#include "EntryRecord.h"
 
 // One entry of a voucher of the current fiscal year (table vi).
-class cVienti final : public VientiRecord {
+class cVienti final : public EntryRecord {
 public:
     explicit cVienti(const QSqlDatabase& db)
-        : VientiRecord(db, VoucherLayout::current())
+        : EntryRecord(db, VoucherLayout::current())
     {
     }
 };

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "VientiRecord.h"
+#include "EntryRecord.h"
 
 // One entry of a voucher of the previous fiscal year (table viE). A new entry's key is the
 // largest key + 1, given by the program.
-class cVientiEd final : public VientiRecord {
+class cVientiEd final : public EntryRecord {
 public:
     explicit cVientiEd(const QSqlDatabase& db)
-        : VientiRecord(db, VoucherLayout::previous())
+        : EntryRecord(db, VoucherLayout::previous())
     {
     }
 };

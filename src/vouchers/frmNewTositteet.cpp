@@ -6,14 +6,14 @@
 #include "DatabaseFile.h"
 #include "Dates.h"
 #include "EnterAsTab.h"
-#include "KirjaTulostus.h"
+#include "EntryDelegate.h"
+#include "EntryModel.h"
+#include "JournalPrinting.h"
 #include "PrintOptions.h"
 #include "ProgramSettings.h"
 #include "ReportRunner.h"
-#include "TositeListModel.h"
-#include "TositepohjaMuokkaus.h"
-#include "VientiDelegate.h"
-#include "VientiModel.h"
+#include "VoucherListModel.h"
+#include "VoucherTemplateEditor.h"
 #include "WaitCursor.h"
 #include "cTositeTarkistus.h"
 #include "frmDates2.h"
@@ -43,7 +43,7 @@ constexpr int VisibleRows = 6;
 frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* parent)
     : QMainWindow(parent)
     , ui(std::make_unique<Ui::frmNewTositteet>())
-    , m_muokkaus(std::make_unique<TositeMuokkaus>(db, laji))
+    , m_muokkaus(std::make_unique<VoucherEditor>(db, laji))
 {
     ui->setupUi(this);
     ui->cEnsimmainen->setObjectName(QStringLiteral("cEnsimmäinen"));
@@ -59,7 +59,7 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     setTabOrder(ui->tTositeSelite, ui->grdViennit);
     setTabOrder(ui->grdViennit, ui->cUusi);
 
-    m_list = new TositeListModel(this);
+    m_list = new VoucherListModel(this);
     ui->lstTositteet->setModel(m_list);
     ui->lstTositteet->setUniformItemSizes(true);
     ui->lstTositteet->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -69,7 +69,7 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     ui->lstTositteet->setTextElideMode(Qt::ElideRight);
 
     auto* grid = ui->grdViennit;
-    m_model = new VientiModel(*m_muokkaus, this);
+    m_model = new EntryModel(*m_muokkaus, this);
     grid->setModel(m_model);
     grid->verticalScrollBar()->setObjectName(QStringLiteral("scrlViennit"));
     grid->setEditTriggers(QAbstractItemView::AllEditTriggers);
@@ -87,10 +87,10 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     grid->setFixedHeight(
         grid->horizontalHeader()->sizeHint().height() + VisibleRows * rowHeight + 2 * grid->frameWidth());
 
-    connect(m_model, &VientiModel::entryChanged, this, &frmNewTositteet::riviMuuttui);
-    connect(m_muokkaus.get(), &TositeMuokkaus::tositeVaihtui, this, &frmNewTositteet::naytaTosite);
-    connect(m_muokkaus.get(), &TositeMuokkaus::luetteloRivi, m_list, &TositeListModel::setLine);
-    connect(m_muokkaus.get(), &TositeMuokkaus::luetteloPoisto, m_list, &TositeListModel::removeLine);
+    connect(m_model, &EntryModel::entryChanged, this, &frmNewTositteet::riviMuuttui);
+    connect(m_muokkaus.get(), &VoucherEditor::tositeVaihtui, this, &frmNewTositteet::naytaTosite);
+    connect(m_muokkaus.get(), &VoucherEditor::luetteloRivi, m_list, &VoucherListModel::setLine);
+    connect(m_muokkaus.get(), &VoucherEditor::luetteloPoisto, m_list, &VoucherListModel::removeLine);
     connect(ui->tTositenumero, &QLineEdit::textEdited, this, [this](const QString& text) {
         bool ok = false;
         const int numero = text.toInt(&ok);
@@ -105,7 +105,7 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
         if (d.isValid())
             m_muokkaus->setPaiva(d, false);
     });
-    connect(ui->tTositeSelite, &QLineEdit::textEdited, m_muokkaus.get(), &TositeMuokkaus::setSelite);
+    connect(ui->tTositeSelite, &QLineEdit::textEdited, m_muokkaus.get(), &VoucherEditor::setSelite);
     connect(ui->lstTositteet, &QAbstractItemView::activated, this, &frmNewTositteet::lataaLuettelosta);
     connect(ui->lstTositteet, &QAbstractItemView::clicked, this, &frmNewTositteet::lataaLuettelosta);
 
@@ -140,7 +140,7 @@ frmNewTositteet::frmNewTositteet(const QSqlDatabase& db, Laji laji, QWidget* par
     connect(ui->mPaakirja, &QAction::triggered, this, &frmNewTositteet::Paakirja);
 
     if (m_muokkaus->avaa())
-        grid->setItemDelegate(new VientiDelegate(m_muokkaus->tilit().texts(), grid));
+        grid->setItemDelegate(new EntryDelegate(m_muokkaus->tilit().texts(), grid));
     taytaLuettelo();
     rakennaPikavalinnat();
     naytaTosite();
@@ -160,10 +160,10 @@ frmNewTositteet::~frmNewTositteet()
 
 void frmNewTositteet::taytaLuettelo()
 {
-    std::vector<TositeListModel::Line> lines;
+    std::vector<VoucherListModel::Line> lines;
     try {
         for (const cTosite::Rivi& r : m_muokkaus->luettelo())
-            lines.push_back({ r.toId, TositeMuokkaus::luetteloTeksti(r.numero, r.selite) });
+            lines.push_back({ r.toId, VoucherEditor::luetteloTeksti(r.numero, r.selite) });
     } catch (const DatabaseError& e) {
         Dialogs::instance().error(e.message(QStringLiteral("Tositeluetteloa ei voitu lukea.")));
     }
@@ -244,7 +244,7 @@ void frmNewTositteet::naytaVirhePaikka()
     if (!paikka)
         return;
     ui->grdViennit->setFocus();
-    ui->grdViennit->setCurrentIndex(m_model->index(paikka->rivi, VientiModel::accountColumn(paikka->puoli)));
+    ui->grdViennit->setCurrentIndex(m_model->index(paikka->rivi, EntryModel::accountColumn(paikka->puoli)));
 }
 
 void frmNewTositteet::Uusi()
@@ -289,17 +289,17 @@ void frmNewTositteet::Peru()
     m_muokkaus->peru();
 }
 
-void frmNewTositteet::siirry(TositeMuokkaus::Siirto siirto)
+void frmNewTositteet::siirry(VoucherEditor::Siirto siirto)
 {
     sulkeEditori(true);
     if (!m_muokkaus->siirry(siirto))
         naytaVirhePaikka();
 }
 
-void frmNewTositteet::Ensimmainen() { siirry(TositeMuokkaus::Siirto::Ensimmainen); }
-void frmNewTositteet::Edellinen() { siirry(TositeMuokkaus::Siirto::Edellinen); }
-void frmNewTositteet::Seuraava() { siirry(TositeMuokkaus::Siirto::Seuraava); }
-void frmNewTositteet::Viimeinen() { siirry(TositeMuokkaus::Siirto::Viimeinen); }
+void frmNewTositteet::Ensimmainen() { siirry(VoucherEditor::Siirto::Ensimmainen); }
+void frmNewTositteet::Edellinen() { siirry(VoucherEditor::Siirto::Edellinen); }
+void frmNewTositteet::Seuraava() { siirry(VoucherEditor::Siirto::Seuraava); }
+void frmNewTositteet::Viimeinen() { siirry(VoucherEditor::Siirto::Viimeinen); }
 
 void frmNewTositteet::LisaaVienteja()
 {
@@ -324,11 +324,11 @@ void frmNewTositteet::Selaa()
 
 qint32 frmNewTositteet::valittuTili() const
 {
-    using Puoli = TositeMuokkaus::Puoli;
+    using Puoli = VoucherEditor::Puoli;
     const QModelIndex current = ui->grdViennit->currentIndex();
     const int rivi = current.isValid() ? current.row() : -1;
     if (rivi >= 0 && rivi < m_muokkaus->riviMaara()) {
-        const Puoli puoli = VientiModel::side(current.column());
+        const Puoli puoli = EntryModel::side(current.column());
         const Puoli toinen = puoli == Puoli::Debet ? Puoli::Kredit : Puoli::Debet;
         for (const Puoli p : { puoli, toinen })
             if (m_muokkaus->vienti(p, rivi).tlID() > 0)
@@ -411,13 +411,13 @@ void frmNewTositteet::Paivakirja()
         return;
     const QDate alku = PrintOptions::current().alkupvm;
     const QDate loppu = PrintOptions::current().loppupvm;
-    if (const QString virhe = KirjaTulostus::jaksonVirhe(alku, loppu); !virhe.isEmpty()) {
+    if (const QString virhe = JournalPrinting::jaksonVirhe(alku, loppu); !virhe.isEmpty()) {
         Dialogs::instance().information(virhe);
         return;
     }
     ReportJob job;
     if (!tellIfFails(QStringLiteral("Päiväkirjan summia ei voitu laskea."),
-            [&] { job = KirjaTulostus::paivakirja(m_muokkaus->database(), laji(), alku, loppu); }))
+            [&] { job = JournalPrinting::paivakirja(m_muokkaus->database(), laji(), alku, loppu); }))
         return;
     ReportRunner::print(this, m_muokkaus->database(), job);
 }
@@ -431,21 +431,21 @@ void frmNewTositteet::Paakirja()
         return;
     const QDate alku = PrintOptions::current().alkupvm;
     const QDate loppu = PrintOptions::current().loppupvm;
-    if (const QString virhe = KirjaTulostus::jaksonVirhe(alku, loppu); !virhe.isEmpty()) {
+    if (const QString virhe = JournalPrinting::jaksonVirhe(alku, loppu); !virhe.isEmpty()) {
         Dialogs::instance().information(virhe);
         return;
     }
-    KirjaTulostus::Paakirja valmis;
+    JournalPrinting::Paakirja valmis;
     {
         WaitCursor wait;
         if (!tellIfFails(QStringLiteral("Pääkirjan saldoja ei voitu laskea."), [&] {
-                valmis = KirjaTulostus::valmistelePaakirja(m_muokkaus->database(), laji(), alku, loppu);
+                valmis = JournalPrinting::valmistelePaakirja(m_muokkaus->database(), laji(), alku, loppu);
             }))
             return;
     }
     if (!valmis.virheelliset.isEmpty())
-        Dialogs::instance().information(KirjaTulostus::virheellisetViennit(valmis.virheelliset));
-    ReportRunner::print(this, m_muokkaus->database(), KirjaTulostus::paakirja(valmis, laji(), alku, loppu));
+        Dialogs::instance().information(JournalPrinting::virheellisetViennit(valmis.virheelliset));
+    ReportRunner::print(this, m_muokkaus->database(), JournalPrinting::paakirja(valmis, laji(), alku, loppu));
 }
 
 void frmNewTositteet::lataaLuettelosta(const QModelIndex& index)
@@ -475,7 +475,7 @@ void frmNewTositteet::pvmValmis()
 void frmNewTositteet::riviMuuttui(int /*row*/, int column)
 {
     paivitaSummat();
-    if (!VientiModel::isAccountColumn(column))
+    if (!EntryModel::isAccountColumn(column))
         // After the cell editor has closed, not while it is committing.
         QTimer::singleShot(0, m_muokkaus.get(), [this] { m_muokkaus->automaattinenUusi(); });
 }
@@ -658,9 +658,9 @@ void frmNewTositteet::valitsePohja()
 void frmNewTositteet::UusiPohjasta(qint32 tpId)
 {
     sulkeEditori(true);
-    std::optional<TositepohjaMuokkaus::Tosite> tosite;
+    std::optional<VoucherTemplateEditor::Tosite> tosite;
     if (!tellIfFails(QStringLiteral("Tositepohjaa ei voitu lukea."), [&] {
-            tosite = TositepohjaMuokkaus::tositteeksi(m_muokkaus->database(), m_muokkaus->tilit(), tpId);
+            tosite = VoucherTemplateEditor::tositteeksi(m_muokkaus->database(), m_muokkaus->tilit(), tpId);
         }))
         return;
     if (!tosite) {

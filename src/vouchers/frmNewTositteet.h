@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TositeMuokkaus.h"
+#include "VoucherEditor.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -9,20 +9,20 @@
 namespace Ui {
 class frmNewTositteet;
 }
-class VientiModel;
-class TositeListModel;
+class EntryModel;
+class VoucherListModel;
 class QModelIndex;
 class frmTositeTarkistusVirheet;
 class frmTositepohja;
 
 // The window in which vouchers of the current fiscal year are typed, browsed, corrected and
 // deleted. One window shows one kind of voucher for as long as it is open. The rules live in
-// TositeMuokkaus; the window maps its widgets to it.
+// VoucherEditor; the window maps its widgets to it.
 class frmNewTositteet final : public QMainWindow {
     Q_OBJECT
 
 public:
-    using Laji = TositeMuokkaus::Laji;
+    using Laji = VoucherEditor::Laji;
 
     // Loads the accounts and the vouchers of `laji` from `db` and shows the last voucher of
     // that kind (an empty voucher when there is none).
@@ -30,7 +30,7 @@ public:
     ~frmNewTositteet() override;
 
     Laji laji() const { return m_muokkaus->laji(); }
-    const TositeMuokkaus& muokkaus() const { return *m_muokkaus; }
+    const VoucherEditor& muokkaus() const { return *m_muokkaus; }
     // The voucher on screen; IsEmpty when the kind has no voucher yet.
     const cTosite& curTosite() const { return m_muokkaus->tosite(); }
 
@@ -70,7 +70,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void siirry(TositeMuokkaus::Siirto siirto);
+    void siirry(VoucherEditor::Siirto siirto);
     // The account check and save before a printout; false when the check failed.
     bool tallennaEnnenTulostusta();
     void avaaTilitarkastelu();
@@ -99,7 +99,7 @@ private:
     QPointer<frmTositepohja> m_pohjat;
     QList<QAction*> m_pikavalinnat;
     bool m_kayttajaSulkee = false;
-    std::unique_ptr<TositeMuokkaus> m_muokkaus;
-    VientiModel* m_model = nullptr;
-    TositeListModel* m_list = nullptr;
+    std::unique_ptr<VoucherEditor> m_muokkaus;
+    EntryModel* m_model = nullptr;
+    VoucherListModel* m_list = nullptr;
 };

@@ -1,7 +1,7 @@
 #include "frmTositeHaku.h"
 
 #include "DatabaseError.h"
-#include "TositeHaku.h"
+#include "VoucherSearch.h"
 #include "WaitCursor.h"
 
 #include <QFormLayout>
@@ -73,11 +73,11 @@ frmTositeHaku::frmTositeHaku(const QSqlDatabase& db, QWidget* parent)
 
 void frmTositeHaku::Search()
 {
-    TositeHaku::Tulos tulos;
+    VoucherSearch::Tulos tulos;
     {
         WaitCursor wait;
         if (!tellIfFails(QStringLiteral("Tositteita ei voitu hakea."),
-                [&] { tulos = TositeHaku::hae(m_db, m_arvo->text().trimmed(), m_selite->text()); }))
+                [&] { tulos = VoucherSearch::hae(m_db, m_arvo->text().trimmed(), m_selite->text()); }))
             return;
     }
     if (!tulos.virhe.isEmpty()) {
@@ -87,7 +87,7 @@ void frmTositeHaku::Search()
         return;
     }
     m_lista->clear();
-    for (const TositeHaku::Osuma& o : tulos.osumat) {
+    for (const VoucherSearch::Osuma& o : tulos.osumat) {
         auto* item = new QListWidgetItem(o.rivi(), m_lista);
         item->setData(Qt::UserRole, o.toId);
     }

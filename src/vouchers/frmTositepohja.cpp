@@ -1,8 +1,8 @@
 #include "frmTositepohja.h"
 
 #include "EnterAsTab.h"
-#include "VientiDelegate.h"
-#include "VientiModel.h"
+#include "EntryDelegate.h"
+#include "EntryModel.h"
 
 #include <QAbstractTableModel>
 #include <QCloseEvent>
@@ -20,7 +20,7 @@
 // The entry patterns of the template on screen, in the columns of the voucher window's rows.
 class VientiPohjaModel final : public QAbstractTableModel {
 public:
-    VientiPohjaModel(TositepohjaMuokkaus& muokkaus, QObject* parent)
+    VientiPohjaModel(VoucherTemplateEditor& muokkaus, QObject* parent)
         : QAbstractTableModel(parent)
         , m_muokkaus(muokkaus)
     {
@@ -53,20 +53,20 @@ public:
     {
         if (!index.isValid() || index.row() >= m_muokkaus.riviMaara())
             return {};
-        if (role == Qt::TextAlignmentRole && !VientiModel::isAccountColumn(index.column()))
+        if (role == Qt::TextAlignmentRole && !EntryModel::isAccountColumn(index.column()))
             return int(Qt::AlignRight | Qt::AlignVCenter);
         if (role != Qt::DisplayRole && role != Qt::EditRole)
             return {};
-        const auto puoli = VientiModel::side(index.column());
-        return VientiModel::isAccountColumn(index.column()) ? m_muokkaus.tiliTeksti(puoli, index.row())
-                                                            : m_muokkaus.arvoTeksti(puoli, index.row());
+        const auto puoli = EntryModel::side(index.column());
+        return EntryModel::isAccountColumn(index.column()) ? m_muokkaus.tiliTeksti(puoli, index.row())
+                                                           : m_muokkaus.arvoTeksti(puoli, index.row());
     }
     bool setData(const QModelIndex& index, const QVariant& value, int role) override
     {
         if (!index.isValid() || role != Qt::EditRole || index.row() >= m_muokkaus.riviMaara())
             return false;
-        const auto puoli = VientiModel::side(index.column());
-        const bool changed = VientiModel::isAccountColumn(index.column())
+        const auto puoli = EntryModel::side(index.column());
+        const bool changed = EntryModel::isAccountColumn(index.column())
             ? m_muokkaus.setTiliTeksti(puoli, index.row(), value.toString())
             : m_muokkaus.setArvoTeksti(puoli, index.row(), value.toString());
         emit dataChanged(index, index);
@@ -74,7 +74,7 @@ public:
     }
 
 private:
-    TositepohjaMuokkaus& m_muokkaus;
+    VoucherTemplateEditor& m_muokkaus;
 };
 
 namespace {
@@ -91,7 +91,7 @@ QPushButton* button(const QString& caption, const char* name, QWidget* parent)
 
 frmTositepohja::frmTositepohja(const QSqlDatabase& db, QWidget* parent)
     : QDialog(parent)
-    , m_muokkaus(std::make_unique<TositepohjaMuokkaus>(db))
+    , m_muokkaus(std::make_unique<VoucherTemplateEditor>(db))
 {
     setObjectName(QStringLiteral("frmTositepohja"));
     setWindowTitle(QStringLiteral("Tositepohjat"));
@@ -149,13 +149,13 @@ frmTositepohja::frmTositepohja(const QSqlDatabase& db, QWidget* parent)
     setTabOrder(m_pikavalinta, m_rivit);
     setTabOrder(m_rivit, uusi);
 
-    connect(m_muokkaus.get(), &TositepohjaMuokkaus::pohjaVaihtui, this, &frmTositepohja::naytaPohja);
-    connect(m_muokkaus.get(), &TositepohjaMuokkaus::pohjatMuuttuivat, this, [this] {
+    connect(m_muokkaus.get(), &VoucherTemplateEditor::pohjaVaihtui, this, &frmTositepohja::naytaPohja);
+    connect(m_muokkaus.get(), &VoucherTemplateEditor::pohjatMuuttuivat, this, [this] {
         taytaLuettelo();
         emit pohjatMuuttuivat();
     });
-    connect(m_nimi, &QLineEdit::textEdited, m_muokkaus.get(), &TositepohjaMuokkaus::setNimi);
-    connect(m_selite, &QLineEdit::textEdited, m_muokkaus.get(), &TositepohjaMuokkaus::setSelite);
+    connect(m_nimi, &QLineEdit::textEdited, m_muokkaus.get(), &VoucherTemplateEditor::setNimi);
+    connect(m_selite, &QLineEdit::textEdited, m_muokkaus.get(), &VoucherTemplateEditor::setSelite);
     connect(m_pikavalinta, &QComboBox::activated, this, [this](int index) {
         if (!m_muokkaus->setPikavalinta(index))
             m_pikavalinta->setCurrentIndex(m_muokkaus->pohja().Pikavalinta());
@@ -178,7 +178,7 @@ frmTositepohja::frmTositepohja(const QSqlDatabase& db, QWidget* parent)
     connect(sulje, &QPushButton::clicked, this, &QDialog::close);
 
     if (m_muokkaus->avaa())
-        m_rivit->setItemDelegate(new VientiDelegate(m_muokkaus->tilit().texts(), m_rivit));
+        m_rivit->setItemDelegate(new EntryDelegate(m_muokkaus->tilit().texts(), m_rivit));
     taytaLuettelo();
     naytaPohja();
     EnterAsTab::install(this);
@@ -234,7 +234,7 @@ void frmTositepohja::naytaVirhePaikka()
     if (!paikka)
         return;
     m_rivit->setFocus();
-    m_rivit->setCurrentIndex(m_model->index(paikka->rivi, VientiModel::accountColumn(paikka->puoli)));
+    m_rivit->setCurrentIndex(m_model->index(paikka->rivi, EntryModel::accountColumn(paikka->puoli)));
 }
 
 void frmTositepohja::Uusi()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TositepohjaMuokkaus.h"
+#include "VoucherTemplateEditor.h"
 
 #include <QDialog>
 #include <memory>
@@ -14,7 +14,7 @@ class VientiPohjaModel;
 
 // The window in which voucher templates are kept: the list of templates, and the name,
 // description, quick-select number and entry patterns of the one chosen. The rules live in
-// TositepohjaMuokkaus.
+// VoucherTemplateEditor.
 class frmTositepohja final : public QDialog {
     Q_OBJECT
 
@@ -22,7 +22,7 @@ public:
     explicit frmTositepohja(const QSqlDatabase& db, QWidget* parent = nullptr);
     ~frmTositepohja() override;
 
-    const TositepohjaMuokkaus& muokkaus() const { return *m_muokkaus; }
+    const VoucherTemplateEditor& muokkaus() const { return *m_muokkaus; }
 
     void Uusi();
     void Tallenna();
@@ -43,7 +43,7 @@ private:
     void sulkeEditori();
     void naytaVirhePaikka();
 
-    std::unique_ptr<TositepohjaMuokkaus> m_muokkaus;
+    std::unique_ptr<VoucherTemplateEditor> m_muokkaus;
     VientiPohjaModel* m_model = nullptr;
     QListWidget* m_lista = nullptr;
     QLineEdit* m_nimi = nullptr;

@@ -20,8 +20,8 @@
 #include "StickBackup.h"
 #include "StickRestore.h"
 #include "TilikaudenVaihto.h"
-#include "TositeMuokkaus.h"
 #include "Transaction.h"
+#include "VoucherEditor.h"
 #include "cMalli.h"
 #include "cMalliRivi.h"
 #include "cTili.h"
@@ -128,13 +128,13 @@ struct Operation {
 
 bool saveVoucher(const World& w, const Ready& ready)
 {
-    using P = TositeMuokkaus::Puoli;
-    TositeMuokkaus m(openBooks(w), TositeMuokkaus::Laji::Tavallinen);
+    using P = VoucherEditor::Puoli;
+    VoucherEditor m(openBooks(w), VoucherEditor::Laji::Tavallinen);
     if (!m.avaa())
         return false;
     ready();
     // Ten entries: five debits on the bank account, five credits on income accounts.
-    std::vector<TositeMuokkaus::Malli> entries;
+    std::vector<VoucherEditor::Malli> entries;
     for (int i = 0; i < 5; ++i) {
         entries.push_back({ P::Debet, 12, Money::fromCents(1000 + i) });
         entries.push_back({ P::Kredit, 32 + i, Money::fromCents(1000 + i) });
@@ -144,7 +144,7 @@ bool saveVoucher(const World& w, const Ready& ready)
 
 bool deleteVoucher(const World& w, const Ready& ready)
 {
-    TositeMuokkaus m(openBooks(w), TositeMuokkaus::Laji::Tavallinen);
+    VoucherEditor m(openBooks(w), VoucherEditor::Laji::Tavallinen);
     if (!m.avaa())
         return false;
     ready();

@@ -1,5 +1,5 @@
 #include "DatabaseMaintenance.h"
-#include "KirjaTulostus.h"
+#include "JournalPrinting.h"
 #include "PageText.h"
 #include "Paths.h"
 #include "PdfWriter.h"
@@ -9,8 +9,8 @@
 #include "ReportExport.h"
 #include "ScriptedDialogs.h"
 #include "SettingsStore.h"
-#include "TositeHaku.h"
 #include "VoucherFixture.h"
+#include "VoucherSearch.h"
 #include "cMalli.h"
 #include "cMalliRivi.h"
 #include "cTili.h"
@@ -225,7 +225,7 @@ void tst_OddText::everywhere()
     // The search finds the voucher by its whole stored description, and only that one.
     const QString selite = RecordText::cut(text, RecordText::DescriptionLength);
     const qint32 toId = newTosite(text);
-    const TositeHaku::Tulos haku = TositeHaku::hae(VoucherFixture::db(), QString(), selite);
+    const VoucherSearch::Tulos haku = VoucherSearch::hae(VoucherFixture::db(), QString(), selite);
     QVERIFY2(haku.virhe.isEmpty(), qPrintable(haku.virhe));
     QVERIFY(
         std::any_of(haku.osumat.begin(), haku.osumat.end(), [&](const auto& o) { return o.toId == toId; }));
@@ -255,7 +255,7 @@ void tst_OddText::everywhere()
     ProgramSettings::bookkeeping().VaakaTulostus = false;
     try {
         const auto doc = ReportEngine::run(VoucherFixture::db(),
-            KirjaTulostus::paivakirja(VoucherFixture::db(), KirjaTulostus::Laji::Tavallinen,
+            JournalPrinting::paivakirja(VoucherFixture::db(), JournalPrinting::Laji::Tavallinen,
                 QDate(2011, 1, 1), QDate(2011, 12, 31)));
         QCOMPARE(doc->titleLines().value(0), text);
         QString pages;

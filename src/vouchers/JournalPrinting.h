@@ -2,7 +2,7 @@
 
 #include "Money.h"
 #include "ReportJob.h"
-#include "TositeMuokkaus.h"
+#include "VoucherEditor.h"
 
 #include <QDate>
 #include <QList>
@@ -13,10 +13,10 @@
 // The journal (vouchers in number order with their entries) and the general ledger (entries by
 // account, with each account's balance at the start and the end of the period) of one kind of
 // voucher over a period, as the voucher window and vorkam_report hand them to the report engine.
-namespace KirjaTulostus {
+namespace JournalPrinting {
 
 enum class Kirja { Paivakirja, Paakirja };
-using Laji = TositeMuokkaus::Laji;
+using Laji = VoucherEditor::Laji;
 
 // The report file of a book, kind and orientation ("paikirja.rpt", …).
 QString raporttiTiedosto(Kirja kirja, Laji laji, bool vaaka);
@@ -69,4 +69,4 @@ QString virheellisetViennit(const QList<qint32>& numerot);
 // balances of the last valmistelePaakirja of the connection.
 ReportJob paakirja(const Paakirja& valmis, Laji laji, const QDate& alku, const QDate& loppu);
 
-} // namespace KirjaTulostus
+} // namespace JournalPrinting

@@ -1,25 +1,25 @@
 #pragma once
 
-#include "TositeMuokkaus.h"
+#include "VoucherEditor.h"
 
 #include <QAbstractTableModel>
 
 // The entry rows of the voucher window: debit account, debit amount, credit account, credit
 // amount. Each cell shows and sets a row of the voucher being edited.
-class VientiModel final : public QAbstractTableModel {
+class EntryModel final : public QAbstractTableModel {
     Q_OBJECT
 
 public:
-    VientiModel(TositeMuokkaus& muokkaus, QObject* parent);
+    EntryModel(VoucherEditor& muokkaus, QObject* parent);
 
     static bool isAccountColumn(int column) { return column == 0 || column == 2; }
-    static TositeMuokkaus::Puoli side(int column)
+    static VoucherEditor::Puoli side(int column)
     {
-        return column < 2 ? TositeMuokkaus::Puoli::Debet : TositeMuokkaus::Puoli::Kredit;
+        return column < 2 ? VoucherEditor::Puoli::Debet : VoucherEditor::Puoli::Kredit;
     }
-    static int accountColumn(TositeMuokkaus::Puoli puoli)
+    static int accountColumn(VoucherEditor::Puoli puoli)
     {
-        return puoli == TositeMuokkaus::Puoli::Debet ? 0 : 2;
+        return puoli == VoucherEditor::Puoli::Debet ? 0 : 2;
     }
 
     void refill();
@@ -36,5 +36,5 @@ signals:
     void entryChanged(int row, int column);
 
 private:
-    TositeMuokkaus& m_muokkaus;
+    VoucherEditor& m_muokkaus;
 };

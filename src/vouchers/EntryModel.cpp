@@ -1,25 +1,25 @@
-#include "VientiModel.h"
+#include "EntryModel.h"
 
-VientiModel::VientiModel(TositeMuokkaus& muokkaus, QObject* parent)
+EntryModel::EntryModel(VoucherEditor& muokkaus, QObject* parent)
     : QAbstractTableModel(parent)
     , m_muokkaus(muokkaus)
 {
 }
 
-void VientiModel::refill()
+void EntryModel::refill()
 {
     beginResetModel();
     endResetModel();
 }
 
-int VientiModel::rowCount(const QModelIndex& parent) const
+int EntryModel::rowCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : m_muokkaus.riviMaara();
 }
 
-int VientiModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : 4; }
+int EntryModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : 4; }
 
-QVariant VientiModel::headerData(int section, Qt::Orientation orientation, int role) const
+QVariant EntryModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (role != Qt::DisplayRole)
         return {};
@@ -30,13 +30,13 @@ QVariant VientiModel::headerData(int section, Qt::Orientation orientation, int r
     return section >= 0 && section < 4 ? captions[section] : QString();
 }
 
-Qt::ItemFlags VientiModel::flags(const QModelIndex& index) const
+Qt::ItemFlags EntryModel::flags(const QModelIndex& index) const
 {
     const Qt::ItemFlags f = QAbstractTableModel::flags(index);
     return m_muokkaus.muokattavissa() ? f | Qt::ItemIsEditable : f;
 }
 
-QVariant VientiModel::data(const QModelIndex& index, int role) const
+QVariant EntryModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid() || index.row() >= m_muokkaus.riviMaara())
         return {};
@@ -48,7 +48,7 @@ QVariant VientiModel::data(const QModelIndex& index, int role) const
                                            : m_muokkaus.arvoTeksti(side(index.column()), index.row());
 }
 
-bool VientiModel::setData(const QModelIndex& index, const QVariant& value, int role)
+bool EntryModel::setData(const QModelIndex& index, const QVariant& value, int role)
 {
     if (!index.isValid() || role != Qt::EditRole || index.row() >= m_muokkaus.riviMaara())
         return false;

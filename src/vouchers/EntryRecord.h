@@ -21,9 +21,9 @@ struct VientiValues {
 
 // One entry (posting) of a voucher, over the entry table of `layout`. cVienti (current year)
 // and cVientiEd (previous year) are this record with their own layout.
-class VientiRecord : public Record<VientiValues> {
+class EntryRecord : public Record<VientiValues> {
 public:
-    ~VientiRecord() override; // saves a changed entry, unless IsEmpty
+    ~EntryRecord() override; // saves a changed entry, unless IsEmpty
 
     // The entry's key; 0 while it is not stored.
     qint32 ViId() const { return key(); }
@@ -55,7 +55,7 @@ public:
     static QString selectSql(const VoucherLayout& layout);
 
 protected:
-    VientiRecord(const QSqlDatabase& db, const VoucherLayout& layout)
+    EntryRecord(const QSqlDatabase& db, const VoucherLayout& layout)
         : Record(db)
         , m_layout(layout)
     {

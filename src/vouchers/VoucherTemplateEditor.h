@@ -1,7 +1,7 @@
 #pragma once
 
-#include "TositeMuokkaus.h"
 #include "VoucherAccounts.h"
+#include "VoucherEditor.h"
 #include "cTositePohja.h"
 #include "cTositePohjat.h"
 
@@ -15,15 +15,15 @@
 // the debit and credit patterns, typed as the entry rows of the voucher window are. The
 // template window maps its widgets to this class. Also makes the entry list of a voucher
 // from a template.
-class TositepohjaMuokkaus final : public QObject {
+class VoucherTemplateEditor final : public QObject {
     Q_OBJECT
 
 public:
-    using Puoli = TositeMuokkaus::Puoli;
+    using Puoli = VoucherEditor::Puoli;
 
-    explicit TositepohjaMuokkaus(const QSqlDatabase& db);
+    explicit VoucherTemplateEditor(const QSqlDatabase& db);
     // A changed template is saved as it stands.
-    ~TositepohjaMuokkaus() override;
+    ~VoucherTemplateEditor() override;
 
     // Reads the accounts and the templates and shows the first one (a new one when there is
     // none). False, with the message shown, when the books cannot be read.
@@ -55,7 +55,7 @@ public:
     bool poista();
     bool sulje();
     // The row the last refused save stopped on.
-    const std::optional<TositeMuokkaus::Paikka>& virhePaikka() const { return m_virhePaikka; }
+    const std::optional<VoucherEditor::Paikka>& virhePaikka() const { return m_virhePaikka; }
 
     // The entries of a voucher made from the template `tpId`: debit patterns first, then
     // credit ones. A pattern whose account has since been deleted keeps its amount without an
@@ -63,7 +63,7 @@ public:
     // template.
     struct Tosite {
         QString selite;
-        std::vector<TositeMuokkaus::Malli> viennit;
+        std::vector<VoucherEditor::Malli> viennit;
         bool tiliPuuttuu = false;
     };
     static std::optional<Tosite> tositteeksi(
@@ -94,5 +94,5 @@ private:
     std::unique_ptr<cTositePohja> m_pohja;
     cTositePohja::Viennit m_debet;
     cTositePohja::Viennit m_kredit;
-    std::optional<TositeMuokkaus::Paikka> m_virhePaikka;
+    std::optional<VoucherEditor::Paikka> m_virhePaikka;
 };

@@ -7,7 +7,7 @@
 
 // Finds vouchers of the current year by the amount of one of their entries and by a word of
 // their description. Carriers numbered below 0 are never found.
-class TositeHaku final {
+class VoucherSearch final {
 public:
     struct Osuma {
         qint32 toId = 0;

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "EntryRecord.h"
 #include "Record.h"
-#include "VientiRecord.h"
 #include "VoucherLayout.h"
 
 #include <QDate>
@@ -37,11 +37,11 @@ struct CursorStep {
 
 // One voucher over the voucher table of `layout`. cTosite (current year) and cTositeEd
 // (previous year) are this record with their own layout and their own numbering and cursor.
-class TositeRecord : public QObject, public Record<TositeValues> {
+class VoucherRecord : public QObject, public Record<TositeValues> {
     Q_OBJECT
 
 public:
-    ~TositeRecord() override; // saves a changed voucher, unless IsEmpty
+    ~VoucherRecord() override; // saves a changed voucher, unless IsEmpty
 
     // The voucher's key; 0 while it is not stored. Set only by Load and the first save.
     qint32 ToId() const { return key(); }
@@ -70,7 +70,7 @@ signals:
     void NameChanged(const QString& selite, qint32 toId);
 
 protected:
-    TositeRecord(const QSqlDatabase& db, const VoucherLayout& layout)
+    VoucherRecord(const QSqlDatabase& db, const VoucherLayout& layout)
         : Record(db)
         , m_layout(layout)
     {
@@ -88,7 +88,7 @@ protected:
     // numbers >= 0 when `onlyUserVouchers`) and the latest date, or `defaultDate` when none.
     qint32 numberAndDate(const QDate& defaultDate, bool onlyUserVouchers);
     // Gives a new entry this voucher's key, the type and the voucher's flags and description.
-    void initNewVienti(VientiRecord& vienti, const QString& tyyppi) const;
+    void initNewVienti(EntryRecord& vienti, const QString& tyyppi) const;
 
     // The year's own entry and voucher classes share these: a new entry of this voucher (empty
     // while the voucher is), the stored entries of one type in the order they were stored, and

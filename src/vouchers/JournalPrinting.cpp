@@ -1,4 +1,4 @@
-#include "KirjaTulostus.h"
+#include "JournalPrinting.h"
 
 #include "DatabaseError.h"
 #include "Dates.h"
@@ -22,8 +22,8 @@
 
 namespace {
 
-using KirjaTulostus::Kirja;
-using KirjaTulostus::Laji;
+using JournalPrinting::Kirja;
+using JournalPrinting::Laji;
 
 QString seurannimi()
 {
@@ -94,7 +94,7 @@ struct Ehdot {
 
 } // namespace
 
-namespace KirjaTulostus {
+namespace JournalPrinting {
 
 // The ledger's rows computed in memory: the accounts, the vouchers of the year and the rows to
 // print in print order.
@@ -149,12 +149,12 @@ struct PaivakirjanRivit {
     Summat summat;
 };
 
-} // namespace KirjaTulostus
+} // namespace JournalPrinting
 
 namespace {
 
-using KirjaTulostus::PaakirjanRivit;
-using KirjaTulostus::PaivakirjanRivit;
+using JournalPrinting::PaakirjanRivit;
+using JournalPrinting::PaivakirjanRivit;
 
 // Rows computed in memory (a `Rows` with a vector `rivit`), read one by one by the report engine
 // under the column names of the report's query.
@@ -342,7 +342,7 @@ private:
 
 } // namespace
 
-namespace KirjaTulostus {
+namespace JournalPrinting {
 
 QString raporttiTiedosto(Kirja kirja, Laji laji, bool vaaka)
 {
@@ -661,4 +661,4 @@ ReportJob paakirja(const Paakirja& valmis, Laji laji, const QDate& alku, const Q
     return job;
 }
 
-} // namespace KirjaTulostus
+} // namespace JournalPrinting

@@ -6,11 +6,11 @@
 // Cell editors of the entry rows: account cells complete a number or any part of a name from
 // the chart of accounts; Enter stores the cell and moves to the next one, also when it
 // chooses from the completion list.
-class VientiDelegate final : public QStyledItemDelegate {
+class EntryDelegate final : public QStyledItemDelegate {
     Q_OBJECT
 
 public:
-    VientiDelegate(const QStringList& accounts, QObject* parent);
+    EntryDelegate(const QStringList& accounts, QObject* parent);
 
     QWidget* createEditor(
         QWidget* parent, const QStyleOptionViewItem& option, const QModelIndex& index) const override;

@@ -1,20 +1,20 @@
 #include "Golden.h"
-#include "KirjaTulostus.h"
+#include "JournalPrinting.h"
 #include "Money.h"
 #include "Paths.h"
 #include "ReportDocument.h"
 #include "ReportEngine.h"
 #include "ScriptedDialogs.h"
 #include "TextMetrics.h"
-#include "TositeMuokkaus.h"
+#include "VoucherEditor.h"
 #include "VoucherFixture.h"
 #include "cTilienSaldot.h"
 #include "cTosite.h"
 
 #include <QFile>
 
-using KirjaTulostus::Kirja;
-using Laji = KirjaTulostus::Laji;
+using JournalPrinting::Kirja;
+using Laji = JournalPrinting::Laji;
 
 namespace {
 
@@ -111,7 +111,7 @@ const QDate Loppu(2011, 12, 31);
 
 } // namespace
 
-class tst_KirjaTulostus final : public QObject {
+class tst_JournalPrinting final : public QObject {
     Q_OBJECT
 
 private slots:
@@ -148,8 +148,8 @@ private slots:
         Kirjat k;
         ProgramSettings::bookkeeping().VaakaTulostus = vaaka;
         const ReportJob job = Kirja(kirja) == Kirja::Paivakirja
-            ? KirjaTulostus::paivakirja(VoucherFixture::db(), Laji(laji), Alku, Loppu)
-            : KirjaTulostus::paakirja({}, Laji(laji), Alku, Loppu);
+            ? JournalPrinting::paivakirja(VoucherFixture::db(), Laji(laji), Alku, Loppu)
+            : JournalPrinting::paakirja({}, Laji(laji), Alku, Loppu);
         QCOMPARE(job.reportFile, file);
         QVERIFY(k.raportti(job)->landscape() == vaaka);
     }
@@ -185,7 +185,7 @@ private slots:
         QFETCH(QDate, loppu);
         QFETCH(QStringList, formulas);
         Kirjat k;
-        const ReportJob job = KirjaTulostus::paivakirja(VoucherFixture::db(), Laji(laji), alku, loppu);
+        const ReportJob job = JournalPrinting::paivakirja(VoucherFixture::db(), Laji(laji), alku, loppu);
         for (const QString& kaava : formulas)
             QVERIFY2(job.formulas.contains(kaava), qPrintable(kaava));
         QVERIFY(k.raportti(job)->pageCount() >= 1);
@@ -198,7 +198,8 @@ private slots:
         const int t = k.f.addTosite(6, {}, QStringLiteral("2011-11-02"), QStringLiteral("Puolikas"));
         k.vienti(t, k.pankki, "D", "0,05");
         k.f.addTosite(7, {}, QStringLiteral("2011-11-03"), QStringLiteral("Ei vientejä"));
-        const ReportJob job = KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu);
+        const ReportJob job
+            = JournalPrinting::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu);
         for (const char* kaava : { "Tositteita= '6'", "Vienteja= '10'", "DebetVienteja= '5'",
                  "DebetSumma= '350,55'", "KreditSumma= '350,50'", "ErotusSummista= '0,05'" })
             QVERIFY2(job.formulas.contains(QString::fromLatin1(kaava)), kaava);
@@ -232,7 +233,7 @@ private slots:
         QFETCH(QDate, alku);
         QFETCH(QStringList, saldot);
         Kirjat k;
-        QVERIFY(KirjaTulostus::valmistelePaakirja(VoucherFixture::db(), Laji(laji), alku, Loppu)
+        QVERIFY(JournalPrinting::valmistelePaakirja(VoucherFixture::db(), Laji(laji), alku, Loppu)
                     .virheelliset.isEmpty());
         QCOMPARE(k.saldot(), saldot);
     }
@@ -242,14 +243,14 @@ private slots:
     {
         Kirjat k;
         const auto journal
-            = k.raportti(KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu));
+            = k.raportti(JournalPrinting::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu));
         QCOMPARE(journal->pageCount(), 1);
         VERIFY_GOLDEN(QStringLiteral("paikirja"), journal->pageText(0));
 
-        const KirjaTulostus::Paakirja valmis = KirjaTulostus::valmistelePaakirja(
+        const JournalPrinting::Paakirja valmis = JournalPrinting::valmistelePaakirja(
             VoucherFixture::db(), Laji::Tavallinen, QDate(2011, 7, 1), Loppu);
         const auto ledger
-            = k.raportti(KirjaTulostus::paakirja(valmis, Laji::Tavallinen, QDate(2011, 7, 1), Loppu));
+            = k.raportti(JournalPrinting::paakirja(valmis, Laji::Tavallinen, QDate(2011, 7, 1), Loppu));
         QCOMPARE(ledger->pageCount(), 1);
         VERIFY_GOLDEN(QStringLiteral("paakirjb"), ledger->pageText(0));
     }
@@ -271,16 +272,16 @@ private slots:
             "D", "2");
         for (const Laji laji : { Laji::Tavallinen, Laji::Avaus, Laji::Paatos }) {
             for (const QDate& alku : { Alku, QDate(2011, 7, 1) }) {
-                ReportJob journal = KirjaTulostus::paivakirja(VoucherFixture::db(), laji, alku, Loppu);
+                ReportJob journal = JournalPrinting::paivakirja(VoucherFixture::db(), laji, alku, Loppu);
                 const QString paivakirja = k.kaikkiSivut(*k.raportti(journal));
                 journal.rows = nullptr;
                 QCOMPARE(paivakirja, k.kaikkiSivut(*k.raportti(journal)));
-                const KirjaTulostus::Paakirja valmis
-                    = KirjaTulostus::valmistelePaakirja(VoucherFixture::db(), laji, alku, Loppu);
+                const JournalPrinting::Paakirja valmis
+                    = JournalPrinting::valmistelePaakirja(VoucherFixture::db(), laji, alku, Loppu);
                 const QString paakirja
-                    = k.kaikkiSivut(*k.raportti(KirjaTulostus::paakirja(valmis, laji, alku, Loppu)));
+                    = k.kaikkiSivut(*k.raportti(JournalPrinting::paakirja(valmis, laji, alku, Loppu)));
                 QCOMPARE(
-                    paakirja, k.kaikkiSivut(*k.raportti(KirjaTulostus::paakirja({}, laji, alku, Loppu))));
+                    paakirja, k.kaikkiSivut(*k.raportti(JournalPrinting::paakirja({}, laji, alku, Loppu))));
                 QVERIFY(paakirja.contains(QStringLiteral("Alkusaldo")));
             }
         }
@@ -293,8 +294,8 @@ private slots:
         Kirjat k;
         k.f.exec(QStringLiteral("UPDATE tl SET tlPrint = 0 WHERE tlNumero = 1700"));
         k.f.exec(QStringLiteral("UPDATE tl SET tlPrint = NULL WHERE tlNumero = 2000"));
-        const auto doc = k.raportti(KirjaTulostus::paakirja(
-            KirjaTulostus::valmistelePaakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu),
+        const auto doc = k.raportti(JournalPrinting::paakirja(
+            JournalPrinting::valmistelePaakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu),
             Laji::Tavallinen, Alku, Loppu));
         const QString text = k.kaikkiSivut(*doc);
         QVERIFY(!text.contains(QStringLiteral("Jäsenmaksusaamiset")));
@@ -321,7 +322,7 @@ private slots:
         };
         const QString ennen = books();
         for (const Laji laji : { Laji::Tavallinen, Laji::Avaus, Laji::Paatos })
-            KirjaTulostus::valmistelePaakirja(db, laji, Alku, Loppu);
+            JournalPrinting::valmistelePaakirja(db, laji, Alku, Loppu);
         QCOMPARE(books(), ennen);
         cTosite uusi(db);
         QCOMPARE(uusi.SetTositeNumeroJaPaiva(Alku, false), 6);
@@ -339,14 +340,14 @@ private slots:
         k.vienti(t3, 999, "D", "5");
         k.vienti(t2, k.pankki, "X", "7");
         const QList<qint32> virheet
-            = KirjaTulostus::valmistelePaakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu)
+            = JournalPrinting::valmistelePaakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu)
                   .virheelliset;
         QCOMPARE(virheet, QList<qint32>({ 2, 3 }));
-        QCOMPARE(KirjaTulostus::virheellisetViennit(virheet),
+        QCOMPARE(JournalPrinting::virheellisetViennit(virheet),
             QStringLiteral("Tarkista tositteen numero 2 viennit.\nTarkista tositteen numero 3 viennit."));
         QCOMPARE(k.saldot().at(1), QStringLiteral("1910 1\u00a0000,00/1\u00a0050,10"));
         const QString text = k.kaikkiSivut(
-            *k.raportti(KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu)));
+            *k.raportti(JournalPrinting::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu)));
         QVERIFY(text.contains(QStringLiteral("Tiliä ei ole (tili poistettu)")));
     }
 
@@ -355,12 +356,12 @@ private slots:
     {
         VoucherFixture f;
         const QString vuosi = QStringLiteral(" ei kuulu tilikauteen: 1.1.2011 - 31.12.2011");
-        QCOMPARE(KirjaTulostus::jaksonVirhe(Alku, Loppu), QString());
+        QCOMPARE(JournalPrinting::jaksonVirhe(Alku, Loppu), QString());
+        QCOMPARE(JournalPrinting::jaksonVirhe(QDate(2010, 12, 31), Loppu),
+            QStringLiteral("Alkupäivämäärä") + vuosi);
         QCOMPARE(
-            KirjaTulostus::jaksonVirhe(QDate(2010, 12, 31), Loppu), QStringLiteral("Alkupäivämäärä") + vuosi);
-        QCOMPARE(
-            KirjaTulostus::jaksonVirhe(Alku, QDate(2012, 1, 1)), QStringLiteral("Loppupäivämäärä") + vuosi);
-        QCOMPARE(KirjaTulostus::jaksonVirhe(QDate(2011, 6, 1), QDate(2011, 5, 31)),
+            JournalPrinting::jaksonVirhe(Alku, QDate(2012, 1, 1)), QStringLiteral("Loppupäivämäärä") + vuosi);
+        QCOMPARE(JournalPrinting::jaksonVirhe(QDate(2011, 6, 1), QDate(2011, 5, 31)),
             QStringLiteral("Alkupäivämäärä on loppupäivämäärän jälkeen."));
     }
 
@@ -385,7 +386,7 @@ private slots:
         k.vienti(t, k.pankki, "D", "1");
         k.vienti(t, k.jasen, "K", "1");
         const auto doc
-            = k.raportti(KirjaTulostus::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu));
+            = k.raportti(JournalPrinting::paivakirja(VoucherFixture::db(), Laji::Tavallinen, Alku, Loppu));
         const ReportPage page = doc->page(0);
         const auto right = [&](const TextRun& r) {
             return r.x + TextMetrics::width(doc->fonts()[r.font], page.runBytes(r), r.length);
@@ -409,5 +410,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(tst_KirjaTulostus)
-#include "tst_KirjaTulostus.moc"
+QTEST_MAIN(tst_JournalPrinting)
+#include "tst_JournalPrinting.moc"

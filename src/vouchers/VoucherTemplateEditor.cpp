@@ -1,4 +1,4 @@
-#include "TositepohjaMuokkaus.h"
+#include "VoucherTemplateEditor.h"
 
 #include "AmountInput.h"
 #include "DatabaseError.h"
@@ -7,9 +7,9 @@
 
 namespace {
 
-QString tyyppi(TositeMuokkaus::Puoli puoli)
+QString tyyppi(VoucherEditor::Puoli puoli)
 {
-    return puoli == TositeMuokkaus::Puoli::Debet ? QStringLiteral("D") : QStringLiteral("K");
+    return puoli == VoucherEditor::Puoli::Debet ? QStringLiteral("D") : QStringLiteral("K");
 }
 
 // A blank row that was never stored is no change.
@@ -19,13 +19,13 @@ QString naytettava(const QString& teksti) { return teksti == u" " ? QString() : 
 
 } // namespace
 
-TositepohjaMuokkaus::TositepohjaMuokkaus(const QSqlDatabase& db)
+VoucherTemplateEditor::VoucherTemplateEditor(const QSqlDatabase& db)
     : m_db(db)
     , m_pohja(std::make_unique<cTositePohja>(db))
 {
 }
 
-TositepohjaMuokkaus::~TositepohjaMuokkaus()
+VoucherTemplateEditor::~VoucherTemplateEditor()
 {
     if (!muuttunut())
         return;
@@ -48,7 +48,7 @@ TositepohjaMuokkaus::~TositepohjaMuokkaus()
     }
 }
 
-bool TositepohjaMuokkaus::avaa()
+bool VoucherTemplateEditor::avaa()
 {
     return tellIfFails(QStringLiteral("Tositepohjia ei voitu lukea."), [this] {
         m_tilit.load(m_db);
@@ -60,9 +60,9 @@ bool TositepohjaMuokkaus::avaa()
     });
 }
 
-void TositepohjaMuokkaus::lueLuettelo() { m_luettelo = cTositePohjat::Kaikki(m_db); }
+void VoucherTemplateEditor::lueLuettelo() { m_luettelo = cTositePohjat::Kaikki(m_db); }
 
-void TositepohjaMuokkaus::nayta(std::unique_ptr<cTositePohja> pohja)
+void VoucherTemplateEditor::nayta(std::unique_ptr<cTositePohja> pohja)
 {
     cTositePohja::Viennit debet = pohja->GetViennit(QStringLiteral("D"));
     cTositePohja::Viennit kredit = pohja->GetViennit(QStringLiteral("K"));
@@ -73,10 +73,9 @@ void TositepohjaMuokkaus::nayta(std::unique_ptr<cTositePohja> pohja)
     emit pohjaVaihtui();
 }
 
-void TositepohjaMuokkaus::taydenna()
+void VoucherTemplateEditor::taydenna()
 {
-    const size_t rivit
-        = std::max({ m_debet.size(), m_kredit.size(), size_t(TositeMuokkaus::VahimmaisRivit) });
+    const size_t rivit = std::max({ m_debet.size(), m_kredit.size(), size_t(VoucherEditor::VahimmaisRivit) });
     for (Puoli puoli : { Puoli::Debet, Puoli::Kredit }) {
         auto& side = puoli_(puoli);
         while (side.size() < rivit) {
@@ -87,7 +86,7 @@ void TositepohjaMuokkaus::taydenna()
     }
 }
 
-bool TositepohjaMuokkaus::muuttunut() const
+bool VoucherTemplateEditor::muuttunut() const
 {
     if (m_pohja->IsEmpty())
         return false;
@@ -100,11 +99,11 @@ bool TositepohjaMuokkaus::muuttunut() const
     return false;
 }
 
-void TositepohjaMuokkaus::setNimi(const QString& nimi) { m_pohja->setNimi(nimi); }
+void VoucherTemplateEditor::setNimi(const QString& nimi) { m_pohja->setNimi(nimi); }
 
-void TositepohjaMuokkaus::setSelite(const QString& selite) { m_pohja->setSelite(selite); }
+void VoucherTemplateEditor::setSelite(const QString& selite) { m_pohja->setSelite(selite); }
 
-bool TositepohjaMuokkaus::setPikavalinta(int numero)
+bool VoucherTemplateEditor::setPikavalinta(int numero)
 {
     if (numero >= 1 && numero <= 4) {
         bool varattu = false;
@@ -120,18 +119,18 @@ bool TositepohjaMuokkaus::setPikavalinta(int numero)
     return true;
 }
 
-QString TositepohjaMuokkaus::tiliTeksti(Puoli puoli, int rivi) const
+QString VoucherTemplateEditor::tiliTeksti(Puoli puoli, int rivi) const
 {
     return m_tilit.text(puoli_(puoli)[size_t(rivi)]->viptlID());
 }
 
-QString TositepohjaMuokkaus::arvoTeksti(Puoli puoli, int rivi) const
+QString VoucherTemplateEditor::arvoTeksti(Puoli puoli, int rivi) const
 {
     const Money arvo = puoli_(puoli)[size_t(rivi)]->vipArvo();
     return arvo.isZero() ? QString() : arvo.toString();
 }
 
-bool TositepohjaMuokkaus::setTiliTeksti(Puoli puoli, int rivi, const QString& teksti)
+bool VoucherTemplateEditor::setTiliTeksti(Puoli puoli, int rivi, const QString& teksti)
 {
     if (teksti.trimmed() == tiliTeksti(puoli, rivi))
         return false;
@@ -142,7 +141,7 @@ bool TositepohjaMuokkaus::setTiliTeksti(Puoli puoli, int rivi, const QString& te
     return true;
 }
 
-bool TositepohjaMuokkaus::setArvoTeksti(Puoli puoli, int rivi, const QString& teksti)
+bool VoucherTemplateEditor::setArvoTeksti(Puoli puoli, int rivi, const QString& teksti)
 {
     if (teksti.trimmed() == arvoTeksti(puoli, rivi))
         return false;
@@ -155,7 +154,7 @@ bool TositepohjaMuokkaus::setArvoTeksti(Puoli puoli, int rivi, const QString& te
     return true;
 }
 
-void TositepohjaMuokkaus::lisaaRivi()
+void VoucherTemplateEditor::lisaaRivi()
 {
     for (Puoli puoli : { Puoli::Debet, Puoli::Kredit }) {
         auto v = std::make_unique<cVientiPohja>(m_db);
@@ -164,7 +163,7 @@ void TositepohjaMuokkaus::lisaaRivi()
     }
 }
 
-bool TositepohjaMuokkaus::tallenna()
+bool VoucherTemplateEditor::tallenna()
 {
     m_virhePaikka.reset();
     for (Puoli puoli : { Puoli::Debet, Puoli::Kredit }) {
@@ -172,7 +171,7 @@ bool TositepohjaMuokkaus::tallenna()
         for (size_t rivi = 0; rivi < side.size(); ++rivi)
             if (side[rivi]->viptlID() < 1 && !side[rivi]->vipArvo().isZero()) {
                 showInformation(QStringLiteral("Valitse tili, jolle vienti tehdään."));
-                m_virhePaikka = TositeMuokkaus::Paikka { puoli, int(rivi) };
+                m_virhePaikka = VoucherEditor::Paikka { puoli, int(rivi) };
                 return false;
             }
     }
@@ -196,9 +195,9 @@ bool TositepohjaMuokkaus::tallenna()
     return true;
 }
 
-bool TositepohjaMuokkaus::jata() { return tallenna(); }
+bool VoucherTemplateEditor::jata() { return tallenna(); }
 
-bool TositepohjaMuokkaus::uusi()
+bool VoucherTemplateEditor::uusi()
 {
     if (!jata())
         return false;
@@ -206,7 +205,7 @@ bool TositepohjaMuokkaus::uusi()
     return true;
 }
 
-bool TositepohjaMuokkaus::lataa(qint32 tpId)
+bool VoucherTemplateEditor::lataa(qint32 tpId)
 {
     if (tpId == m_pohja->tpID() || !jata())
         return false;
@@ -218,7 +217,7 @@ bool TositepohjaMuokkaus::lataa(qint32 tpId)
     });
 }
 
-bool TositepohjaMuokkaus::poista()
+bool VoucherTemplateEditor::poista()
 {
     if (!Dialogs::instance().question(QStringLiteral("Haluatko varmasti poistaa valitun tositepohjan?")))
         return false;
@@ -238,7 +237,7 @@ bool TositepohjaMuokkaus::poista()
     return ok;
 }
 
-bool TositepohjaMuokkaus::sulje()
+bool VoucherTemplateEditor::sulje()
 {
     if (tallenna())
         return true;
@@ -254,7 +253,7 @@ bool TositepohjaMuokkaus::sulje()
     return true;
 }
 
-std::optional<TositepohjaMuokkaus::Tosite> TositepohjaMuokkaus::tositteeksi(
+std::optional<VoucherTemplateEditor::Tosite> VoucherTemplateEditor::tositteeksi(
     const QSqlDatabase& db, const VoucherAccounts& tilit, qint32 tpId)
 {
     cTositePohja pohja(db);

@@ -1,12 +1,12 @@
 #include "ScriptedDialogs.h"
-#include "TositeHaku.h"
 #include "VoucherFixture.h"
+#include "VoucherSearch.h"
 
 #include <QTest>
 #include <memory>
 
 // Finding vouchers by an entry amount and by a word of the description.
-class tst_TositeHaku : public QObject {
+class tst_VoucherSearch : public QObject {
     Q_OBJECT
 
     std::unique_ptr<VoucherFixture> f;
@@ -14,7 +14,7 @@ class tst_TositeHaku : public QObject {
 
     QStringList found(const QString& arvo, const QString& selite, QString* yhteenveto = nullptr)
     {
-        const TositeHaku::Tulos t = TositeHaku::hae(f->db(), arvo, selite);
+        const VoucherSearch::Tulos t = VoucherSearch::hae(f->db(), arvo, selite);
         if (!t.virhe.isEmpty())
             return { QStringLiteral("virhe: ") + t.virhe };
         if (yhteenveto)
@@ -116,5 +116,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_TositeHaku)
-#include "tst_TositeHaku.moc"
+QTEST_GUILESS_MAIN(tst_VoucherSearch)
+#include "tst_VoucherSearch.moc"

@@ -1,6 +1,6 @@
-#include "VientiDelegate.h"
+#include "EntryDelegate.h"
 
-#include "VientiModel.h"
+#include "EntryModel.h"
 
 #include <QAbstractItemView>
 #include <QCompleter>
@@ -9,18 +9,18 @@
 #include <QPointer>
 #include <QTimer>
 
-VientiDelegate::VientiDelegate(const QStringList& accounts, QObject* parent)
+EntryDelegate::EntryDelegate(const QStringList& accounts, QObject* parent)
     : QStyledItemDelegate(parent)
     , m_accounts(accounts)
 {
 }
 
-QWidget* VientiDelegate::createEditor(
+QWidget* EntryDelegate::createEditor(
     QWidget* parent, const QStyleOptionViewItem&, const QModelIndex& index) const
 {
     auto* editor = new QLineEdit(parent);
     editor->setFrame(false);
-    if (VientiModel::isAccountColumn(index.column())) {
+    if (EntryModel::isAccountColumn(index.column())) {
         editor->setObjectName(QStringLiteral("tTili"));
         auto* completer = new QCompleter(m_accounts, editor);
         completer->setCaseSensitivity(Qt::CaseInsensitive);
@@ -29,7 +29,7 @@ QWidget* VientiDelegate::createEditor(
         // While the completion list is open it takes Enter itself and hands it to the editor
         // past this delegate's filter: the line edit then reports it as returnPressed. One
         // Enter accepts the choice and moves on.
-        auto* self = const_cast<VientiDelegate*>(this);
+        auto* self = const_cast<EntryDelegate*>(this);
         connect(editor, &QLineEdit::returnPressed, self, [self, editor] {
             QPointer<QLineEdit> guard(editor);
             QTimer::singleShot(0, self, [self, guard] {
@@ -45,25 +45,25 @@ QWidget* VientiDelegate::createEditor(
     return editor;
 }
 
-void VientiDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
+void EntryDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const
 {
     auto* line = static_cast<QLineEdit*>(editor);
     line->setText(index.data(Qt::EditRole).toString());
     line->selectAll();
 }
 
-void VientiDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const
+void EntryDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, const QModelIndex& index) const
 {
     model->setData(index, static_cast<QLineEdit*>(editor)->text(), Qt::EditRole);
 }
 
-void VientiDelegate::acceptAndMoveOn(QWidget* editor)
+void EntryDelegate::acceptAndMoveOn(QWidget* editor)
 {
     emit commitData(editor);
     emit closeEditor(editor, QAbstractItemDelegate::EditNextItem);
 }
 
-bool VientiDelegate::eventFilter(QObject* watched, QEvent* event)
+bool EntryDelegate::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::KeyPress) {
         auto* key = static_cast<QKeyEvent*>(event);

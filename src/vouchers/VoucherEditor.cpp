@@ -1,4 +1,4 @@
-#include "TositeMuokkaus.h"
+#include "VoucherEditor.h"
 
 #include "DatabaseFile.h"
 #include "Dates.h"
@@ -17,7 +17,7 @@ void kerro(const QString& lause, const DatabaseError& e) { Dialogs::instance().e
 
 } // namespace
 
-TositeMuokkaus::TositeMuokkaus(const QSqlDatabase& db, Laji laji)
+VoucherEditor::VoucherEditor(const QSqlDatabase& db, Laji laji)
     : m_db(db)
     , m_laji(laji)
     , m_vainLuku(DatabaseFile::isReadOnly(db))
@@ -26,7 +26,7 @@ TositeMuokkaus::TositeMuokkaus(const QSqlDatabase& db, Laji laji)
     m_tosite->setIsEmpty(true);
 }
 
-TositeMuokkaus::~TositeMuokkaus()
+VoucherEditor::~VoucherEditor()
 {
     // Released without leaving first: what is on screen is kept, all or nothing.
     if (!m_tosite->IsEmpty()) {
@@ -39,17 +39,17 @@ TositeMuokkaus::~TositeMuokkaus()
     unohda();
 }
 
-QString TositeMuokkaus::tyyppi(Puoli puoli)
+QString VoucherEditor::tyyppi(Puoli puoli)
 {
     return puoli == Puoli::Debet ? QStringLiteral("D") : QStringLiteral("K");
 }
 
-QString TositeMuokkaus::luetteloTeksti(qint32 numero, const QString& selite)
+QString VoucherEditor::luetteloTeksti(qint32 numero, const QString& selite)
 {
     return QString::number(numero) + u' ' + selite;
 }
 
-bool TositeMuokkaus::avaa()
+bool VoucherEditor::avaa()
 {
     try {
         m_maxLkm = cTosite::MaxLkmViennitPerTosite(m_db);
@@ -64,7 +64,7 @@ bool TositeMuokkaus::avaa()
     }
 }
 
-void TositeMuokkaus::unohda()
+void VoucherEditor::unohda()
 {
     // Objects whose voucher is gone, or whose changes the user chose to drop, write nothing.
     for (auto* side : { &m_debet, &m_kredit })
@@ -75,7 +75,7 @@ void TositeMuokkaus::unohda()
     m_tosite->setIsEmpty(true);
 }
 
-void TositeMuokkaus::nayta(std::unique_ptr<cTosite> tosite)
+void VoucherEditor::nayta(std::unique_ptr<cTosite> tosite)
 {
     m_debet.clear();
     m_kredit.clear();
@@ -84,7 +84,7 @@ void TositeMuokkaus::nayta(std::unique_ptr<cTosite> tosite)
         tosite->setIsEmpty(true);
     }
     m_tosite = std::move(tosite);
-    connect(m_tosite.get(), &cTosite::NameChanged, this, &TositeMuokkaus::nimiMuuttui);
+    connect(m_tosite.get(), &cTosite::NameChanged, this, &VoucherEditor::nimiMuuttui);
     m_debet = m_tosite->GetViennit(tyyppi(Puoli::Debet));
     m_kredit = m_tosite->GetViennit(tyyppi(Puoli::Kredit));
     const size_t rows
@@ -96,7 +96,7 @@ void TositeMuokkaus::nayta(std::unique_ptr<cTosite> tosite)
     emit tositeVaihtui();
 }
 
-void TositeMuokkaus::lueLaskettava()
+void VoucherEditor::lueLaskettava()
 {
     const qint32 laskettava = ProgramSettings::bookkeeping().LaskettavaTili;
     m_omat = laskettava != 0 && m_tosite->ToId() != 0
@@ -104,7 +104,7 @@ void TositeMuokkaus::lueLaskettava()
         : VoucherAccounts::Sums();
 }
 
-void TositeMuokkaus::taydennaRivit()
+void VoucherEditor::taydennaRivit()
 {
     for (Puoli puoli : { Puoli::Debet, Puoli::Kredit })
         for (auto& v : puoli_(puoli))
@@ -112,19 +112,19 @@ void TositeMuokkaus::taydennaRivit()
                 v = m_tosite->AddNewVienti(tyyppi(puoli));
 }
 
-void TositeMuokkaus::nimiMuuttui(const QString& selite, qint32 toId)
+void VoucherEditor::nimiMuuttui(const QString& selite, qint32 toId)
 {
     if (toId == m_tosite->ToId())
         emit luetteloRivi(toId, luetteloTeksti(m_tosite->Numero(), selite));
 }
 
-void TositeMuokkaus::setNumero(qint32 numero)
+void VoucherEditor::setNumero(qint32 numero)
 {
     if (muokattavissa())
         m_tosite->setNumero(numero);
 }
 
-void TositeMuokkaus::setSelite(const QString& selite)
+void VoucherEditor::setSelite(const QString& selite)
 {
     if (!muokattavissa())
         return;
@@ -135,7 +135,7 @@ void TositeMuokkaus::setSelite(const QString& selite)
             v->setSelite(m_tosite->Selite());
 }
 
-bool TositeMuokkaus::setPaiva(const QDate& paiva, bool varoita)
+bool VoucherEditor::setPaiva(const QDate& paiva, bool varoita)
 {
     if (!muokattavissa())
         return true;
@@ -150,18 +150,18 @@ bool TositeMuokkaus::setPaiva(const QDate& paiva, bool varoita)
     return false;
 }
 
-QString TositeMuokkaus::tiliTeksti(Puoli puoli, int rivi) const
+QString VoucherEditor::tiliTeksti(Puoli puoli, int rivi) const
 {
     return m_tilit.text(vienti(puoli, rivi).tlID());
 }
 
-QString TositeMuokkaus::arvoTeksti(Puoli puoli, int rivi) const
+QString VoucherEditor::arvoTeksti(Puoli puoli, int rivi) const
 {
     const Money arvo = vienti(puoli, rivi).Arvo();
     return arvo.isZero() ? QString() : arvo.toString();
 }
 
-bool TositeMuokkaus::setTiliTeksti(Puoli puoli, int rivi, const QString& teksti)
+bool VoucherEditor::setTiliTeksti(Puoli puoli, int rivi, const QString& teksti)
 {
     if (!muokattavissa() || teksti.trimmed() == tiliTeksti(puoli, rivi))
         return false;
@@ -172,7 +172,7 @@ bool TositeMuokkaus::setTiliTeksti(Puoli puoli, int rivi, const QString& teksti)
     return true;
 }
 
-bool TositeMuokkaus::setArvoTeksti(Puoli puoli, int rivi, const QString& teksti)
+bool VoucherEditor::setArvoTeksti(Puoli puoli, int rivi, const QString& teksti)
 {
     // Tabbing through a cell rewrites nothing: an amount of more than two decimals or a
     // negative one, stored earlier, keeps its value.
@@ -187,19 +187,19 @@ bool TositeMuokkaus::setArvoTeksti(Puoli puoli, int rivi, const QString& teksti)
     return true;
 }
 
-void TositeMuokkaus::setTili(Puoli puoli, int rivi, qint32 tlId)
+void VoucherEditor::setTili(Puoli puoli, int rivi, qint32 tlId)
 {
     if (muokattavissa())
         puoli_(puoli)[size_t(rivi)]->settlID(tlId);
 }
 
-void TositeMuokkaus::setArvo(Puoli puoli, int rivi, Money arvo)
+void VoucherEditor::setArvo(Puoli puoli, int rivi, Money arvo)
 {
     if (muokattavissa())
         puoli_(puoli)[size_t(rivi)]->setArvo(arvo);
 }
 
-void TositeMuokkaus::lisaaRivi()
+void VoucherEditor::lisaaRivi()
 {
     if (!muokattavissa())
         return;
@@ -207,7 +207,7 @@ void TositeMuokkaus::lisaaRivi()
         puoli_(puoli).push_back(m_tosite->AddNewVienti(tyyppi(puoli)));
 }
 
-Money TositeMuokkaus::debet() const
+Money VoucherEditor::debet() const
 {
     Money sum;
     for (const auto& v : m_debet)
@@ -215,7 +215,7 @@ Money TositeMuokkaus::debet() const
     return sum;
 }
 
-Money TositeMuokkaus::kredit() const
+Money VoucherEditor::kredit() const
 {
     Money sum;
     for (const auto& v : m_kredit)
@@ -223,7 +223,7 @@ Money TositeMuokkaus::kredit() const
     return sum;
 }
 
-std::optional<Money> TositeMuokkaus::laskettavanSaldo() const
+std::optional<Money> VoucherEditor::laskettavanSaldo() const
 {
     const qint32 laskettava = ProgramSettings::bookkeeping().LaskettavaTili;
     if (laskettava == 0)
@@ -238,7 +238,7 @@ std::optional<Money> TositeMuokkaus::laskettavanSaldo() const
     return sums.debet - sums.kredit;
 }
 
-std::optional<TositeMuokkaus::Paikka> TositeMuokkaus::tarkistaTilit() const
+std::optional<VoucherEditor::Paikka> VoucherEditor::tarkistaTilit() const
 {
     if (m_tosite->IsEmpty())
         return std::nullopt;
@@ -255,7 +255,7 @@ std::optional<TositeMuokkaus::Paikka> TositeMuokkaus::tarkistaTilit() const
     return std::nullopt;
 }
 
-bool TositeMuokkaus::valmisUuteen() const
+bool VoucherEditor::valmisUuteen() const
 {
     if (m_tosite->IsEmpty())
         return false;
@@ -279,7 +279,7 @@ bool TositeMuokkaus::valmisUuteen() const
     }
 }
 
-void TositeMuokkaus::tallennaKaikki()
+void VoucherEditor::tallennaKaikki()
 {
     if (m_tosite->IsEmpty())
         return;
@@ -307,14 +307,14 @@ void TositeMuokkaus::tallennaKaikki()
     m_kaikki = m_kaikki - ennen + m_omat;
 }
 
-void TositeMuokkaus::paivitaSaldot()
+void VoucherEditor::paivitaSaldot()
 {
     const qint32 laskettava = ProgramSettings::bookkeeping().LaskettavaTili;
     m_kaikki = laskettava != 0 ? VoucherAccounts::storedSums(m_db, laskettava) : VoucherAccounts::Sums();
     lueLaskettava();
 }
 
-bool TositeMuokkaus::tallennaJaKerro()
+bool VoucherEditor::tallennaJaKerro()
 {
     try {
         tallennaKaikki();
@@ -325,7 +325,7 @@ bool TositeMuokkaus::tallennaJaKerro()
     }
 }
 
-bool TositeMuokkaus::tarkistaPvm()
+bool VoucherEditor::tarkistaPvm()
 {
     m_pvmPuuttuu = muokattavissa() && !m_tosite->Paiva().isValid();
     if (m_pvmPuuttuu)
@@ -334,13 +334,13 @@ bool TositeMuokkaus::tarkistaPvm()
     return !m_pvmPuuttuu;
 }
 
-bool TositeMuokkaus::jata()
+bool VoucherEditor::jata()
 {
     m_virhePaikka = tarkistaTilit();
     return !m_virhePaikka && tarkistaPvm() && tallennaJaKerro();
 }
 
-bool TositeMuokkaus::tallenna()
+bool VoucherEditor::tallenna()
 {
     if (!jata())
         return false;
@@ -349,9 +349,9 @@ bool TositeMuokkaus::tallenna()
     return true;
 }
 
-bool TositeMuokkaus::uusi() { return uusiMallista(QString(), {}); }
+bool VoucherEditor::uusi() { return uusiMallista(QString(), {}); }
 
-bool TositeMuokkaus::uusiMallista(const QString& selite, const std::vector<Malli>& viennit)
+bool VoucherEditor::uusiMallista(const QString& selite, const std::vector<Malli>& viennit)
 {
     if (m_vainLuku) {
         Dialogs::instance().beep();
@@ -399,7 +399,7 @@ bool TositeMuokkaus::uusiMallista(const QString& selite, const std::vector<Malli
     return true;
 }
 
-bool TositeMuokkaus::poista()
+bool VoucherEditor::poista()
 {
     if (!muokattavissa() || m_tosite->ToId() == 0) {
         Dialogs::instance().beep();
@@ -427,7 +427,7 @@ bool TositeMuokkaus::poista()
     }
 }
 
-void TositeMuokkaus::peru()
+void VoucherEditor::peru()
 {
     if (!muokattavissa())
         return;
@@ -440,7 +440,7 @@ void TositeMuokkaus::peru()
         emit luetteloRivi(m_tosite->ToId(), luetteloTeksti(m_tosite->Numero(), m_tosite->Selite()));
 }
 
-bool TositeMuokkaus::siirry(Siirto siirto)
+bool VoucherEditor::siirry(Siirto siirto)
 {
     m_virhePaikka = tarkistaTilit();
     if (m_virhePaikka)
@@ -476,7 +476,7 @@ bool TositeMuokkaus::siirry(Siirto siirto)
     }
 }
 
-bool TositeMuokkaus::lataa(qint32 toId)
+bool VoucherEditor::lataa(qint32 toId)
 {
     if (toId == 0 || toId == m_tosite->ToId() || !jata())
         return false;
@@ -494,7 +494,7 @@ bool TositeMuokkaus::lataa(qint32 toId)
     }
 }
 
-bool TositeMuokkaus::sulje()
+bool VoucherEditor::sulje()
 {
     m_virhePaikka = tarkistaTilit();
     if (m_virhePaikka || !tarkistaPvm())
@@ -508,14 +508,14 @@ bool TositeMuokkaus::sulje()
     return true;
 }
 
-bool TositeMuokkaus::automaattinenUusi()
+bool VoucherEditor::automaattinenUusi()
 {
     if (!ProgramSettings::bookkeeping().AutomaattisestiUusiTosite || !valmisUuteen())
         return false;
     return uusi();
 }
 
-std::vector<cTosite::Rivi> TositeMuokkaus::luettelo() const
+std::vector<cTosite::Rivi> VoucherEditor::luettelo() const
 {
     return cTosite::Luettelo(m_db, avaus(), paatos());
 }

@@ -1,5 +1,5 @@
 #include "ScriptedDialogs.h"
-#include "TositeMuokkaus.h"
+#include "VoucherEditor.h"
 #include "VoucherFixture.h"
 
 #include "Dates.h"
@@ -7,10 +7,10 @@
 #include <QTest>
 #include <memory>
 
-using Laji = TositeMuokkaus::Laji;
-using Puoli = TositeMuokkaus::Puoli;
-using Siirto = TositeMuokkaus::Siirto;
-Q_DECLARE_METATYPE(TositeMuokkaus::Laji)
+using Laji = VoucherEditor::Laji;
+using Puoli = VoucherEditor::Puoli;
+using Siirto = VoucherEditor::Siirto;
+Q_DECLARE_METATYPE(VoucherEditor::Laji)
 
 namespace {
 
@@ -19,16 +19,16 @@ const QString CheckAccounts = QStringLiteral("information: Tarkista tilivalinta.
 } // namespace
 
 // The rules of editing vouchers, without a window.
-class tst_TositeMuokkaus : public QObject {
+class tst_VoucherEditor : public QObject {
     Q_OBJECT
 
     std::unique_ptr<VoucherFixture> f;
     std::unique_ptr<ScriptedDialogs> dialogs;
     int pankki = 0, velat = 0, myynti = 0; // 1910 Pankkitili, 2250 Muut velat, 3000 Myyntituotot
 
-    std::unique_ptr<TositeMuokkaus> open(Laji laji = Laji::Tavallinen)
+    std::unique_ptr<VoucherEditor> open(Laji laji = Laji::Tavallinen)
     {
-        auto m = std::make_unique<TositeMuokkaus>(f->db(), laji);
+        auto m = std::make_unique<VoucherEditor>(f->db(), laji);
         if (!m->avaa())
             qWarning("avaa failed");
         return m;
@@ -71,7 +71,7 @@ private slots:
             f->addTosite(closingBefore, QStringLiteral("P"), QStringLiteral("2011-03-01"));
         auto m = open(laji);
         QCOMPARE(m->tosite().IsEmpty(), laji != Laji::Paatos || !closingBefore);
-        QCOMPARE(m->riviMaara(), TositeMuokkaus::VahimmaisRivit);
+        QCOMPARE(m->riviMaara(), VoucherEditor::VahimmaisRivit);
         QVERIFY(m->uusi());
         QCOMPARE(m->tosite().Numero(), closingBefore + 1);
         QCOMPARE(m->tosite().Avaustosite(), laji == Laji::Avaus);
@@ -424,5 +424,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_TositeMuokkaus)
-#include "tst_TositeMuokkaus.moc"
+QTEST_GUILESS_MAIN(tst_VoucherEditor)
+#include "tst_VoucherEditor.moc"

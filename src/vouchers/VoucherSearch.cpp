@@ -1,4 +1,4 @@
-#include "TositeHaku.h"
+#include "VoucherSearch.h"
 
 #include "DatabaseError.h"
 #include "Dates.h"
@@ -12,7 +12,7 @@ namespace {
 
 const QString Columns = QStringLiteral("t.toID, t.toNumero, t.toPvm, t.toSelite");
 
-TositeHaku::Osuma osuma(const QSqlQuery& q)
+VoucherSearch::Osuma osuma(const QSqlQuery& q)
 {
     return { q.value(0).toInt(), q.value(1).toInt(), Dates::fromSql(q.value(2).toString()),
         q.value(3).toString() };
@@ -41,12 +41,12 @@ QString likePattern(const QString& text)
 
 } // namespace
 
-QString TositeHaku::Osuma::rivi() const
+QString VoucherSearch::Osuma::rivi() const
 {
     return QStringLiteral("%1 - %2 - %3").arg(numero).arg(Dates::format(paiva), selite);
 }
 
-QString TositeHaku::Tulos::yhteenveto() const
+QString VoucherSearch::Tulos::yhteenveto() const
 {
     if (osumat.empty())
         return QStringLiteral("Ei löytynyt.");
@@ -55,7 +55,7 @@ QString TositeHaku::Tulos::yhteenveto() const
     return QStringLiteral("Löytyi %1 tositetta.").arg(osumat.size());
 }
 
-TositeHaku::Tulos TositeHaku::hae(const QSqlDatabase& db, const QString& arvo, const QString& selite)
+VoucherSearch::Tulos VoucherSearch::hae(const QSqlDatabase& db, const QString& arvo, const QString& selite)
 {
     Tulos tulos;
     if (arvo.isEmpty() && selite.isEmpty()) {
@@ -85,7 +85,7 @@ TositeHaku::Tulos TositeHaku::hae(const QSqlDatabase& db, const QString& arvo, c
     return tulos;
 }
 
-void TositeHaku::arvolla(const QSqlDatabase& db, qint64 raw, std::vector<Osuma>& osumat)
+void VoucherSearch::arvolla(const QSqlDatabase& db, qint64 raw, std::vector<Osuma>& osumat)
 {
     // One line per entry of the amount, in the order the entries were stored.
     QSqlQuery q = Sql::run(db,
@@ -97,7 +97,7 @@ void TositeHaku::arvolla(const QSqlDatabase& db, qint64 raw, std::vector<Osuma>&
         osumat.push_back(osuma(q));
 }
 
-void TositeHaku::selitteella(const QSqlDatabase& db, const QString& teksti, std::vector<Osuma>& osumat)
+void VoucherSearch::selitteella(const QSqlDatabase& db, const QString& teksti, std::vector<Osuma>& osumat)
 {
     QSqlQuery q = Sql::run(db,
         QStringLiteral(

@@ -4,7 +4,7 @@
 #include <vector>
 
 // The vouchers of the window's kind, one line each: number, a blank and the description.
-class TositeListModel final : public QAbstractListModel {
+class VoucherListModel final : public QAbstractListModel {
     Q_OBJECT
 
 public:

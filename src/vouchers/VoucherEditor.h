@@ -18,7 +18,7 @@
 //
 // Commands report what goes wrong through Dialogs and leave what the user typed on screen:
 // a save that fails is rolled back whole and can be tried again.
-class TositeMuokkaus final : public QObject {
+class VoucherEditor final : public QObject {
     Q_OBJECT
 
 public:
@@ -38,9 +38,9 @@ public:
     // Entry rows per side are at least this many.
     static constexpr int VahimmaisRivit = 6;
 
-    TositeMuokkaus(const QSqlDatabase& db, Laji laji);
+    VoucherEditor(const QSqlDatabase& db, Laji laji);
     // The voucher on screen is saved as it stands (the owner runs the leave check first).
-    ~TositeMuokkaus() override;
+    ~VoucherEditor() override;
 
     // Reads what editing needs (the row count of the longest voucher, the accounts, the sums of
     // the chosen account) and shows the last voucher of the kind. False, with the message

@@ -1,4 +1,4 @@
-#include "TositeRecord.h"
+#include "VoucherRecord.h"
 
 #include "Dates.h"
 #include "RecordText.h"
@@ -14,28 +14,28 @@ QVariant dateValue(const QDate& date)
 
 } // namespace
 
-TositeRecord::~TositeRecord() { saveOnRelease(); }
+VoucherRecord::~VoucherRecord() { saveOnRelease(); }
 
-QString TositeRecord::releaseFailure() const
+QString VoucherRecord::releaseFailure() const
 {
     return QStringLiteral("Tositteen tallentaminen ei onnistunut.");
 }
 
-void TositeRecord::setNumero(qint32 numero)
+void VoucherRecord::setNumero(qint32 numero)
 {
     assign(m_v.numero, numero);
     if (ToId() != 0)
         emit NameChanged(m_v.selite, ToId());
 }
 
-void TositeRecord::setSelite(const QString& selite)
+void VoucherRecord::setSelite(const QString& selite)
 {
     assign(m_v.selite, RecordText::cut(selite, RecordText::DescriptionLength));
     if (ToId() != 0)
         emit NameChanged(m_v.selite, ToId());
 }
 
-std::optional<TositeValues> TositeRecord::selectRow(qint32 id) const
+std::optional<TositeValues> VoucherRecord::selectRow(qint32 id) const
 {
     const VoucherLayout& l = m_layout;
     QSqlQuery q = Sql::run(database(),
@@ -55,7 +55,7 @@ std::optional<TositeValues> TositeRecord::selectRow(qint32 id) const
     return v;
 }
 
-void TositeRecord::bindValues(QSqlQuery& q, bool withKeyBeforeFlag, qint32 newKey) const
+void VoucherRecord::bindValues(QSqlQuery& q, bool withKeyBeforeFlag, qint32 newKey) const
 {
     q.addBindValue(m_v.numero);
     q.addBindValue(dateValue(m_v.paiva));
@@ -67,7 +67,7 @@ void TositeRecord::bindValues(QSqlQuery& q, bool withKeyBeforeFlag, qint32 newKe
     q.addBindValue(m_v.automaatti ? 1 : 0);
 }
 
-qint32 TositeRecord::insertRow()
+qint32 VoucherRecord::insertRow()
 {
     const VoucherLayout& l = m_layout;
     const QString columns
@@ -92,7 +92,7 @@ qint32 TositeRecord::insertRow()
     return newKey;
 }
 
-void TositeRecord::updateRow()
+void VoucherRecord::updateRow()
 {
     const VoucherLayout& l = m_layout;
     QSqlQuery q = Sql::prepare(database(),
@@ -104,7 +104,7 @@ void TositeRecord::updateRow()
     Sql::exec(q);
 }
 
-void TositeRecord::deleteRow()
+void VoucherRecord::deleteRow()
 {
     Sql::run(database(), QStringLiteral("DELETE FROM %1 WHERE %2 = ?").arg(m_layout.to, m_layout.toID),
         { ToId() });
@@ -112,7 +112,7 @@ void TositeRecord::deleteRow()
         { ToId() });
 }
 
-void TositeRecord::Delete()
+void VoucherRecord::Delete()
 {
     if (IsEmpty())
         return;
@@ -121,7 +121,7 @@ void TositeRecord::Delete()
     t.commitOrThrow();
 }
 
-qint32 TositeRecord::cursorKey(const CursorStep& step) const
+qint32 VoucherRecord::cursorKey(const CursorStep& step) const
 {
     const VoucherLayout& l = m_layout;
     const QString order = step.descending ? QStringLiteral("DESC") : QStringLiteral("ASC");
@@ -140,7 +140,7 @@ qint32 TositeRecord::cursorKey(const CursorStep& step) const
     return found.isValid() ? found.toInt() : 0;
 }
 
-qint32 TositeRecord::numberAndDate(const QDate& defaultDate, bool onlyUserVouchers)
+qint32 VoucherRecord::numberAndDate(const QDate& defaultDate, bool onlyUserVouchers)
 {
     const VoucherLayout& l = m_layout;
     const QString filter = onlyUserVouchers ? QStringLiteral(" WHERE %1 >= 0").arg(l.toNumero) : QString();
@@ -160,7 +160,7 @@ qint32 TositeRecord::numberAndDate(const QDate& defaultDate, bool onlyUserVouche
     return numero;
 }
 
-void TositeRecord::initNewVienti(VientiRecord& vienti, const QString& tyyppi) const
+void VoucherRecord::initNewVienti(EntryRecord& vienti, const QString& tyyppi) const
 {
     vienti.setToId(ToId());
     vienti.setTyyppi(tyyppi);
@@ -171,10 +171,10 @@ void TositeRecord::initNewVienti(VientiRecord& vienti, const QString& tyyppi) co
     vienti.takeUndoCopy();
 }
 
-QSqlQuery TositeRecord::selectViennit(const QString& tyyppi) const
+QSqlQuery VoucherRecord::selectViennit(const QString& tyyppi) const
 {
     return Sql::run(database(),
-        VientiRecord::selectSql(m_layout)
+        EntryRecord::selectSql(m_layout)
             + QStringLiteral(" WHERE %1 = ? AND %2 = ? ORDER BY %3")
                   .arg(m_layout.vitoID, m_layout.viTyyppi, m_layout.viID),
         { ToId(), tyyppi });

@@ -1,18 +1,18 @@
-#include "TositeListModel.h"
+#include "VoucherListModel.h"
 
-void TositeListModel::setLines(std::vector<Line> lines)
+void VoucherListModel::setLines(std::vector<Line> lines)
 {
     beginResetModel();
     m_lines = std::move(lines);
     endResetModel();
 }
 
-int TositeListModel::rowCount(const QModelIndex& parent) const
+int VoucherListModel::rowCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : int(m_lines.size());
 }
 
-QVariant TositeListModel::data(const QModelIndex& index, int role) const
+QVariant VoucherListModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid() || size_t(index.row()) >= m_lines.size())
         return {};
@@ -23,7 +23,7 @@ QVariant TositeListModel::data(const QModelIndex& index, int role) const
     return {};
 }
 
-int TositeListModel::rowOf(qint32 id) const
+int VoucherListModel::rowOf(qint32 id) const
 {
     for (size_t i = 0; i < m_lines.size(); ++i)
         if (m_lines[i].id == id)
@@ -31,7 +31,7 @@ int TositeListModel::rowOf(qint32 id) const
     return -1;
 }
 
-void TositeListModel::setLine(qint32 id, const QString& text)
+void VoucherListModel::setLine(qint32 id, const QString& text)
 {
     const int row = rowOf(id);
     if (row >= 0) {
@@ -44,7 +44,7 @@ void TositeListModel::setLine(qint32 id, const QString& text)
     endInsertRows();
 }
 
-void TositeListModel::removeLine(qint32 id)
+void VoucherListModel::removeLine(qint32 id)
 {
     const int row = rowOf(id);
     if (row < 0)

@@ -1,18 +1,18 @@
 #include "ScriptedDialogs.h"
-#include "TositeMuokkaus.h"
-#include "TositepohjaMuokkaus.h"
+#include "VoucherEditor.h"
 #include "VoucherFixture.h"
+#include "VoucherTemplateEditor.h"
 #include "cTositePohja.h"
 #include "cTositePohjat.h"
 
 #include <QTest>
 #include <memory>
 
-using Puoli = TositeMuokkaus::Puoli;
+using Puoli = VoucherEditor::Puoli;
 
 // Voucher templates: the records, the rules of the template window, and a voucher made from a
 // template.
-class tst_Tositepohjat : public QObject {
+class tst_VoucherTemplates : public QObject {
     Q_OBJECT
 
     std::unique_ptr<VoucherFixture> f;
@@ -74,7 +74,7 @@ private slots:
         const int poistettava = addPohja(QStringLiteral("Vuokra"), 2);
         addRivi(poistettava, vuokra, QStringLiteral("D"), 100);
         addRivi(poistettava, pankki, QStringLiteral("K"), 100);
-        TositepohjaMuokkaus m(f->db());
+        VoucherTemplateEditor m(f->db());
         QVERIFY(m.avaa());
         QCOMPARE(m.pohja().tpID(), pidettava); // first by name
         QVERIFY(m.lataa(poistettava));
@@ -92,9 +92,9 @@ private slots:
 
     void typingATemplate()
     {
-        TositepohjaMuokkaus m(f->db());
+        VoucherTemplateEditor m(f->db());
         QVERIFY(m.avaa());
-        QCOMPARE(m.riviMaara(), TositeMuokkaus::VahimmaisRivit);
+        QCOMPARE(m.riviMaara(), VoucherEditor::VahimmaisRivit);
         m.setNimi(QStringLiteral("Vuokra"));
         m.setSelite(QStringLiteral("Toimiston vuokra"));
         QVERIFY(m.setTiliTeksti(Puoli::Debet, 0, QStringLiteral("7100")));
@@ -130,7 +130,7 @@ private slots:
         addRivi(tp, kassa, QStringLiteral("D"), 500000);
         VoucherAccounts tilit;
         tilit.load(f->db());
-        const auto tosite = TositepohjaMuokkaus::tositteeksi(f->db(), tilit, tp);
+        const auto tosite = VoucherTemplateEditor::tositteeksi(f->db(), tilit, tp);
         QVERIFY(tosite);
         QCOMPARE(tosite->selite, QStringLiteral("Toimiston vuokra"));
         QVERIFY(!tosite->tiliPuuttuu);
@@ -152,17 +152,17 @@ private slots:
         f->exec(QStringLiteral("DELETE FROM tl WHERE tlID = ?"), { poistettu });
         VoucherAccounts tilit;
         tilit.load(f->db());
-        const auto tosite = TositepohjaMuokkaus::tositteeksi(f->db(), tilit, tp);
+        const auto tosite = VoucherTemplateEditor::tositteeksi(f->db(), tilit, tp);
         QVERIFY(tosite && tosite->tiliPuuttuu);
         QCOMPARE(tosite->viennit[0].tlId, 0);
         QCOMPARE(tosite->viennit[0].arvo, Money::fromRaw(100000));
 
         const int tyhja = addPohja(QStringLiteral("Tyhjä"), QVariant(), QStringLiteral(" "));
-        const auto blank = TositepohjaMuokkaus::tositteeksi(f->db(), tilit, tyhja);
+        const auto blank = VoucherTemplateEditor::tositteeksi(f->db(), tilit, tyhja);
         QVERIFY(blank && blank->viennit.empty() && blank->selite.isEmpty());
-        QVERIFY(!TositepohjaMuokkaus::tositteeksi(f->db(), tilit, 9999));
+        QVERIFY(!VoucherTemplateEditor::tositteeksi(f->db(), tilit, 9999));
     }
 };
 
-QTEST_GUILESS_MAIN(tst_Tositepohjat)
-#include "tst_Tositepohjat.moc"
+QTEST_GUILESS_MAIN(tst_VoucherTemplates)
+#include "tst_VoucherTemplates.moc"

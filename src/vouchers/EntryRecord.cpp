@@ -1,22 +1,19 @@
-#include "VientiRecord.h"
+#include "EntryRecord.h"
 
 #include "RecordText.h"
 
 #include <QVariant>
 
-VientiRecord::~VientiRecord() { saveOnRelease(); }
+EntryRecord::~EntryRecord() { saveOnRelease(); }
 
-void VientiRecord::setSelite(const QString& selite)
+void EntryRecord::setSelite(const QString& selite)
 {
     assign(m_v.selite, RecordText::cut(selite, RecordText::DescriptionLength));
 }
 
-QString VientiRecord::releaseFailure() const
-{
-    return QStringLiteral("Viennin tallentaminen ei onnistunut.");
-}
+QString EntryRecord::releaseFailure() const { return QStringLiteral("Viennin tallentaminen ei onnistunut."); }
 
-QString VientiRecord::selectSql(const VoucherLayout& l)
+QString EntryRecord::selectSql(const VoucherLayout& l)
 {
     return QStringLiteral("SELECT %1, %2, %3, %4, %5, %6, %7, %8, %9 FROM %10")
         .arg(l.viID, l.vitlID, l.vitoID, l.viTyyppi, l.viArvo, l.viSelite, l.viAvausvienti, l.viPaatosvienti,
@@ -42,9 +39,9 @@ VientiValues valuesOf(const QSqlQuery& q)
 
 } // namespace
 
-void VientiRecord::loadFromRow(const QSqlQuery& q) { setLoaded(q.value(0).toInt(), valuesOf(q)); }
+void EntryRecord::loadFromRow(const QSqlQuery& q) { setLoaded(q.value(0).toInt(), valuesOf(q)); }
 
-std::optional<VientiValues> VientiRecord::selectRow(qint32 id) const
+std::optional<VientiValues> EntryRecord::selectRow(qint32 id) const
 {
     QSqlQuery q = Sql::run(
         database(), selectSql(m_layout) + QStringLiteral(" WHERE %1 = ?").arg(m_layout.viID), { id });
@@ -53,7 +50,7 @@ std::optional<VientiValues> VientiRecord::selectRow(qint32 id) const
     return valuesOf(q);
 }
 
-void VientiRecord::bindValues(QSqlQuery& q) const
+void EntryRecord::bindValues(QSqlQuery& q) const
 {
     q.addBindValue(m_v.tlId);
     q.addBindValue(m_v.toId);
@@ -65,7 +62,7 @@ void VientiRecord::bindValues(QSqlQuery& q) const
     q.addBindValue(m_v.automaatti ? 1 : 0);
 }
 
-qint32 VientiRecord::insertRow()
+qint32 EntryRecord::insertRow()
 {
     const VoucherLayout& l = m_layout;
     const QString columns = QStringList { l.vitlID, l.vitoID, l.viTyyppi, l.viArvo, l.viSelite,
@@ -89,7 +86,7 @@ qint32 VientiRecord::insertRow()
     return newKey;
 }
 
-void VientiRecord::updateRow()
+void EntryRecord::updateRow()
 {
     const VoucherLayout& l = m_layout;
     QSqlQuery q = Sql::prepare(database(),
@@ -102,7 +99,7 @@ void VientiRecord::updateRow()
     Sql::exec(q);
 }
 
-void VientiRecord::deleteRow()
+void EntryRecord::deleteRow()
 {
     Sql::run(
         database(), QStringLiteral("DELETE FROM %1 WHERE %2 = ?").arg(m_layout.vi, m_layout.viID), { key() });

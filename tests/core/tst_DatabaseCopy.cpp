@@ -1,13 +1,9 @@
 #include "DatabaseCopy.h"
-#include "Paths.h"
 #include "TestEnv.h"
 
 #include <QDir>
 #include <QSqlQuery>
 #include <QTest>
-
-#include <csignal>
-#include <sys/resource.h>
 
 namespace {
 
@@ -56,23 +52,6 @@ QStringList filesIn(const QString& folder)
     return QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
 }
 
-// Writes beyond `bytes` fail for this process, as on a full disk.
-class FileSizeLimit final {
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_saved);
-        rlimit limited = m_saved;
-        limited.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limited);
-    }
-    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_saved); }
-
-private:
-    rlimit m_saved {};
-};
-
 } // namespace
 
 class tst_DatabaseCopy : public QObject {
@@ -82,11 +61,9 @@ private slots:
     void copyOfOpenBooks();
     void refusals_data();
     void refusals();
-    void fullDiskLeavesNothing();
     void safetyCopyName_data();
     void safetyCopyName();
     void safetyCopiesOpenAndDiffer();
-    void safetyCopyFolderCannotBeMade();
 };
 
 void tst_DatabaseCopy::copyOfOpenBooks()
@@ -133,26 +110,6 @@ void tst_DatabaseCopy::refusals()
     QCOMPARE(TestEnv::readFile(env.path(QStringLiteral("olemassa.mdb"))), QByteArray("vanha"));
 }
 
-void tst_DatabaseCopy::fullDiskLeavesNothing()
-{
-    TestEnv env;
-    OpenBooks books(env.path(QStringLiteral("seura.mdb")));
-    const QString folder = env.path(QStringLiteral("tikku"));
-    QDir().mkpath(folder);
-    OpenResult copied;
-    {
-        const FileSizeLimit full(12 * 1024);
-        copied = DatabaseCopy::backup(books.db(), folder + QStringLiteral("/kopio.mdb"));
-    }
-    QVERIFY(!copied);
-    QVERIFY2(copied.message.startsWith(QStringLiteral("Levy on täynnä."))
-            || copied.message.startsWith(QStringLiteral("Kirjoittaminen levylle ei onnistunut.")),
-        qPrintable(copied.message));
-    QCOMPARE(filesIn(folder), QStringList());
-    // With room on the disk the same copy succeeds.
-    QVERIFY(DatabaseCopy::backup(books.db(), folder + QStringLiteral("/kopio.mdb")));
-}
-
 void tst_DatabaseCopy::safetyCopyName_data()
 {
     QTest::addColumn<QString>("books");
@@ -197,20 +154,6 @@ void tst_DatabaseCopy::safetyCopiesOpenAndDiffer()
             qPrintable(path));
         QCOMPARE(counts(path), QStringLiteral("3/401/2 Jäsenmaksu O'Brien"));
     }
-}
-
-void tst_DatabaseCopy::safetyCopyFolderCannotBeMade()
-{
-    TestEnv env;
-    OpenBooks books(env.path(QStringLiteral("seura.mdb")));
-    // A file stands where the data folder should be.
-    TestEnv::writeFile(env.path(QStringLiteral("tiedosto")), "x");
-    Paths::setDataDir(env.path(QStringLiteral("tiedosto")));
-    const DatabaseCopy::SafetyCopy copy
-        = DatabaseCopy::safetyCopy(books.db(), QStringLiteral("POISTA KAIKKI"));
-    QVERIFY(!copy);
-    QVERIFY2(copy.result.message.contains(QStringLiteral("ei voitu luoda")), qPrintable(copy.result.message));
-    QVERIFY(copy.path.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(tst_DatabaseCopy)

@@ -1,11 +1,11 @@
 // Times the report engine on the stress association and on a synthetic long report, each
 // beside a plain baseline of the same run (see README.md).
+#include "AccountReports.h"
 #include "PagePainter.h"
 #include "Paths.h"
 #include "PdfWriter.h"
 #include "ReportDocument.h"
 #include "ReportEngine.h"
-#include "TiliRaportit.h"
 #include "Timing.h"
 #include "cTilienSaldot.h"
 
@@ -88,7 +88,7 @@ int reportBench(const QSqlDatabase& db, const QString& binDir)
 
     int sivuja = 0;
     const double saldoPdf = medianMs(5, [&] {
-        const auto doc = ReportEngine::run(db, TiliRaportit::tilienSaldot());
+        const auto doc = ReportEngine::run(db, AccountReports::tilienSaldot());
         PdfWriter::write(*doc, pdf);
         sivuja = doc->pageCount();
     });

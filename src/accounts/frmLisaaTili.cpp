@@ -1,10 +1,10 @@
 #include "frmLisaaTili.h"
 #include "ui_frmLisaaTili.h"
 
+#include "ChartOfAccounts.h"
 #include "DatabaseError.h"
 #include "Dialogs.h"
 #include "EnterAsTab.h"
-#include "Tilikartta.h"
 
 frmLisaaTili::frmLisaaTili(const QSqlDatabase& db, QWidget* parent)
     : QDialog(parent)
@@ -16,7 +16,7 @@ frmLisaaTili::frmLisaaTili(const QSqlDatabase& db, QWidget* parent)
     EnterAsTab::install(this);
     connect(ui->cLisaa, &QPushButton::clicked, this, &frmLisaaTili::lisaa);
     connect(ui->cPeruuta, &QPushButton::clicked, this, &QDialog::reject);
-    if (Tilikartta::tietokantaAsetusPuuttuu())
+    if (ChartOfAccounts::tietokantaAsetusPuuttuu())
         showInformation(QStringLiteral("Tarkista tietokanta asetukset asetusikkunasta!"));
     ui->tTilinumero->setFocus();
 }
@@ -25,10 +25,10 @@ frmLisaaTili::~frmLisaaTili() = default;
 
 void frmLisaaTili::lisaa()
 {
-    Tilikartta::Tarkistus virhe;
+    ChartOfAccounts::Tarkistus virhe;
     qint32 id = 0;
     try {
-        id = Tilikartta::lisaaTili(
+        id = ChartOfAccounts::lisaaTili(
             m_db, ui->tTilinumero->text(), ui->tNimi->text(), ui->tKuvaus->text(), &virhe);
     } catch (const DatabaseError& e) {
         Dialogs::instance().error(e.message(QStringLiteral("Tilin lisääminen ei onnistunut.")));

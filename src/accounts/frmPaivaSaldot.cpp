@@ -1,12 +1,12 @@
 #include "frmPaivaSaldot.h"
 #include "ui_frmPaivaSaldot.h"
 
+#include "BalanceChart.h"
 #include "CommandWiring.h"
 #include "DatabaseError.h"
 #include "Dates.h"
 #include "Dialogs.h"
 #include "ProgramSettings.h"
-#include "SaldoKaavio.h"
 #include "TextTableModel.h"
 #include "WaitCursor.h"
 
@@ -45,7 +45,7 @@ frmPaivaSaldot::frmPaivaSaldot(const QSqlDatabase& db, qint32 tili, QWidget* par
     connect(ui->cmbTili, &QComboBox::activated, this, [this] { Paivita(); });
 
     if (tellIfFails(QStringLiteral("Tilejä ei voitu lukea."), [&] { m_tilit.load(m_db); }))
-        for (const VoucherAccounts::Account& a : m_tilit.accounts())
+        for (const AccountLookup::Account& a : m_tilit.accounts())
             ui->cmbTili->addItem(m_tilit.text(a.id), a.id);
     ui->cmbTili->setCurrentIndex(-1);
     const BookkeepingSettings& s = ProgramSettings::bookkeeping();
@@ -77,9 +77,9 @@ void frmPaivaSaldot::Paivita()
     }
     WaitCursor wait;
     const BookkeepingSettings& s = ProgramSettings::bookkeeping();
-    std::vector<PaivaSaldot::Rivi> rivit;
+    std::vector<DailyBalances::Rivi> rivit;
     if (!tellIfFails(QStringLiteral("Päiväsaldoja ei voitu laskea."),
-            [&] { rivit = PaivaSaldot::laske(m_db, valittu, s.TilikausiAlku, s.TilikausiLoppu); }))
+            [&] { rivit = DailyBalances::laske(m_db, valittu, s.TilikausiAlku, s.TilikausiLoppu); }))
         return;
     std::vector<TextTableModel::Row> rows;
     Money debet, kredit;
@@ -88,7 +88,7 @@ void frmPaivaSaldot::Paivita()
         rows.push_back({ { QStringLiteral("Ei tapahtumia.") }, 0 });
     } else {
         rows.reserve(rivit.size());
-        for (const PaivaSaldot::Rivi& r : rivit) {
+        for (const DailyBalances::Rivi& r : rivit) {
             rows.push_back(
                 { { Dates::format(r.paiva), r.debet.toCurrencyString(), r.kredit.toCurrencyString(),
                       r.erotus.toCurrencyString(), r.saldo.toCurrencyString() },

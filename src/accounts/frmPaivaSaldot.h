@@ -1,7 +1,7 @@
 #pragma once
 
-#include "PaivaSaldot.h"
-#include "VoucherAccounts.h"
+#include "AccountLookup.h"
+#include "DailyBalances.h"
 
 #include <QMainWindow>
 #include <QSqlDatabase>
@@ -28,12 +28,12 @@ public:
     qint32 tili() const;
     void valitseTili(qint32 tili);
     void Paivita();
-    const std::vector<PaivaSaldot::Rivi>& rivit() const { return m_rivit; }
+    const std::vector<DailyBalances::Rivi>& rivit() const { return m_rivit; }
 
 private:
     std::unique_ptr<Ui::frmPaivaSaldot> ui;
     QSqlDatabase m_db;
-    VoucherAccounts m_tilit;
+    AccountLookup m_tilit;
     TextTableModel* m_model = nullptr;
-    std::vector<PaivaSaldot::Rivi> m_rivit;
+    std::vector<DailyBalances::Rivi> m_rivit;
 };

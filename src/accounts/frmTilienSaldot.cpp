@@ -1,11 +1,11 @@
 #include "frmTilienSaldot.h"
 #include "ui_frmTilienSaldot.h"
 
+#include "AccountBalancesModel.h"
+#include "AccountReports.h"
 #include "CommandWiring.h"
 #include "DatabaseError.h"
 #include "ReportRunner.h"
-#include "TiliRaportit.h"
-#include "TilienSaldotModel.h"
 #include "WaitCursor.h"
 #include "cTilienSaldot.h"
 
@@ -18,7 +18,7 @@ frmTilienSaldot::frmTilienSaldot(const QSqlDatabase& db, QWidget* parent)
     , m_db(db)
 {
     ui->setupUi(this);
-    m_model = new TilienSaldotModel(this);
+    m_model = new AccountBalancesModel(this);
     QTableView* grid = ui->grdSaldot;
     grid->setModel(m_model);
     grid->verticalScrollBar()->setObjectName(QStringLiteral("scrlBar"));
@@ -56,4 +56,4 @@ void frmTilienSaldot::PaivitaSaldot()
     ui->grdSaldot->scrollToTop();
 }
 
-void frmTilienSaldot::Tulosta() { ReportRunner::print(this, m_db, TiliRaportit::tilienSaldot()); }
+void frmTilienSaldot::Tulosta() { ReportRunner::print(this, m_db, AccountReports::tilienSaldot()); }

@@ -7,7 +7,7 @@
 namespace Ui {
 class frmTilienSaldot;
 }
-class TilienSaldotModel;
+class AccountBalancesModel;
 
 // The account balances: every account's debit and credit sums of the current fiscal year and
 // their difference, 19 rows at a time, with totals; computed on opening and on cPaivitaSaldot,
@@ -27,5 +27,5 @@ public:
 private:
     std::unique_ptr<Ui::frmTilienSaldot> ui;
     QSqlDatabase m_db;
-    TilienSaldotModel* m_model = nullptr;
+    AccountBalancesModel* m_model = nullptr;
 };

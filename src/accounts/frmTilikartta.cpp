@@ -1,10 +1,10 @@
 #include "frmTilikartta.h"
 #include "ui_frmTilikartta.h"
 
+#include "ChartOfAccounts.h"
 #include "DatabaseError.h"
 #include "Dialogs.h"
 #include "PrintChoices.h"
-#include "Tilikartta.h"
 
 #include <QVariant>
 
@@ -16,13 +16,13 @@ frmTilikartta::frmTilikartta(const QSqlDatabase& db, QWidget* parent)
     ui->cSeuraava->setDefault(true);
     connect(ui->cSeuraava, &QPushButton::clicked, this, &frmTilikartta::seuraava);
     connect(ui->cPeru, &QPushButton::clicked, this, &frmTilikartta::peru);
-    if (Tilikartta::tietokantaAsetusPuuttuu())
+    if (ChartOfAccounts::tietokantaAsetusPuuttuu())
         showInformation(QStringLiteral("Tarkista tietokanta asetukset asetusikkunasta!"));
 
     bool malleja = false;
     if (db.isOpen())
         try {
-            for (const Tilikartta::Malli& malli : Tilikartta::tilinpaatosMallit(db)) {
+            for (const ChartOfAccounts::Malli& malli : ChartOfAccounts::tilinpaatosMallit(db)) {
                 malleja = true;
                 QComboBox* lista = malli.tyyppi == 1 ? ui->cmbTuloslaskelma
                     : malli.tyyppi == 2              ? ui->cmbTase

@@ -1,6 +1,8 @@
 #include "frmTilitNew.h"
 #include "ui_frmTilitNew.h"
 
+#include "AccountReports.h"
+#include "ChartOfAccounts.h"
 #include "CommandWiring.h"
 #include "DatabaseError.h"
 #include "DatabaseFile.h"
@@ -8,8 +10,6 @@
 #include "EnterAsTab.h"
 #include "PrintChoices.h"
 #include "ReportRunner.h"
-#include "TiliRaportit.h"
-#include "Tilikartta.h"
 #include "WaitCursor.h"
 #include "frmLisaaTili.h"
 #include "frmTilikartta.h"
@@ -84,7 +84,7 @@ frmTilitNew::frmTilitNew(const QSqlDatabase& db, QWidget* parent)
     });
     connect(ui->tTilinumero, &QLineEdit::textChanged, this, [this](const QString& text) {
         if (!m_paivittaa)
-            m_tili->setNumero(Tilikartta::numeroTekstista(text).value_or(0));
+            m_tili->setNumero(ChartOfAccounts::numeroTekstista(text).value_or(0));
     });
     connect(ui->chkTulostetaan, &QCheckBox::toggled, this, [this](bool checked) {
         if (!m_paivittaa)
@@ -127,16 +127,16 @@ void frmTilitNew::rakennaPuu()
     Guard guard(m_paivittaa);
     ui->tvTilit->clear();
     m_solmut.clear();
-    for (int i = 0; i < Tilikartta::RyhmaCount; ++i) {
-        auto* ryhma = new QTreeWidgetItem(ui->tvTilit, { Tilikartta::ryhmaTeksti(i) });
-        ryhma->setData(0, AvainRole, Tilikartta::ryhmaAvain(i));
+    for (int i = 0; i < ChartOfAccounts::RyhmaCount; ++i) {
+        auto* ryhma = new QTreeWidgetItem(ui->tvTilit, { ChartOfAccounts::ryhmaTeksti(i) });
+        ryhma->setData(0, AvainRole, ChartOfAccounts::ryhmaAvain(i));
         m_ryhmat[size_t(i)] = ryhma;
     }
-    const Tilikartta::Puu puu = Tilikartta::lueTilikartta(m_db);
-    for (const Tilikartta::Rivi& rivi : puu.rivit) {
+    const ChartOfAccounts::Puu puu = ChartOfAccounts::lueTilikartta(m_db);
+    for (const ChartOfAccounts::Rivi& rivi : puu.rivit) {
         auto* solmu = new QTreeWidgetItem(
-            m_ryhmat[size_t(rivi.ryhma)], { Tilikartta::tiliTeksti(rivi.numero, rivi.nimi) });
-        solmu->setData(0, AvainRole, Tilikartta::tiliAvain(rivi.id));
+            m_ryhmat[size_t(rivi.ryhma)], { ChartOfAccounts::tiliTeksti(rivi.numero, rivi.nimi) });
+        solmu->setData(0, AvainRole, ChartOfAccounts::tiliAvain(rivi.id));
         solmu->setData(0, NumeroRole, rivi.numero);
         m_solmut.insert(rivi.id, solmu);
     }
@@ -217,10 +217,10 @@ void frmTilitNew::tiliaMuutettu(const QString& nimi, qint32 numero, qint32 id)
     if (!solmu)
         return;
     Guard guard(m_paivittaa);
-    solmu->setText(0, Tilikartta::tiliTeksti(numero, nimi));
+    solmu->setText(0, ChartOfAccounts::tiliTeksti(numero, nimi));
     solmu->setData(0, NumeroRole, numero);
     // A number without a group keeps its node where it is until it is corrected.
-    const std::optional<int> ryhma = Tilikartta::ryhma(numero);
+    const std::optional<int> ryhma = ChartOfAccounts::ryhma(numero);
     if (!ryhma || solmu->parent() == m_ryhmat[size_t(*ryhma)])
         return;
     const bool valittu = ui->tvTilit->currentItem() == solmu;
@@ -237,10 +237,10 @@ void frmTilitNew::tiliaMuutettu(const QString& nimi, qint32 numero, qint32 id)
 
 bool frmTilitNew::tarkistaMuutokset(bool poistuttaessa)
 {
-    Tilikartta::Tarkistus tarkistus;
+    ChartOfAccounts::Tarkistus tarkistus;
     if (!tellIfFails(TallennusEpaonnistui, [&] {
-            tarkistus
-                = Tilikartta::tarkistaMuutos(m_db, m_tili->id(), ui->tTilinumero->text(), ui->tNimi->text());
+            tarkistus = ChartOfAccounts::tarkistaMuutos(
+                m_db, m_tili->id(), ui->tTilinumero->text(), ui->tNimi->text());
         }))
         return false;
     if (tarkistus.ok())
@@ -266,7 +266,7 @@ void frmTilitNew::solmuValittu(QTreeWidgetItem* current, QTreeWidgetItem* previo
 {
     if (m_paivittaa || !current)
         return;
-    const std::optional<qint32> id = Tilikartta::tiliAvaimesta(current->data(0, AvainRole).toString());
+    const std::optional<qint32> id = ChartOfAccounts::tiliAvaimesta(current->data(0, AvainRole).toString());
     if (!id || *id == m_tili->id())
         return;
     if (!tallennaMuutokset()) {
@@ -326,10 +326,10 @@ void frmTilitNew::uusi()
 void frmTilitNew::kerroSijoitus(qint32 id)
 {
     // A new account is on no statement row: its balance would be missing from the statements.
-    Tilikartta::Sijoitus sijoitus;
-    if (!tellIfFails(LukuEpaonnistui, [&] { sijoitus = Tilikartta::sijoitus(m_db, id); }))
+    ChartOfAccounts::Sijoitus sijoitus;
+    if (!tellIfFails(LukuEpaonnistui, [&] { sijoitus = ChartOfAccounts::sijoitus(m_db, id); }))
         return;
-    const QString tili = Tilikartta::tiliTeksti(m_tili->Numero(), m_tili->Nimi());
+    const QString tili = ChartOfAccounts::tiliTeksti(m_tili->Numero(), m_tili->Nimi());
     const QString puuttuu = QStringLiteral("Uusi tili %1 ei ole tuloslaskelman eikä taseen millään rivillä, "
                                            "joten sen saldo puuttuisi tilinpäätöksestä.")
                                 .arg(tili);
@@ -339,12 +339,12 @@ void frmTilitNew::kerroSijoitus(qint32 id)
         return;
     }
     QString rivit;
-    for (const Tilikartta::MalliRivi& r : sijoitus.rivit)
+    for (const ChartOfAccounts::MalliRivi& r : sijoitus.rivit)
         rivit += QStringLiteral("\n    %1: %2").arg(r.malli, r.rivi);
     if (Dialogs::instance().question(puuttuu
             + QStringLiteral("\nLähin tili %1 on rivillä:%2\n\nLisätäänkö uusi tili samalle riville?")
                   .arg(sijoitus.naapuri, rivit)))
-        tellIfFails(TallennusEpaonnistui, [&] { Tilikartta::lisaaRiveille(m_db, id, sijoitus.rivit); });
+        tellIfFails(TallennusEpaonnistui, [&] { ChartOfAccounts::lisaaRiveille(m_db, id, sijoitus.rivit); });
 }
 
 void frmTilitNew::tallenna()
@@ -372,7 +372,7 @@ void frmTilitNew::poista()
     if (m_tili->IsEmpty() || m_tili->id() == 0)
         return;
     QString este;
-    if (!tellIfFails(LukuEpaonnistui, [&] { este = Tilikartta::poistonEste(m_db, m_tili->id()); }))
+    if (!tellIfFails(LukuEpaonnistui, [&] { este = ChartOfAccounts::poistonEste(m_db, m_tili->id()); }))
         return;
     if (!este.isEmpty()) {
         showInformation(este);
@@ -439,7 +439,7 @@ void frmTilitNew::tulostaTililuettelo()
 {
     // The printout shows what is stored: the account on screen is saved first.
     if (tallennaMuutokset())
-        ReportRunner::print(this, m_db, TiliRaportit::tililuettelo());
+        ReportRunner::print(this, m_db, AccountReports::tililuettelo());
 }
 
 void frmTilitNew::tulostaTilikartta()
@@ -452,6 +452,6 @@ void frmTilitNew::tulostaTilikartta()
     const PrintChoices::TilikarttaMallit mallit = PrintChoices::tilikarttaMallit();
     ReportJob job;
     if (tellIfFails(QStringLiteral("Tilinpäätösmalleja ei voitu lukea."),
-            [&] { job = TiliRaportit::tilikartta(m_db, mallit.tuloslaskelmaID, mallit.taseID); }))
+            [&] { job = AccountReports::tilikartta(m_db, mallit.tuloslaskelmaID, mallit.taseID); }))
         ReportRunner::print(this, m_db, job);
 }

@@ -1,6 +1,7 @@
 #include "frmTilitarkastelu.h"
 #include "ui_frmTilitarkastelu.h"
 
+#include "AccountReports.h"
 #include "CommandWiring.h"
 #include "DatabaseError.h"
 #include "DatabaseFile.h"
@@ -8,7 +9,6 @@
 #include "Dialogs.h"
 #include "ReportRunner.h"
 #include "TextTableModel.h"
-#include "TiliRaportit.h"
 #include "WaitCursor.h"
 
 #include <QHeaderView>
@@ -54,7 +54,7 @@ frmTilitarkastelu::frmTilitarkastelu(const QSqlDatabase& db, qint32 tili, QWidge
     connect(ui->cmbTili, &QComboBox::activated, this, [this] { Paivita(); });
 
     if (tellIfFails(QStringLiteral("Tilejä ei voitu lukea."), [&] { m_tilit.load(m_db); }))
-        for (const VoucherAccounts::Account& a : m_tilit.accounts())
+        for (const AccountLookup::Account& a : m_tilit.accounts())
             ui->cmbTili->addItem(m_tilit.text(a.id), a.id);
     ui->cmbTili->setCurrentIndex(-1);
     const Money nolla;
@@ -117,7 +117,7 @@ void frmTilitarkastelu::Tulosta()
         Dialogs::instance().information(QStringLiteral("Valitse ensin tili ja päivitä tilitarkastelu."));
         return;
     }
-    ReportRunner::print(this, m_db, TiliRaportit::tiliTarkastelu(m_laskettu, m_loppusaldo));
+    ReportRunner::print(this, m_db, AccountReports::tiliTarkastelu(m_laskettu, m_loppusaldo));
 }
 
 void frmTilitarkastelu::avaaRivi(const QModelIndex& index)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VoucherAccounts.h"
+#include "AccountLookup.h"
 #include "cTiliTarkastelut.h"
 
 #include <QMainWindow>
@@ -40,7 +40,7 @@ private:
 
     std::unique_ptr<Ui::frmTilitarkastelu> ui;
     QSqlDatabase m_db;
-    VoucherAccounts m_tilit;
+    AccountLookup m_tilit;
     TextTableModel* m_model = nullptr;
     std::vector<cTiliTarkastelut::Rivi> m_rivit;
     // The account whose rows tlTarkastelut holds, as its list shows it; empty before a run.

@@ -1,5 +1,7 @@
 #include "ReportCatalog.h"
 
+#include "AccountReports.h"
+#include "ChartOfAccounts.h"
 #include "DatabaseError.h"
 #include "Dates.h"
 #include "Dialogs.h"
@@ -9,8 +11,6 @@
 #include "ReportError.h"
 #include "StatementPrint.h"
 #include "Statements.h"
-#include "TiliRaportit.h"
-#include "Tilikartta.h"
 #include "cMalli.h"
 #include "cTiliTarkastelut.h"
 #include "cTilienSaldot.h"
@@ -20,7 +20,7 @@ namespace {
 // The first template of a kind, as the chart printout's lists preselect it.
 qint32 ensimmainenMalli(const QSqlDatabase& db, int tyyppi)
 {
-    for (const Tilikartta::Malli& m : Tilikartta::tilinpaatosMallit(db))
+    for (const ChartOfAccounts::Malli& m : ChartOfAccounts::tilinpaatosMallit(db))
         if (m.tyyppi == tyyppi)
             return m.id;
     return 0;
@@ -32,7 +32,7 @@ ReportJob statement(const QSqlDatabase& db, const ReportCatalog::Options& option
 {
     const bool income = kind == cMalli::Tuloslaskelma;
     qint32 id = 0;
-    for (const Tilikartta::Malli& m : Tilikartta::tilinpaatosMallit(db))
+    for (const ChartOfAccounts::Malli& m : ChartOfAccounts::tilinpaatosMallit(db))
         if (m.tyyppi == kind && id == 0
             && (options.templateName.isEmpty()
                 || m.nimi.compare(options.templateName, Qt::CaseInsensitive) == 0))
@@ -86,17 +86,17 @@ const std::vector<Entry>& entries()
 {
     static const std::vector<Entry> list = {
         { QStringLiteral("tilit"), QStringLiteral("tililuettelo"), false, false, false,
-            [](const QSqlDatabase&, const Options&) { return TiliRaportit::tililuettelo(); } },
+            [](const QSqlDatabase&, const Options&) { return AccountReports::tililuettelo(); } },
         { QStringLiteral("tilikart"), QStringLiteral("tilikartta tuloslaskelma- ja tasemallia vasten"), false,
             false, false,
             [](const QSqlDatabase& db, const Options&) {
-                return TiliRaportit::tilikartta(db, ensimmainenMalli(db, 1), ensimmainenMalli(db, 2));
+                return AccountReports::tilikartta(db, ensimmainenMalli(db, 1), ensimmainenMalli(db, 2));
             } },
         { QStringLiteral("tilisald"), QStringLiteral("tilien saldot"), false, false, false,
             [](const QSqlDatabase& db, const Options&) {
                 cTilienSaldot saldot(db);
                 saldot.Laske();
-                return TiliRaportit::tilienSaldot();
+                return AccountReports::tilienSaldot();
             } },
         { QStringLiteral("tuloslaskelma"), QStringLiteral("tuloslaskelma mallista (--narrow: suppea)"), true,
             false, false,
@@ -118,7 +118,7 @@ const std::vector<Entry>& entries()
                 const QString nimi
                     = Sql::scalar(db, QStringLiteral("SELECT tlNimi FROM tl WHERE tlID = ?"), { id })
                           .toString();
-                return TiliRaportit::tiliTarkastelu(
+                return AccountReports::tiliTarkastelu(
                     QString::number(*o.account) + u' ' + nimi.trimmed(), tarkastelu.erotusSumma());
             } },
         { QStringLiteral("paivakirja"), QStringLiteral("päiväkirja (--kind, jakso oletuksena tilikausi)"),

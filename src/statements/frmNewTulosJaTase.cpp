@@ -1,6 +1,7 @@
 #include "frmNewTulosJaTase.h"
 #include "ui_frmNewTulosJaTase.h"
 
+#include "ChartOfAccounts.h"
 #include "DatabaseError.h"
 #include "Dialogs.h"
 #include "PrintOptions.h"
@@ -12,7 +13,6 @@
 #include "TemplateEditor.h"
 #include "TemplateText.h"
 #include "TemplateTree.h"
-#include "Tilikartta.h"
 #include "Transaction.h"
 #include "frmDates.h"
 #include "frmLisaaTili.h"
@@ -230,7 +230,7 @@ void frmNewTulosJaTase::rebuildTree(const QString& key)
             roots[kind - 1] = new QTreeWidgetItem(m_tree, { TemplateEditor::rootCaption(kind) });
             roots[kind - 1]->setData(0, KeyRole, Node::root(kind).key());
         }
-        for (const Tilikartta::Malli& m : Tilikartta::tilinpaatosMallit(m_db)) {
+        for (const ChartOfAccounts::Malli& m : ChartOfAccounts::tilinpaatosMallit(m_db)) {
             if (m.tyyppi != 1 && m.tyyppi != 2)
                 continue;
             auto* item = new QTreeWidgetItem(roots[m.tyyppi - 1], { m.nimi.trimmed() });

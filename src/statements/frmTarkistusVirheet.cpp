@@ -1,10 +1,10 @@
 #include "frmTarkistusVirheet.h"
 #include "ui_frmTarkistusVirheet.h"
 
+#include "ChartOfAccounts.h"
 #include "DatabaseError.h"
 #include "Dialogs.h"
 #include "TemplateChecks.h"
-#include "Tilikartta.h"
 
 #include <QVariant>
 
@@ -21,7 +21,7 @@ frmTarkistusVirheet::frmTarkistusVirheet(const QSqlDatabase& db, qint32 tulos, q
         return;
     }
     tellIfFails(QStringLiteral("Malleja ei voitu lukea."), [&] {
-        for (const Tilikartta::Malli& m : Tilikartta::tilinpaatosMallit(m_db))
+        for (const ChartOfAccounts::Malli& m : ChartOfAccounts::tilinpaatosMallit(m_db))
             (m.tyyppi == 2 ? ui->cmbTase : ui->cmbTuloslaskelma)->addItem(m.nimi.trimmed(), m.id);
     });
     for (const auto& [combo, id] :

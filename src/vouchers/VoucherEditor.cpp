@@ -100,8 +100,8 @@ void VoucherEditor::lueLaskettava()
 {
     const qint32 laskettava = ProgramSettings::bookkeeping().LaskettavaTili;
     m_omat = laskettava != 0 && m_tosite->ToId() != 0
-        ? VoucherAccounts::voucherSums(m_db, laskettava, m_tosite->ToId())
-        : VoucherAccounts::Sums();
+        ? AccountLookup::voucherSums(m_db, laskettava, m_tosite->ToId())
+        : AccountLookup::Sums();
 }
 
 void VoucherEditor::taydennaRivit()
@@ -228,7 +228,7 @@ std::optional<Money> VoucherEditor::laskettavanSaldo() const
     const qint32 laskettava = ProgramSettings::bookkeeping().LaskettavaTili;
     if (laskettava == 0)
         return std::nullopt;
-    VoucherAccounts::Sums sums = m_kaikki - m_omat;
+    AccountLookup::Sums sums = m_kaikki - m_omat;
     for (const auto& v : m_debet)
         if (v->tlID() == laskettava)
             sums.debet += v->Arvo();
@@ -302,7 +302,7 @@ void VoucherEditor::tallennaKaikki()
     taydennaRivit();
     // The chosen account's sums are read back from the books, not worked out from the screen:
     // what this voucher now holds there replaces what it held before.
-    const VoucherAccounts::Sums ennen = m_omat;
+    const AccountLookup::Sums ennen = m_omat;
     lueLaskettava();
     m_kaikki = m_kaikki - ennen + m_omat;
 }
@@ -310,7 +310,7 @@ void VoucherEditor::tallennaKaikki()
 void VoucherEditor::paivitaSaldot()
 {
     const qint32 laskettava = ProgramSettings::bookkeeping().LaskettavaTili;
-    m_kaikki = laskettava != 0 ? VoucherAccounts::storedSums(m_db, laskettava) : VoucherAccounts::Sums();
+    m_kaikki = laskettava != 0 ? AccountLookup::storedSums(m_db, laskettava) : AccountLookup::Sums();
     lueLaskettava();
 }
 

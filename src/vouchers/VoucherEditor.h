@@ -1,7 +1,7 @@
 #pragma once
 
+#include "AccountLookup.h"
 #include "AmountInput.h"
-#include "VoucherAccounts.h"
 #include "cTosite.h"
 
 #include <QObject>
@@ -51,7 +51,7 @@ public:
     bool avaus() const { return m_laji == Laji::Avaus; }
     bool paatos() const { return m_laji == Laji::Paatos; }
     const QSqlDatabase& database() const { return m_db; }
-    const VoucherAccounts& tilit() const { return m_tilit; }
+    const AccountLookup& tilit() const { return m_tilit; }
     // The greatest number of debit or credit entries in one voucher, read when opening.
     qint16 MaxLkmViennitPerTosite() const { return m_maxLkm; }
 
@@ -165,10 +165,10 @@ private:
     std::unique_ptr<cTosite> m_tosite;
     Viennit m_debet;
     Viennit m_kredit;
-    VoucherAccounts m_tilit;
+    AccountLookup m_tilit;
     qint16 m_maxLkm = 0;
     // The chosen account's sums in every stored voucher, and in the stored voucher on screen.
-    VoucherAccounts::Sums m_kaikki;
-    VoucherAccounts::Sums m_omat;
+    AccountLookup::Sums m_kaikki;
+    AccountLookup::Sums m_omat;
     std::optional<Paikka> m_virhePaikka;
 };

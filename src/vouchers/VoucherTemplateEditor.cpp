@@ -254,7 +254,7 @@ bool VoucherTemplateEditor::sulje()
 }
 
 std::optional<VoucherTemplateEditor::Tosite> VoucherTemplateEditor::tositteeksi(
-    const QSqlDatabase& db, const VoucherAccounts& tilit, qint32 tpId)
+    const QSqlDatabase& db, const AccountLookup& tilit, qint32 tpId)
 {
     cTositePohja pohja(db);
     if (!pohja.Load(tpId))

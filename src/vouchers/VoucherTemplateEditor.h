@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VoucherAccounts.h"
+#include "AccountLookup.h"
 #include "VoucherEditor.h"
 #include "cTositePohja.h"
 #include "cTositePohjat.h"
@@ -29,7 +29,7 @@ public:
     // none). False, with the message shown, when the books cannot be read.
     bool avaa();
 
-    const VoucherAccounts& tilit() const { return m_tilit; }
+    const AccountLookup& tilit() const { return m_tilit; }
     const std::vector<cTositePohjat::Rivi>& luettelo() const { return m_luettelo; }
     const cTositePohja& pohja() const { return *m_pohja; }
     int riviMaara() const { return int(m_debet.size()); }
@@ -66,8 +66,7 @@ public:
         std::vector<VoucherEditor::Malli> viennit;
         bool tiliPuuttuu = false;
     };
-    static std::optional<Tosite> tositteeksi(
-        const QSqlDatabase& db, const VoucherAccounts& tilit, qint32 tpId);
+    static std::optional<Tosite> tositteeksi(const QSqlDatabase& db, const AccountLookup& tilit, qint32 tpId);
 
 signals:
     // Another template (or the same one, refilled) is on screen.
@@ -89,7 +88,7 @@ private:
     bool jata();
 
     QSqlDatabase m_db;
-    VoucherAccounts m_tilit;
+    AccountLookup m_tilit;
     std::vector<cTositePohjat::Rivi> m_luettelo;
     std::unique_ptr<cTositePohja> m_pohja;
     cTositePohja::Viennit m_debet;

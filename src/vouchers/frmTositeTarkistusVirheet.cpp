@@ -1,7 +1,7 @@
 #include "frmTositeTarkistusVirheet.h"
 
+#include "ChartOfAccounts.h"
 #include "DatabaseError.h"
-#include "Tilikartta.h"
 #include "WaitCursor.h"
 #include "cTositeTarkistus.h"
 
@@ -41,7 +41,7 @@ frmTositeTarkistusVirheet::frmTositeTarkistusVirheet(const QSqlDatabase& db, boo
     connect(sulje, &QPushButton::clicked, this, &QDialog::close);
     connect(m_lista, &QListWidget::itemActivated, this, &frmTositeTarkistusVirheet::valittu);
 
-    if (Tilikartta::tietokantaAsetusPuuttuu())
+    if (ChartOfAccounts::tietokantaAsetusPuuttuu())
         showInformation(QStringLiteral("Tarkista tietokanta asetukset asetusikkunasta!"));
     else
         Tarkista();

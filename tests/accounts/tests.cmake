@@ -1,6 +1,6 @@
 # Tests of the accounts subsystem: vorkam_add_test(name SOURCES accounts/tst_X.cpp) or with UI for windows.
 vorkam_add_test(tst_cTili SOURCES accounts/tst_cTili.cpp)
-vorkam_add_test(tst_Tilikartta SOURCES accounts/tst_Tilikartta.cpp)
+vorkam_add_test(tst_ChartOfAccounts SOURCES accounts/tst_ChartOfAccounts.cpp)
 vorkam_add_test(tst_frmTilitNew UI SOURCES accounts/tst_frmTilitNew.cpp)
 vorkam_add_test(tst_frmLisaaTili UI SOURCES accounts/tst_frmLisaaTili.cpp)
 vorkam_add_test(tst_frmTilikartta UI SOURCES accounts/tst_frmTilikartta.cpp)

@@ -1,8 +1,8 @@
 #include "AccountsFixture.h"
 #include "ComputedEntries.h"
+#include "DailyBalances.h"
 #include "DatabaseError.h"
 #include "Dates.h"
-#include "PaivaSaldot.h"
 #include "cTiliTarkastelu.h"
 #include "cTiliTarkastelut.h"
 
@@ -156,15 +156,15 @@ private slots:
         k.f.kirjaus(k.f.tosite(-1, "2011-01-02"), k.pankki, "D", "1000");
         k.f.kirjaus(k.f.tosite(6, "2011-12-31"), k.pankki, "D", "0,01");
 
-        const auto rivit = PaivaSaldot::laske(k.f.db(), k.pankki, QDate(2011, 1, 1), QDate(2011, 12, 31));
+        const auto rivit = DailyBalances::laske(k.f.db(), k.pankki, QDate(2011, 1, 1), QDate(2011, 12, 31));
         QStringList out;
-        for (const PaivaSaldot::Rivi& r : rivit)
+        for (const DailyBalances::Rivi& r : rivit)
             out.append(Dates::format(r.paiva) + u' ' + r.debet.toString() + u' ' + r.kredit.toString() + u' '
                 + r.erotus.toString() + u' ' + r.saldo.toString());
         QCOMPARE(out,
             QStringList({ "2.1.2011 100,00 40,00 60,00 60,00", "3.1.2011 0,00 10,00 -10,00 50,00",
                 "31.12.2011 0,01 0,00 0,01 50,01" }));
-        QVERIFY(PaivaSaldot::laske(k.f.db(), k.muu, QDate(2011, 1, 1), QDate(2011, 12, 31)).empty());
+        QVERIFY(DailyBalances::laske(k.f.db(), k.muu, QDate(2011, 1, 1), QDate(2011, 12, 31)).empty());
     }
 };
 

@@ -1,7 +1,7 @@
+#include "AccountReports.h"
 #include "AccountsFixture.h"
 #include "Golden.h"
 #include "ReportEngine.h"
-#include "TiliRaportit.h"
 #include "cTilienSaldo.h"
 #include "cTilienSaldot.h"
 
@@ -155,7 +155,7 @@ private slots:
         b.add(vuokra, { "K", "50" });
         b.add(vuokra, { "D", "99", false, true });
         cTilienSaldot(b.f.db()).Laske();
-        VERIFY_GOLDEN(QStringLiteral("tilisald"), b.page(TiliRaportit::tilienSaldot()));
+        VERIFY_GOLDEN(QStringLiteral("tilisald"), b.page(AccountReports::tilienSaldot()));
     }
 
     void chartReports()
@@ -172,8 +172,8 @@ private slots:
                      "INSERT INTO mr (mrmaID, mrTeksti, mrTilit) VALUES (1, 'Varsinaisen toiminnan tuotot', "
                      "?), (2, 'Rahat ja pankkisaamiset', ?), (2, 'Ei tätä', '')"),
             { QStringLiteral("%1,").arg(maksut), QStringLiteral("5,%1,").arg(pankki) });
-        VERIFY_GOLDEN(QStringLiteral("tilit"), b.page(TiliRaportit::tililuettelo()));
-        VERIFY_GOLDEN(QStringLiteral("tilikart"), b.page(TiliRaportit::tilikartta(b.f.db(), 1, 2)));
+        VERIFY_GOLDEN(QStringLiteral("tilit"), b.page(AccountReports::tililuettelo()));
+        VERIFY_GOLDEN(QStringLiteral("tilikart"), b.page(AccountReports::tilikartta(b.f.db(), 1, 2)));
     }
 };
 

@@ -6,7 +6,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-// The checks themselves are tried in tst_Tilikartta; here the dialog's part: the message, the
+// The checks themselves are tried in tst_ChartOfAccounts; here the dialog's part: the message, the
 // field it points at, staying open, and what is stored.
 class tst_frmLisaaTili : public QObject {
     Q_OBJECT

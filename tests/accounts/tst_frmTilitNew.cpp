@@ -1,6 +1,6 @@
 #include "AccountsFixture.h"
+#include "ChartOfAccounts.h"
 #include "ScriptedDialogs.h"
-#include "Tilikartta.h"
 #include "cTili.h"
 #include "frmLisaaTili.h"
 #include "frmTilitNew.h"
@@ -86,7 +86,7 @@ struct Window : AccountsFixture {
         w = std::make_unique<frmTilitNew>(db());
         tree = child<QTreeWidget>(*w, "tvTilit");
     }
-    QString key(int numero) const { return Tilikartta::tiliAvain(id[numero]); }
+    QString key(int numero) const { return ChartOfAccounts::tiliAvain(id[numero]); }
     QString parent(int numero) const { return parentKey(tree, key(numero)); }
     QTreeWidgetItem* node(int numero) const { return ::node(tree, key(numero)); }
     int current() const { return w->nykyinenTili().Numero(); }
@@ -110,7 +110,7 @@ private slots:
             keys.append(c.tree->topLevelItem(i)->data(0, Qt::UserRole).toString());
         QCOMPARE(keys.join(u' '),
             QStringLiteral("1000PN 2000PN 3000PN 4000PN 5000PN 6000PN 7000PN 8000PN 9000PN MuutPN"));
-        // Each account under its group (the groups' rule is tst_Tilikartta's); 11000 not at all.
+        // Each account under its group (the groups' rule is tst_ChartOfAccounts's); 11000 not at all.
         const std::pair<int, const char*> parents[]
             = { { 0, "MuutPN" }, { 1999, "1000PN" }, { 3000, "3000PN" }, { 11000, "" } };
         for (const auto& [numero, group] : parents)
@@ -207,7 +207,7 @@ private slots:
         const auto row = [](const char* tag, const char* numero, const char* nimi, const QString& message) {
             QTest::newRow(tag) << QString::fromUtf8(numero) << QString::fromUtf8(nimi) << message;
         };
-        // The rules are tst_Tilikartta's; here the window shows them and keeps the account.
+        // The rules are tst_ChartOfAccounts's; here the window shows them and keeps the account.
         row("not a number", "1o00", "Nimi", FourDigits);
         row("blank name", "1000", "  ", NoName);
     }

@@ -1,7 +1,7 @@
 #include "AccountsFixture.h"
+#include "BalanceChart.h"
 #include "Paths.h"
 #include "PrintOptions.h"
-#include "SaldoKaavio.h"
 #include "ScriptedDialogs.h"
 #include "frmEsikatselu.h"
 #include "frmNewTositteet.h"
@@ -217,7 +217,7 @@ private slots:
         QCOMPARE(grid->model()->index(24, 4).data().toString(), euros("740").toCurrencyString());
         QCOMPARE(label(w, "lblErotusSumma"), euros("740").toCurrencyString());
 
-        auto* kaavio = child<SaldoKaavio>(w, "chrtSaldo");
+        auto* kaavio = child<BalanceChart>(w, "chrtSaldo");
         const QList<QPointF> p = kaavio->pisteet();
         // From 0 at the year's start, a step on each day, level to the year's end.
         QCOMPARE(p.size(), 2 + 2 * 25);
@@ -250,9 +250,9 @@ private slots:
         QFETCH(double, euroa);
         QFETCH(double, askel);
         QFETCH(QString, teksti);
-        QCOMPARE(SaldoKaavio::euroTeksti(euroa, askel), teksti);
-        QCOMPARE(SaldoKaavio::pyoreaAskel(740, 6), 200.0);
-        QCOMPARE(SaldoKaavio::pyoreaAskel(0.9, 6), 0.2);
+        QCOMPARE(BalanceChart::euroTeksti(euroa, askel), teksti);
+        QCOMPARE(BalanceChart::pyoreaAskel(740, 6), 200.0);
+        QCOMPARE(BalanceChart::pyoreaAskel(0.9, 6), 0.2);
     }
 };
 

@@ -1,5 +1,5 @@
+#include "AccountLookup.h"
 #include "AmountInput.h"
-#include "VoucherAccounts.h"
 #include "VoucherFixture.h"
 
 #include <QTest>
@@ -67,7 +67,7 @@ private slots:
             std::initializer_list<std::pair<int, const char*>> { { 3100, "Myyntituotot B" },
                 { 1910, "Pankkitili" }, { 3000, "Myyntituotot" }, { -5, "Vanha" } })
             ids[n] = f.addTili(n, QString::fromUtf8(nimi));
-        VoucherAccounts tilit;
+        AccountLookup tilit;
         tilit.load(f.db());
         QCOMPARE(tilit.resolve(typed), numero ? ids[numero] : 0);
         if (numero)

@@ -128,7 +128,7 @@ private slots:
         addRivi(tp, pankki, QStringLiteral("K"), 4500000);
         addRivi(tp, vuokra, QStringLiteral("D"), 4000000);
         addRivi(tp, kassa, QStringLiteral("D"), 500000);
-        VoucherAccounts tilit;
+        AccountLookup tilit;
         tilit.load(f->db());
         const auto tosite = VoucherTemplateEditor::tositteeksi(f->db(), tilit, tp);
         QVERIFY(tosite);
@@ -150,7 +150,7 @@ private slots:
         addRivi(tp, poistettu, QStringLiteral("D"), 100000);
         addRivi(tp, pankki, QStringLiteral("K"), 100000);
         f->exec(QStringLiteral("DELETE FROM tl WHERE tlID = ?"), { poistettu });
-        VoucherAccounts tilit;
+        AccountLookup tilit;
         tilit.load(f->db());
         const auto tosite = VoucherTemplateEditor::tositteeksi(f->db(), tilit, tp);
         QVERIFY(tosite && tosite->tiliPuuttuu);

@@ -7,7 +7,7 @@
 
 // The printouts of the accounts subsystem, as their windows and vorkam_report hand them to the
 // report engine.
-namespace TiliRaportit {
+namespace AccountReports {
 
 // The list of accounts, "tilit.rpt".
 ReportJob tililuettelo();
@@ -23,4 +23,4 @@ ReportJob tilienSaldot();
 // `loppusaldo` the balance its last line ends at (debit − credit).
 ReportJob tiliTarkastelu(const QString& tili, Money loppusaldo);
 
-} // namespace TiliRaportit
+} // namespace AccountReports

@@ -1,11 +1,11 @@
-#include "PaivaSaldot.h"
+#include "DailyBalances.h"
 
 #include "DatabaseError.h"
 #include "Dates.h"
 
 #include <QVariant>
 
-namespace PaivaSaldot {
+namespace DailyBalances {
 
 std::vector<Rivi> laske(const QSqlDatabase& db, qint32 tili, const QDate& alku, const QDate& loppu)
 {
@@ -32,4 +32,4 @@ std::vector<Rivi> laske(const QSqlDatabase& db, qint32 tili, const QDate& alku, 
     return rivit;
 }
 
-} // namespace PaivaSaldot
+} // namespace DailyBalances

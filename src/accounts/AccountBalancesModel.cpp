@@ -1,20 +1,20 @@
-#include "TilienSaldotModel.h"
+#include "AccountBalancesModel.h"
 
-void TilienSaldotModel::setRivit(std::vector<cTilienSaldot::Rivi> rivit)
+void AccountBalancesModel::setRivit(std::vector<cTilienSaldot::Rivi> rivit)
 {
     beginResetModel();
     m_rivit = std::move(rivit);
     endResetModel();
 }
 
-int TilienSaldotModel::rowCount(const QModelIndex& parent) const
+int AccountBalancesModel::rowCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : int(m_rivit.size());
 }
 
-int TilienSaldotModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : 4; }
+int AccountBalancesModel::columnCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : 4; }
 
-QVariant TilienSaldotModel::data(const QModelIndex& index, int role) const
+QVariant AccountBalancesModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid() || index.row() >= int(m_rivit.size()))
         return {};
@@ -35,7 +35,7 @@ QVariant TilienSaldotModel::data(const QModelIndex& index, int role) const
     }
 }
 
-QVariant TilienSaldotModel::headerData(int section, Qt::Orientation orientation, int role) const
+QVariant AccountBalancesModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return QAbstractTableModel::headerData(section, orientation, role);

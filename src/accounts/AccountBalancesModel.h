@@ -6,7 +6,7 @@
 #include <vector>
 
 // The computed balances as table rows: account, debit, credit and difference.
-class TilienSaldotModel final : public QAbstractTableModel {
+class AccountBalancesModel final : public QAbstractTableModel {
     Q_OBJECT
 
 public:

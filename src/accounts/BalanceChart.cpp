@@ -1,4 +1,4 @@
-#include "SaldoKaavio.h"
+#include "BalanceChart.h"
 
 #include <QCategoryAxis>
 #include <QChart>
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-SaldoKaavio::SaldoKaavio(QWidget* parent)
+BalanceChart::BalanceChart(QWidget* parent)
     : QChartView(parent)
 {
     auto* chart = new QChart;
@@ -29,7 +29,7 @@ SaldoKaavio::SaldoKaavio(QWidget* parent)
     setMinimumSize(420, 300);
 }
 
-double SaldoKaavio::pyoreaAskel(double vali, int osia)
+double BalanceChart::pyoreaAskel(double vali, int osia)
 {
     if (!(vali > 0))
         return 1;
@@ -41,7 +41,7 @@ double SaldoKaavio::pyoreaAskel(double vali, int osia)
     return 10 * potenssi;
 }
 
-QString SaldoKaavio::euroTeksti(double euroa, double askel)
+QString BalanceChart::euroTeksti(double euroa, double askel)
 {
     static const QLocale fi(QLocale::Finnish, QLocale::Finland);
     // Whole euros while the steps are whole; cents only on a scale of cents.
@@ -53,14 +53,14 @@ QString SaldoKaavio::euroTeksti(double euroa, double askel)
     return teksti + QStringLiteral("\u00a0€");
 }
 
-void SaldoKaavio::nayta(const std::vector<PaivaSaldot::Rivi>& rivit, const QDate& alku, const QDate& loppu)
+void BalanceChart::nayta(const std::vector<DailyBalances::Rivi>& rivit, const QDate& alku, const QDate& loppu)
 {
     // The balance holds until the next day with entries: two corners per day.
     QList<QPointF> pisteet;
     const qint64 paivia = std::max<qint64>(1, alku.daysTo(loppu) + 1);
     double saldo = 0;
     pisteet.append({ 0, 0 });
-    for (const PaivaSaldot::Rivi& r : rivit) {
+    for (const DailyBalances::Rivi& r : rivit) {
         const double x = double(alku.daysTo(r.paiva));
         pisteet.append({ x, saldo });
         saldo = r.saldo.toDouble();
@@ -96,8 +96,8 @@ void SaldoKaavio::nayta(const std::vector<PaivaSaldot::Rivi>& rivit, const QDate
     m_paivaAkseli->setRange(0, double(paivia));
 }
 
-QList<QPointF> SaldoKaavio::pisteet() const { return m_sarja->points(); }
+QList<QPointF> BalanceChart::pisteet() const { return m_sarja->points(); }
 
-QStringList SaldoKaavio::euroTekstit() const { return m_euroAkseli->categoriesLabels(); }
+QStringList BalanceChart::euroTekstit() const { return m_euroAkseli->categoriesLabels(); }
 
-QStringList SaldoKaavio::paivaTekstit() const { return m_paivaAkseli->categoriesLabels(); }
+QStringList BalanceChart::paivaTekstit() const { return m_paivaAkseli->categoriesLabels(); }

@@ -10,7 +10,7 @@
 
 // The chart of accounts as the voucher window needs it: account number and name by key,
 // completion of what the user types in an account cell, and the sums of one account.
-class VoucherAccounts final {
+class AccountLookup final {
 public:
     struct Account {
         qint32 id = 0;

@@ -1,7 +1,7 @@
 #include "AccountsFixture.h"
-#include "Tilikartta.h"
+#include "ChartOfAccounts.h"
 
-using namespace Tilikartta;
+using namespace ChartOfAccounts;
 
 namespace {
 
@@ -17,7 +17,7 @@ const QVariant Null = QVariant(QMetaType(QMetaType::QString));
 
 } // namespace
 
-class tst_Tilikartta : public QObject {
+class tst_ChartOfAccounts : public QObject {
     Q_OBJECT
 
 private slots:
@@ -177,5 +177,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(tst_Tilikartta)
-#include "tst_Tilikartta.moc"
+QTEST_GUILESS_MAIN(tst_ChartOfAccounts)
+#include "tst_ChartOfAccounts.moc"

@@ -8,7 +8,7 @@
 
 // The rules of the chart of accounts that its windows share: the grouping by thousands, the
 // reading of the chart for the tree, adding an account and the delete rule.
-namespace Tilikartta {
+namespace ChartOfAccounts {
 
 // Group nodes: index 0–8 for the groups 1000–9000, index 9 for "Muut".
 constexpr int RyhmaCount = 10;
@@ -114,4 +114,4 @@ QList<Malli> tilinpaatosMallit(const QSqlDatabase& db);
 // The database setting is missing or reads "unknown".
 bool tietokantaAsetusPuuttuu();
 
-} // namespace Tilikartta
+} // namespace ChartOfAccounts

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PaivaSaldot.h"
+#include "DailyBalances.h"
 
 #include <QChartView>
 #include <QDate>
@@ -12,13 +12,13 @@ class QCategoryAxis;
 // The balance of an account at the end of each day of the fiscal year as a step line: level
 // from one day with entries to the next, euros in the Finnish way on the left, the year's
 // quarters along the bottom.
-class SaldoKaavio final : public QChartView {
+class BalanceChart final : public QChartView {
     Q_OBJECT
 
 public:
-    explicit SaldoKaavio(QWidget* parent = nullptr);
+    explicit BalanceChart(QWidget* parent = nullptr);
 
-    void nayta(const std::vector<PaivaSaldot::Rivi>& rivit, const QDate& alku, const QDate& loppu);
+    void nayta(const std::vector<DailyBalances::Rivi>& rivit, const QDate& alku, const QDate& loppu);
 
     // The line's corner points: (days from the year's start, euros).
     QList<QPointF> pisteet() const;

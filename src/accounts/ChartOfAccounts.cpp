@@ -1,4 +1,4 @@
-#include "Tilikartta.h"
+#include "ChartOfAccounts.h"
 
 #include "DatabaseError.h"
 #include "DatabaseFile.h"
@@ -11,7 +11,7 @@
 #include <QVariant>
 #include <algorithm>
 
-namespace Tilikartta {
+namespace ChartOfAccounts {
 
 namespace {
 
@@ -268,4 +268,4 @@ void lisaaRiveille(const QSqlDatabase& db, qint32 tlId, const std::vector<MalliR
     transaction.commitOrThrow();
 }
 
-} // namespace Tilikartta
+} // namespace ChartOfAccounts

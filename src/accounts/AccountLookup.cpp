@@ -1,4 +1,4 @@
-#include "VoucherAccounts.h"
+#include "AccountLookup.h"
 
 #include "DatabaseError.h"
 
@@ -6,7 +6,7 @@
 #include <QSqlQuery>
 #include <QVariant>
 
-void VoucherAccounts::load(const QSqlDatabase& db)
+void AccountLookup::load(const QSqlDatabase& db)
 {
     m_accounts.clear();
     m_byId.clear();
@@ -22,7 +22,7 @@ void VoucherAccounts::load(const QSqlDatabase& db)
     }
 }
 
-QString VoucherAccounts::text(qint32 id) const
+QString AccountLookup::text(qint32 id) const
 {
     const auto it = m_byId.constFind(id);
     if (id == 0 || it == m_byId.cend())
@@ -31,7 +31,7 @@ QString VoucherAccounts::text(qint32 id) const
     return a.nimi.isEmpty() ? QString::number(a.numero) : QString::number(a.numero) + u' ' + a.nimi;
 }
 
-QStringList VoucherAccounts::texts() const
+QStringList AccountLookup::texts() const
 {
     QStringList list;
     list.reserve(qsizetype(m_accounts.size()));
@@ -40,7 +40,7 @@ QStringList VoucherAccounts::texts() const
     return list;
 }
 
-qint32 VoucherAccounts::resolve(const QString& typed) const
+qint32 AccountLookup::resolve(const QString& typed) const
 {
     const QString t = typed.trimmed();
     if (t.isEmpty())
@@ -62,9 +62,9 @@ qint32 VoucherAccounts::resolve(const QString& typed) const
 
 namespace {
 
-VoucherAccounts::Sums sumsOf(QSqlQuery q)
+AccountLookup::Sums sumsOf(QSqlQuery q)
 {
-    VoucherAccounts::Sums sums;
+    AccountLookup::Sums sums;
     while (q.next()) {
         const Money sum = Money::fromRaw(q.value(1).toLongLong());
         if (q.value(0).toString() == u"D")
@@ -77,7 +77,7 @@ VoucherAccounts::Sums sumsOf(QSqlQuery q)
 
 } // namespace
 
-VoucherAccounts::Sums VoucherAccounts::storedSums(const QSqlDatabase& db, qint32 tlId)
+AccountLookup::Sums AccountLookup::storedSums(const QSqlDatabase& db, qint32 tlId)
 {
     // EXISTS looks each entry's voucher up by its key; IN (SELECT …) would first gather every
     // voucher of the year, which costs more than the account's own entries.
@@ -87,7 +87,7 @@ VoucherAccounts::Sums VoucherAccounts::storedSums(const QSqlDatabase& db, qint32
         { tlId }));
 }
 
-VoucherAccounts::Sums VoucherAccounts::voucherSums(const QSqlDatabase& db, qint32 tlId, qint32 toId)
+AccountLookup::Sums AccountLookup::voucherSums(const QSqlDatabase& db, qint32 tlId, qint32 toId)
 {
     return sumsOf(Sql::run(db,
         QStringLiteral(

@@ -10,7 +10,7 @@
 // has entries in the current year's vouchers numbered 0 or above, with the day's debit and
 // credit, their difference and the balance (debit − credit) at the end of the day, counted
 // from the period's start. Automatic entries count. Nothing is written; the rows live in memory.
-namespace PaivaSaldot {
+namespace DailyBalances {
 
 struct Rivi {
     QDate paiva;
@@ -23,4 +23,4 @@ struct Rivi {
 // The days of `alku`..`loppu`, both ends included, in date order. Throws DatabaseError.
 std::vector<Rivi> laske(const QSqlDatabase& db, qint32 tili, const QDate& alku, const QDate& loppu);
 
-} // namespace PaivaSaldot
+} // namespace DailyBalances

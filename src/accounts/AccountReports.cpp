@@ -1,4 +1,4 @@
-#include "TiliRaportit.h"
+#include "AccountReports.h"
 
 #include "DatabaseError.h"
 #include "ProgramSettings.h"
@@ -20,7 +20,7 @@ QString malliNimi(const QSqlDatabase& db, qint32 id)
 
 } // namespace
 
-namespace TiliRaportit {
+namespace AccountReports {
 
 ReportJob tililuettelo()
 {
@@ -66,4 +66,4 @@ ReportJob tiliTarkastelu(const QString& tili, Money loppusaldo)
     return job;
 }
 
-} // namespace TiliRaportit
+} // namespace AccountReports

@@ -6,6 +6,8 @@
 
 #include <QTest>
 
+#include <tuple>
+
 class tst_Helpers : public QObject {
     Q_OBJECT
 
@@ -15,7 +17,6 @@ private slots:
     void moneyFormat_data();
     void moneyFormat();
     void moneySumsAreExact();
-    void amountBySide_data();
     void amountBySide();
     void datesParse_data();
     void datesParse();
@@ -42,14 +43,12 @@ void tst_Helpers::moneyParse_data()
     QTest::newRow("negative whole") << "-5" << true << qint64(-50000);
     QTest::newRow("euro sign after") << QString::fromUtf8("12,50 €") << true << qint64(125000);
     QTest::newRow("euro sign before") << QString::fromUtf8("€12,50") << true << qint64(125000);
-    QTest::newRow("negative with euro") << QString::fromUtf8("-1 234,5 €") << true << qint64(-12345000);
     QTest::newRow("leading comma") << ",5" << true << qint64(5000);
     QTest::newRow("four decimals kept") << "0,0001" << true << qint64(1);
     QTest::newRow("fifth decimal rounds up") << "0,00005" << true << qint64(1);
     QTest::newRow("fifth decimal rounds down") << "0,00004" << true << qint64(0);
     QTest::newRow("negative rounds away from zero") << "-0,00005" << true << qint64(-1);
     QTest::newRow("surrounding blanks") << "  7  " << true << qint64(70000);
-    QTest::newRow("zero") << "0" << true << qint64(0);
     QTest::newRow("many leading zeros") << "0000000000000000012,50" << true << qint64(125000);
 
     QTest::newRow("empty") << "" << false << qint64(0);
@@ -79,31 +78,21 @@ void tst_Helpers::moneyFormat_data()
 {
     QTest::addColumn<qint64>("raw");
     QTest::addColumn<QString>("plain");
-    QTest::addColumn<QString>("currency");
     const QString nb = QString(QChar(0x00A0));
-    QTest::newRow("thousands") << qint64(12345000) << "1" + nb + "234,50"
-                               << "1" + nb + "234,50" + nb + QString::fromUtf8("€");
-    QTest::newRow("zero") << qint64(0) << "0,00"
-                          << "0,00" + nb + QString::fromUtf8("€");
-    QTest::newRow("negative") << qint64(-12345000) << "-1" + nb + "234,50"
-                              << "-1" + nb + "234,50" + nb + QString::fromUtf8("€");
-    QTest::newRow("millions") << qint64(12345678900000) << "1" + nb + "234" + nb + "567" + nb + "890,00"
-                              << "1" + nb + "234" + nb + "567" + nb + "890,00" + nb + QString::fromUtf8("€");
-    QTest::newRow("half cent rounds up") << qint64(50) << "0,01"
-                                         << "0,01" + nb + QString::fromUtf8("€");
-    QTest::newRow("negative half cent rounds away") << qint64(-50) << "-0,01"
-                                                    << "-0,01" + nb + QString::fromUtf8("€");
-    QTest::newRow("under half cent") << qint64(49) << "0,00"
-                                     << "0,00" + nb + QString::fromUtf8("€");
+    QTest::newRow("thousands") << qint64(12345000) << "1" + nb + "234,50";
+    QTest::newRow("negative") << qint64(-12345000) << "-1" + nb + "234,50";
+    QTest::newRow("millions") << qint64(12345678900000) << "1" + nb + "234" + nb + "567" + nb + "890,00";
+    QTest::newRow("half cent rounds up") << qint64(50) << "0,01";
+    QTest::newRow("negative half cent rounds away") << qint64(-50) << "-0,01";
+    QTest::newRow("under half cent") << qint64(49) << "0,00";
 }
 
 void tst_Helpers::moneyFormat()
 {
     QFETCH(qint64, raw);
     QFETCH(QString, plain);
-    QFETCH(QString, currency);
     QCOMPARE(Money::fromRaw(raw).toString(), plain);
-    QCOMPARE(Money::fromRaw(raw).toCurrencyString(), currency);
+    QCOMPARE(Money::fromRaw(raw).toCurrencyString(), plain + QChar(0x00A0) + QString::fromUtf8("€"));
     // What Vorkam shows, it reads back (to the cent).
     QCOMPARE(Money::parse(plain)->raw(), Money::fromRaw(raw).roundedToCents().raw());
 }
@@ -119,29 +108,15 @@ void tst_Helpers::moneySumsAreExact()
     QCOMPARE(Money::fromRaw(-123456).toPlainString(), QStringLiteral("-12.3456"));
 }
 
-void tst_Helpers::amountBySide_data()
-{
-    QTest::addColumn<QString>("type");
-    QTest::addColumn<QString>("side");
-    QTest::addColumn<qint64>("expected");
-    QTest::newRow("debit on debit side") << "D"
-                                         << "D" << qint64(100);
-    QTest::newRow("credit on debit side") << "K"
-                                          << "D" << qint64(-100);
-    QTest::newRow("credit on credit side") << "K"
-                                           << "K" << qint64(100);
-    QTest::newRow("debit on credit side") << "D"
-                                          << "K" << qint64(-100);
-    QTest::newRow("only first character counts") << "Debet"
-                                                 << "D" << qint64(100);
-}
-
+// An amount counts plus on its own side and minus on the other; only the first letter counts.
 void tst_Helpers::amountBySide()
 {
-    QFETCH(QString, type);
-    QFETCH(QString, side);
-    QFETCH(qint64, expected);
-    QCOMPARE(::amountBySide(type, side, Money::fromRaw(100)).raw(), expected);
+    const std::tuple<const char*, const char*, qint64> rows[] = { { "D", "D", 100 }, { "K", "D", -100 },
+        { "K", "K", 100 }, { "D", "K", -100 }, { "Debet", "D", 100 } };
+    for (const auto& [type, side, expected] : rows)
+        QCOMPARE(
+            ::amountBySide(QString::fromLatin1(type), QString::fromLatin1(side), Money::fromRaw(100)).raw(),
+            expected);
 }
 
 void tst_Helpers::datesParse_data()

@@ -9,8 +9,7 @@ Q_DECLARE_METATYPE(Resolver::Status)
 
 namespace {
 
-// An answer for yhdistys.fi taken as bytes, as it came from a name server: two exchangers,
-// the second more preferred, both written with pointers to the question's name.
+// An answer for yhdistys.fi as it came from a name server: two exchangers, the second preferred.
 const QByteArray Captured = QByteArray::fromHex("abcd8180000100020000000008796864697374797302666900000f0001"
                                                 "c00c000f000100000e1000080014036261"
                                                 "7ac00c"
@@ -36,7 +35,6 @@ private slots:
     void domainOfAddress();
     void parseAnswer_data();
     void parseAnswer();
-    void capturedAnswer();
     void offer_data();
     void offer();
 };
@@ -79,6 +77,8 @@ void tst_MailServerQuery::parseAnswer_data()
     QTest::newRow("international exchanger")
         << ScriptedResolver::mxAnswer(d, Exchanges { { 10, "xn--nekoski-4waa.fi" } })
         << "10 xn--nekoski-4waa.fi";
+    // Two exchangers written with pointers to the question's name, as a name server sent them.
+    QTest::newRow("captured") << Captured << "10 mx.yhdistys.fi, 20 baz.yhdistys.fi";
     QTest::newRow("empty") << QByteArray() << "not an answer";
     QTest::newRow("header only") << QByteArray(12, '\0') << "";
     QTest::newRow("cut short")
@@ -92,12 +92,6 @@ void tst_MailServerQuery::parseAnswer()
     QFETCH(QByteArray, message);
     QFETCH(QString, parsed);
     QCOMPARE(summary(MailServerQuery::parseAnswer(message)), parsed);
-}
-
-void tst_MailServerQuery::capturedAnswer()
-{
-    QCOMPARE(summary(MailServerQuery::parseAnswer(Captured)),
-        QStringLiteral("10 mx.yhdistys.fi, 20 baz.yhdistys.fi"));
 }
 
 void tst_MailServerQuery::offer_data()
@@ -120,9 +114,6 @@ void tst_MailServerQuery::offer_data()
                                        << false << QStringList { notFound } << "";
     QTest::newRow("no such domain") << "anna@eiole.fi" << Resolver::Status::NoSuchDomain << QByteArray()
                                     << false << QStringList { notFound } << "";
-    QTest::newRow("null MX") << "anna@yhdistys.fi" << Resolver::Status::Answer
-                             << ScriptedResolver::mxAnswer("yhdistys.fi", Exchanges { { 0, "." } }) << false
-                             << QStringList { notFound } << "";
     QTest::newRow("no network")
         << "anna@yhdistys.fi" << Resolver::Status::NoAnswer << QByteArray() << false
         << QStringList { notFound + QStringLiteral("\nNimipalvelin ei vastannut: tarkista verkkoyhteys.") }

@@ -90,7 +90,6 @@ void tst_Settings::installationValuesAreRead_data()
     QTest::addColumn<bool>("expected");
     QTest::newRow("0") << QByteArray("0") << false;
     QTest::newRow("1") << QByteArray("1") << true;
-    QTest::newRow("2 counts as yes") << QByteArray("2") << true;
     QTest::newRow("-1 counts as yes") << QByteArray("-1") << true;
     QTest::newRow("text is no") << QByteArray("kyllä") << false;
     QTest::newRow("empty is no") << QByteArray("") << false;
@@ -122,7 +121,6 @@ void tst_Settings::unreadableIniGivesMessageAndDefaults()
 void tst_Settings::bookkeepingDefaultsFromToday_data()
 {
     QTest::addColumn<QDate>("today");
-    QTest::newRow("ordinary day") << QDate(2026, 11, 23);
     QTest::newRow("new year's day") << QDate(2027, 1, 1);
     QTest::newRow("new year's eve of a leap year") << QDate(2024, 12, 31);
 }

@@ -99,33 +99,30 @@ private slots:
 
 void tst_TilikaudenVaihto::dates_data()
 {
-    QTest::addColumn<QDate>("alku");
-    QTest::addColumn<QDate>("loppu");
-    QTest::addColumn<QDate>("edAlku");
-    QTest::addColumn<QDate>("edLoppu");
+    QTest::addColumn<QString>("years"); // this year's start and end, then the previous year's
     QTest::addColumn<QString>("expected");
-    QTest::newRow("calendar years") << QDate(2011, 1, 1) << QDate(2011, 12, 31) << QDate(2010, 1, 1)
-                                    << QDate(2010, 12, 31) << "1.1.2012 31.12.2012 1.1.2011 31.12.2011";
-    QTest::newRow("29 February") << QDate(2011, 3, 1) << QDate(2012, 2, 29) << QDate(2010, 3, 1)
-                                 << QDate(2011, 2, 28) << "1.3.2012 28.2.2013 1.3.2011 28.2.2012";
-    QTest::newRow("gap kept") << QDate(2011, 7, 1) << QDate(2012, 6, 30) << QDate(2010, 1, 1)
-                              << QDate(2010, 12, 31) << "1.7.2012 30.6.2013 1.1.2011 31.12.2011";
-    QTest::newRow("overlap kept") << QDate(2011, 1, 1) << QDate(2011, 12, 31) << QDate(2010, 1, 1)
-                                  << QDate(2011, 3, 31) << "1.1.2012 31.12.2012 1.1.2011 31.3.2012";
+    QTest::newRow("calendar years") << "1.1.2011 31.12.2011 1.1.2010 31.12.2010"
+                                    << "1.1.2012 31.12.2012 1.1.2011 31.12.2011";
+    QTest::newRow("29 February") << "1.3.2011 29.2.2012 1.3.2010 28.2.2011"
+                                 << "1.3.2012 28.2.2013 1.3.2011 28.2.2012";
+    QTest::newRow("gap kept") << "1.7.2011 30.6.2012 1.1.2010 31.12.2010"
+                              << "1.7.2012 30.6.2013 1.1.2011 31.12.2011";
+    QTest::newRow("overlap kept") << "1.1.2011 31.12.2011 1.1.2010 31.3.2011"
+                                  << "1.1.2012 31.12.2012 1.1.2011 31.3.2012";
 }
 
 // The four dates move one year each, are stored, survive a restart and become the report period.
 void tst_TilikaudenVaihto::dates()
 {
-    QFETCH(QDate, alku);
-    QFETCH(QDate, loppu);
-    QFETCH(QDate, edAlku);
-    QFETCH(QDate, edLoppu);
+    QFETCH(QString, years);
     QFETCH(QString, expected);
+    QList<QDate> d;
+    for (const QString& day : years.split(u' '))
+        d << QDate::fromString(day, QStringLiteral("d.M.yyyy"));
     F f;
     QVERIFY(f.ok);
     ScriptedDialogs dialogs;
-    setYears(alku, loppu, edAlku, edLoppu);
+    setYears(d[0], d[1], d[2], d[3]);
     PrintOptions::current().alkupvm = QDate(2011, 5, 1);
     PrintOptions::current().loppupvm = QDate(2011, 5, 31);
 
@@ -134,7 +131,7 @@ void tst_TilikaudenVaihto::dates()
     QCOMPARE(dialogs.transcript(), QStringList());
     const TilikaudenVaihto::Kaudet k = TilikaudenVaihto::nykyiset();
     QCOMPARE(text(k), expected);
-    QCOMPARE(text(TilikaudenVaihto::seuraavat({ alku, loppu, edAlku, edLoppu })), expected);
+    QCOMPARE(text(TilikaudenVaihto::seuraavat({ d[0], d[1], d[2], d[3] })), expected);
     QCOMPARE(PrintOptions::current().alkupvm, k.alku);
     QCOMPARE(PrintOptions::current().loppupvm, k.loppu);
 

@@ -4,8 +4,8 @@
 //
 //   vorkam_mkdb OUTPUT.mdb FILE.sql [FILE.sql ...]
 
+#include "DatabaseError.h"
 #include "Schema.h"
-#include "SqlScript.h"
 #include "Transaction.h"
 
 #include <QCoreApplication>
@@ -60,11 +60,10 @@ int main(int argc, char* argv[])
             QString text = QString::fromUtf8(in.readAll());
             text.replace(QLatin1String("@EDVUOSI@"), QString::number(year - 1));
             text.replace(QLatin1String("@VUOSI@"), QString::number(year));
-            for (const QString& statement : SqlScript::split(text)) {
-                QSqlQuery q(db);
-                if (!q.exec(statement))
-                    return fail(
-                        QStringLiteral("%1: %2\n%3").arg(file, q.lastError().text(), statement.left(300)));
+            try {
+                Sql::runScript(db, text);
+            } catch (const DatabaseError& e) {
+                return fail(file + QStringLiteral(": ") + e.text());
             }
         }
         if (!tx.commit())

@@ -1,8 +1,11 @@
 #include "DatabaseError.h"
 #include "ErrorText.h"
 
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QVariant>
+
+#include <sqlite3.h>
 
 namespace Sql {
 
@@ -36,6 +39,20 @@ QVariant scalar(const QSqlDatabase& db, const QString& sql, const QVariantList& 
 {
     QSqlQuery q = run(db, sql, values);
     return q.next() ? q.value(0) : QVariant();
+}
+
+void runScript(const QSqlDatabase& db, const QString& text)
+{
+    const QVariant handle = db.isOpen() && db.driver() ? db.driver()->handle() : QVariant();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0)
+        throw DatabaseError(QStringLiteral("Tietokanta ei ole auki."));
+    sqlite3* engine = *static_cast<sqlite3* const*>(handle.constData());
+    char* message = nullptr;
+    if (sqlite3_exec(engine, text.toUtf8().constData(), nullptr, nullptr, &message) != SQLITE_OK) {
+        const QString error = QString::fromUtf8(message ? message : sqlite3_errmsg(engine));
+        sqlite3_free(message);
+        throw DatabaseError(ErrorText::technical(error));
+    }
 }
 
 } // namespace Sql

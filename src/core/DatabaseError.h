@@ -38,6 +38,10 @@ void exec(QSqlQuery& q);
 QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {});
 // The first column of the first row, or an invalid QVariant when there is no row.
 QVariant scalar(const QSqlDatabase& db, const QString& sql, const QVariantList& values = {});
+// Runs every statement of an SQL text in order, as the engine itself splits them (so triggers
+// with their inner semicolons, comments and quoted semicolons are whole). Throws DatabaseError
+// naming the statement that failed.
+void runScript(const QSqlDatabase& db, const QString& text);
 
 } // namespace Sql
 

@@ -26,8 +26,7 @@ inline quint32 u32(const QByteArray& file, qsizetype at)
     return qFromLittleEndian<quint32>(file.constData() + at);
 }
 
-// The one data page of the table that has `rows` rows in all, and its table's definition
-// page; nullopt when no table or more than one fits.
+// The only data page of a table of `rows` rows, with its definition page; nullopt unless one fits.
 inline std::optional<std::pair<int, int>> dataPageWithRows(const QByteArray& file, int rows)
 {
     std::optional<std::pair<int, int>> found;

@@ -14,9 +14,7 @@ namespace {
 const QString Connection = QStringLiteral("tst_maintenance");
 const QString Initial = QStringLiteral("tl 3, to 3, vi 6, toE 2, viE 3, ma 3, mr 5");
 
-// Small books with something in every table a command empties: three accounts, three vouchers
-// of this year (the second with an apostrophe in its description) and two of the previous one,
-// two income statement templates and one balance sheet template with their rows.
+// Something in every table a command empties; voucher 2's description has an apostrophe.
 bool createFixture(const QString& file)
 {
     bool ok = false;
@@ -128,8 +126,7 @@ void tst_DatabaseMaintenance::commands_data()
         "tl 3, to 3, vi 5, toE 2, viE 2, ma 3, mr 5");
 }
 
-// Every command runs on the fixture, keeps a safety copy of the books as they were and names it
-// on the second line of its message.
+// Every command keeps a safety copy of the books as they were and names it in its message.
 void tst_DatabaseMaintenance::commands()
 {
     QFETCH(QString, answer);
@@ -217,8 +214,7 @@ void tst_DatabaseMaintenance::nothingChanges_data()
         QStringLiteral("error: Komento ei onnistunut. Tietokantaa ei muutettu.\n"));
 }
 
-// Nothing changes, and no copy is made unless the command ran, when no command runs, when it has
-// nothing to delete or when it cannot be done.
+// No command, nothing to delete, or a command that cannot run: nothing changes.
 void tst_DatabaseMaintenance::nothingChanges()
 {
     QFETCH(QVariant, answer);

@@ -148,8 +148,7 @@ void tst_Schema::failingStepResumesNextTime()
     });
 }
 
-// What earlier versions' reports stored in the books (automatic profit vouchers of both years,
-// the ledger's carrier voucher with a row per account) goes; the user's vouchers stay.
+// Vouchers that earlier versions' reports stored in the books go; the user's vouchers stay.
 void tst_Schema::reportLeftoversRemoved()
 {
     TestEnv env;

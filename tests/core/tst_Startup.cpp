@@ -70,8 +70,7 @@ int leafPage(const QString& file, const QString& name, int nth)
     return page;
 }
 
-// The bytes of good books at `file` after `damage`: one page overwritten with noise, the file
-// cut to a percentage of its length, or nothing left but an SQLite header.
+// The bytes of good books after `damage`: a page of noise, a cut to a percentage, a bare header.
 QByteArray damaged(const QString& file, const QString& damage)
 {
     QByteArray bytes = TestEnv::readFile(file);
@@ -345,8 +344,7 @@ void tst_Startup::damagedFileIsRepaired_data()
     QTest::newRow("the first 90 %") << "90" << false;
 }
 
-// A damaged book is repaired from what can still be read, the user is told per table what was
-// saved and what was lost, the original is kept, and the repaired books open in the same run.
+// Repaired from what can be read, told per table, the original kept, opened in the same run.
 void tst_Startup::damagedFileIsRepaired()
 {
     QFETCH(QString, damage);
@@ -436,8 +434,7 @@ void tst_Startup::repairNotPutInPlace_data()
         << false << QStringLiteral("plain: Korjatun tietokannan uudelleen nimeäminen ei onnistu.");
 }
 
-// When the repaired file cannot be put in place, the damaged books stay under their own name (a
-// program stopped at that moment finds them there), with the repaired file beside them.
+// A repaired file that cannot take its place leaves the damaged books under their own name.
 void tst_Startup::repairNotPutInPlace()
 {
     QFETCH(bool, leftoverOld);

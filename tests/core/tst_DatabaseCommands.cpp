@@ -82,15 +82,12 @@ void tst_DatabaseCommands::workNames_data()
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("two");
     QTest::addColumn<QString>("three");
-    QTest::newRow("mdb") << "/koti/seura.mdb"
-                         << "/koti/seura.md2"
-                         << "/koti/seura.md3";
-    QTest::newRow("last character not b") << "/koti/seura.dat"
-                                          << "/koti/seura.da2"
-                                          << "/koti/seura.da3";
-    QTest::newRow("no extension") << "/koti/kirjat"
-                                  << "/koti/kirja2"
-                                  << "/koti/kirja3";
+    const auto row = [](const char* tag, const char* path, const char* two, const char* three) {
+        QTest::newRow(tag) << QString::fromUtf8(path) << QString::fromUtf8(two) << QString::fromUtf8(three);
+    };
+    row("mdb", "/koti/seura.mdb", "/koti/seura.md2", "/koti/seura.md3");
+    row("last character not b", "/koti/seura.dat", "/koti/seura.da2", "/koti/seura.da3");
+    row("no extension", "/koti/kirjat", "/koti/kirja2", "/koti/kirja3");
 }
 
 void tst_DatabaseCommands::workNames()

@@ -115,18 +115,18 @@ void tst_DatabaseCopy::safetyCopyName_data()
     QTest::addColumn<QString>("books");
     QTest::addColumn<QString>("command");
     QTest::addColumn<QString>("name");
-    QTest::newRow("plain") << "/home/anna/Documents/Vorkam/seura.mdb"
-                           << "POISTA KAIKKI"
-                           << "seura-ennen-POISTA-KAIKKI-20240305-070809.mdb";
-    QTest::newRow("account number with a slash") << "/tmp/kerho.mdb"
-                                                 << "POISTA VIENNIT 19/10"
-                                                 << "kerho-ennen-POISTA-VIENNIT-19-10-20240305-070809.mdb";
-    QTest::newRow("dots in the file name") << "/tmp/kerho.v2.mdb"
-                                           << "TARKISTA SELITTEET"
-                                           << "kerho.v2-ennen-TARKISTA-SELITTEET-20240305-070809.mdb";
-    QTest::newRow("Finnish letters") << "/tmp/äijät.mdb"
-                                     << "TILIKAUDEN VAIHTO"
-                                     << "äijät-ennen-TILIKAUDEN-VAIHTO-20240305-070809.mdb";
+    const auto row = [](const char* tag, const char* books, const char* command, const char* name) {
+        QTest::newRow(tag) << QString::fromUtf8(books) << QString::fromUtf8(command)
+                           << QString::fromUtf8(name);
+    };
+    row("plain", "/home/anna/Documents/Vorkam/seura.mdb", "POISTA KAIKKI",
+        "seura-ennen-POISTA-KAIKKI-20240305-070809.mdb");
+    row("account number with a slash", "/tmp/kerho.mdb", "POISTA VIENNIT 19/10",
+        "kerho-ennen-POISTA-VIENNIT-19-10-20240305-070809.mdb");
+    row("dots in the file name", "/tmp/kerho.v2.mdb", "TARKISTA SELITTEET",
+        "kerho.v2-ennen-TARKISTA-SELITTEET-20240305-070809.mdb");
+    row("Finnish letters", "/tmp/äijät.mdb", "TILIKAUDEN VAIHTO",
+        "äijät-ennen-TILIKAUDEN-VAIHTO-20240305-070809.mdb");
 }
 
 void tst_DatabaseCopy::safetyCopyName()

@@ -7,13 +7,13 @@
 #include "BalanceSheet.h"
 #include "DBC.h"
 #include "DatabaseFile.h"
+#include "FiscalYearChange.h"
 #include "IncomeStatement.h"
 #include "Paths.h"
 #include "ProfitEntries.h"
 #include "ProgramSettings.h"
 #include "StatementOptions.h"
 #include "StressBooks.h"
-#include "TilikaudenVaihto.h"
 #include "Timing.h"
 #include "Transaction.h"
 
@@ -130,7 +130,7 @@ int fiveYearsBench(const QString& stressFile)
     qint64 copied = 0;
     for (int year = 1; year <= 4; ++year) {
         copied += scalar(db, QStringLiteral("SELECT COUNT(*) FROM vi")).toLongLong();
-        TilikaudenVaihto vaihto(db);
+        FiscalYearChange vaihto(db);
         QElapsedTimer t;
         t.start();
         if (!vaihto.suorita(Balance, true)) {

@@ -4,10 +4,10 @@
 // file named on the command line is not changed.
 #include "BenchSql.h"
 #include "DBC.h"
+#include "FiscalYearChange.h"
 #include "Paths.h"
 #include "ProgramSettings.h"
 #include "StressBooks.h"
-#include "TilikaudenVaihto.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -106,10 +106,10 @@ int yearChangeBench(const QString& stressFile)
         std::map<int, double> stages;
         QElapsedTimer total;
         QElapsedTimer stage;
-        TilikaudenVaihto vaihto(db);
+        FiscalYearChange vaihto(db);
         vaihto.setEdistyminen([&](const QString& teksti, int valmiina) {
-            for (int i = 1; i <= TilikaudenVaihto::Vaiheet; ++i) {
-                if (teksti != TilikaudenVaihto::vaiheTeksti(i))
+            for (int i = 1; i <= FiscalYearChange::Vaiheet; ++i) {
+                if (teksti != FiscalYearChange::vaiheTeksti(i))
                     continue;
                 if (valmiina == i - 1 && !stages.count(-i)) {
                     stages[-i] = 1;
@@ -140,8 +140,8 @@ int yearChangeBench(const QString& stressFile)
             // On a machine shared with other work the wall time is mostly waiting for the disk.
             line("  of which processor time", cpu, 0, "");
             line("  safety copy", stages[0], 0, "");
-            for (int i = 1; i <= TilikaudenVaihto::Vaiheet; ++i) {
-                const QByteArray name = ("  " + TilikaudenVaihto::vaiheTeksti(i)).toUtf8();
+            for (int i = 1; i <= FiscalYearChange::Vaiheet; ++i) {
+                const QByteArray name = ("  " + FiscalYearChange::vaiheTeksti(i)).toUtf8();
                 if (i == 3)
                     line(name.constData(), stages[i], bare, "ratio <= 3 (INSERT INTO viE SELECT … FROM vi)");
                 else

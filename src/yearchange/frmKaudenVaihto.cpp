@@ -4,7 +4,7 @@
 #include "DatabaseError.h"
 #include "Dates.h"
 #include "Dialogs.h"
-#include "TilikaudenVaihto.h"
+#include "FiscalYearChange.h"
 #include "WaitCursor.h"
 
 #include <QCloseEvent>
@@ -17,7 +17,7 @@ frmKaudenVaihto::frmKaudenVaihto(const QSqlDatabase& db, QWidget* parent)
     , m_db(db)
 {
     ui->setupUi(this);
-    ui->pBar->setRange(0, TilikaudenVaihto::Vaiheet);
+    ui->pBar->setRange(0, FiscalYearChange::Vaiheet);
     ui->pBar->setValue(0);
     connect(ui->cTilikaudenvaihto, &QPushButton::clicked, this, &frmKaudenVaihto::vaihda);
     connect(ui->cPeru, &QPushButton::clicked, this, &frmKaudenVaihto::reject);
@@ -30,8 +30,8 @@ frmKaudenVaihto::~frmKaudenVaihto() = default;
 
 void frmKaudenVaihto::naytaKaudet()
 {
-    const TilikaudenVaihto::Kaudet nyt = TilikaudenVaihto::nykyiset();
-    const TilikaudenVaihto::Kaudet uudet = TilikaudenVaihto::seuraavat(nyt);
+    const FiscalYearChange::Kaudet nyt = FiscalYearChange::nykyiset();
+    const FiscalYearChange::Kaudet uudet = FiscalYearChange::seuraavat(nyt);
     ui->lblTilikausiAlku->setText(Dates::format(nyt.alku));
     ui->lblTilikausiLoppu->setText(Dates::format(nyt.loppu));
     ui->lblTilikausiUusiAlku->setText(Dates::format(uudet.alku));
@@ -43,7 +43,7 @@ void frmKaudenVaihto::taytaMallit()
     // A blank first item, then the balance-sheet templates by name; nothing is chosen yet.
     ui->cmbTasemalli->addItem(QStringLiteral(" "), 0);
     tellIfFails(QStringLiteral("Tasemalleja ei voitu lukea."), [this] {
-        for (const TilikaudenVaihto::Tasemalli& m : TilikaudenVaihto::tasemallit(m_db))
+        for (const FiscalYearChange::Tasemalli& m : FiscalYearChange::tasemallit(m_db))
             ui->cmbTasemalli->addItem(m.nimi, m.id);
     });
     ui->cmbTasemalli->setCurrentIndex(-1);
@@ -66,26 +66,26 @@ void frmKaudenVaihto::vaihda()
     const std::optional<qint32> malli
         = valittu < 0 ? std::nullopt : std::optional<qint32>(ui->cmbTasemalli->itemData(valittu).toInt());
 
-    TilikaudenVaihto vaihto(m_db);
+    FiscalYearChange vaihto(m_db);
     vaihto.setEdistyminen([this](const QString& teksti, int valmiina) {
         ui->lblStatus->setText(teksti);
         ui->pBar->setValue(valmiina);
         // The stages repaint; the controls are disabled meanwhile.
         QCoreApplication::processEvents();
     });
-    vaihto.setVahvistus([](const TilikaudenVaihto::Kaudet& uudet) {
+    vaihto.setVahvistus([](const FiscalYearChange::Kaudet& uudet) {
         return Dialogs::instance().question(QStringLiteral(
             "Vaihdetaanko tilikausi? Uusi tilikausi on %1 - %2.\n\nKirjanpidosta otetaan ensin "
             "varmuuskopio, ja vaihdon jälkeen sen nimi näkyy tässä ikkunassa.")
                                                 .arg(Dates::format(uudet.alku), Dates::format(uudet.loppu)));
     });
-    vaihto.setVahvistus([](const TilikaudenVaihto::Kaudet& uudet) {
+    vaihto.setVahvistus([](const FiscalYearChange::Kaudet& uudet) {
         return Dialogs::instance().question(QStringLiteral(
             "Vaihdetaanko tilikausi? Uusi tilikausi on %1 - %2.\n\nKirjanpidosta otetaan ensin "
             "varmuuskopio, ja vaihdon jälkeen sen nimi näkyy tässä ikkunassa.")
                                                 .arg(Dates::format(uudet.alku), Dates::format(uudet.loppu)));
     });
-    ui->pBar->setRange(0, TilikaudenVaihto::Vaiheet);
+    ui->pBar->setRange(0, FiscalYearChange::Vaiheet);
     ui->pBar->setValue(0);
     bool tehty = false;
     {
@@ -102,9 +102,9 @@ void frmKaudenVaihto::vaihda()
         return;
     }
     m_vaihdettu = true;
-    ui->lblStatus->setText(TilikaudenVaihto::valmisViesti() + QStringLiteral(" Varmuuskopio: ")
+    ui->lblStatus->setText(FiscalYearChange::valmisViesti() + QStringLiteral(" Varmuuskopio: ")
         + QDir::toNativeSeparators(vaihto.varmuuskopio()));
-    Dialogs::instance().information(TilikaudenVaihto::valmisViesti());
+    Dialogs::instance().information(FiscalYearChange::valmisViesti());
     accept();
 }
 

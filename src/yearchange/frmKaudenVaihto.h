@@ -10,7 +10,7 @@ class frmKaudenVaihto;
 
 // The fiscal year change: the current year's dates and those after the change, the
 // balance-sheet template whose accounts give the opening entries, and the stages of the
-// change on a progress bar. The work is TilikaudenVaihto's.
+// change on a progress bar. The work is FiscalYearChange's.
 class frmKaudenVaihto final : public QDialog {
     Q_OBJECT
 

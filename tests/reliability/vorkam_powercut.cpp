@@ -14,12 +14,12 @@
 #include "DatabaseMaintenance.h"
 #include "Dialogs.h"
 #include "Drives.h"
+#include "FiscalYearChange.h"
 #include "Money.h"
 #include "Paths.h"
 #include "ProgramSettings.h"
 #include "StickBackup.h"
 #include "StickRestore.h"
-#include "TilikaudenVaihto.h"
 #include "Transaction.h"
 #include "VoucherEditor.h"
 #include "cMalli.h"
@@ -188,7 +188,7 @@ bool saveTemplate(const World& w, const Ready& ready)
 
 bool yearChange(const World& w, const Ready& ready)
 {
-    TilikaudenVaihto vaihto(openBooks(w));
+    FiscalYearChange vaihto(openBooks(w));
     ready();
     return vaihto.suorita(2, true);
 }

@@ -1,9 +1,9 @@
 #include "Dates.h"
+#include "FiscalYearChange.h"
 #include "Paths.h"
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
 #include "Statements.h"
-#include "TilikaudenVaihto.h"
 #include "frmKaudenVaihto.h"
 
 #include <QCheckBox>
@@ -32,7 +32,7 @@ QString label(const QWidget& w, const char* name) { return child<QLabel>(w, name
 // of each account's line, joined by '|'.
 QStringList balanceSheet(qint32 malli, const QString& columns, bool accountsOnly = false)
 {
-    const TilikaudenVaihto::Kaudet k = TilikaudenVaihto::nykyiset();
+    const FiscalYearChange::Kaudet k = FiscalYearChange::nykyiset();
     StatementOptions o = StatementOptions::forPeriod(malli, k.alku, k.loppu);
     o.perAccount = true;
     if (!Statements::compute(F::db(), o))
@@ -114,7 +114,7 @@ void tst_frmKaudenVaihto::demoYearChange()
     QVERIFY(malli != 0);
     const QString nimi
         = F::value(QStringLiteral("SELECT maNimi FROM ma WHERE maID = ?"), { malli }).toString();
-    const TilikaudenVaihto::Kaudet vanhat = TilikaudenVaihto::nykyiset();
+    const FiscalYearChange::Kaudet vanhat = FiscalYearChange::nykyiset();
     ScriptedDialogs dialogs;
     const QString closing = QStringLiteral("taseteksti, taseLoppusaldo");
     const QStringList before = balanceSheet(malli, closing);
@@ -147,7 +147,7 @@ void tst_frmKaudenVaihto::demoYearChange()
     QCOMPARE(w.result(), int(QDialog::Accepted));
     QVERIFY(!w.isVisible());
     QCOMPARE(bar, (QList<int> { 1, 2, 3, 4, 5, 6 }));
-    QCOMPARE(TilikaudenVaihto::nykyiset(), TilikaudenVaihto::seuraavat(vanhat));
+    QCOMPARE(FiscalYearChange::nykyiset(), FiscalYearChange::seuraavat(vanhat));
 
     // Every account's opening balance is its closing balance, and the previous-year column
     // is the old current one, line by line.

@@ -16,7 +16,7 @@
 // A safety copy of the books is written first; then everything runs in one transaction, so a
 // failure, a full disk or a killed program leaves the books exactly as they were. The window
 // frmKaudenVaihto shows the stages; the work itself needs no window.
-class TilikaudenVaihto final {
+class FiscalYearChange final {
 public:
     // The fiscal-year dates of the bookkeeping settings.
     struct Kaudet {
@@ -52,7 +52,7 @@ public:
     // change: everything it did is rolled back.
     using Edistyminen = std::function<void(const QString& teksti, int valmiina)>;
 
-    explicit TilikaudenVaihto(const QSqlDatabase& db);
+    explicit FiscalYearChange(const QSqlDatabase& db);
 
     void setEdistyminen(Edistyminen edistyminen) { m_edistyminen = std::move(edistyminen); }
     // Asked once the books have passed their checks and before anything is done, with the new

@@ -1,4 +1,4 @@
-#include "TilikaudenVaihto.h"
+#include "FiscalYearChange.h"
 
 #include "BalanceSheet.h"
 #include "DatabaseCopy.h"
@@ -65,19 +65,19 @@ QString kirjoitusEsto(const QSqlDatabase& db)
 
 } // namespace
 
-TilikaudenVaihto::Kaudet TilikaudenVaihto::nykyiset()
+FiscalYearChange::Kaudet FiscalYearChange::nykyiset()
 {
     const BookkeepingSettings& s = ProgramSettings::bookkeeping();
     return { s.TilikausiAlku, s.TilikausiLoppu, s.EdTilikausiAlku, s.EdTilikausiLoppu };
 }
 
-TilikaudenVaihto::Kaudet TilikaudenVaihto::seuraavat(const Kaudet& k)
+FiscalYearChange::Kaudet FiscalYearChange::seuraavat(const Kaudet& k)
 {
     // QDate::addYears turns 29 February into 28 February in a common year.
     return { k.alku.addYears(1), k.loppu.addYears(1), k.edAlku.addYears(1), k.edLoppu.addYears(1) };
 }
 
-std::vector<TilikaudenVaihto::Tasemalli> TilikaudenVaihto::tasemallit(const QSqlDatabase& db)
+std::vector<FiscalYearChange::Tasemalli> FiscalYearChange::tasemallit(const QSqlDatabase& db)
 {
     std::vector<Tasemalli> mallit;
     QSqlQuery q = Sql::run(db,
@@ -87,7 +87,7 @@ std::vector<TilikaudenVaihto::Tasemalli> TilikaudenVaihto::tasemallit(const QSql
     return mallit;
 }
 
-QString TilikaudenVaihto::vaiheTeksti(int vaihe)
+QString FiscalYearChange::vaiheTeksti(int vaihe)
 {
     switch (vaihe) {
     case 1:
@@ -107,19 +107,19 @@ QString TilikaudenVaihto::vaiheTeksti(int vaihe)
     }
 }
 
-QString TilikaudenVaihto::valitseMalliViesti()
+QString FiscalYearChange::valitseMalliViesti()
 {
     return QStringLiteral("Valitse tasemalli, jonka mukaan kirjataan avausviennit!");
 }
 
-QString TilikaudenVaihto::valmisViesti() { return QStringLiteral("Tilikauden vaihto tehty."); }
+QString FiscalYearChange::valmisViesti() { return QStringLiteral("Tilikauden vaihto tehty."); }
 
-TilikaudenVaihto::TilikaudenVaihto(const QSqlDatabase& db)
+FiscalYearChange::FiscalYearChange(const QSqlDatabase& db)
     : m_db(db)
 {
 }
 
-QStringList TilikaudenVaihto::esteet(qint32 tasemalli) const
+QStringList FiscalYearChange::esteet(qint32 tasemalli) const
 {
     QStringList esteet;
     for (const cTositeTarkistusVirhe& v : cTositeTarkistus(m_db).Tarkista(false))
@@ -149,14 +149,14 @@ QStringList TilikaudenVaihto::esteet(qint32 tasemalli) const
     return esteet;
 }
 
-QString TilikaudenVaihto::esteetViesti(const QStringList& esteet)
+QString FiscalYearChange::esteetViesti(const QStringList& esteet)
 {
     return QStringLiteral("Tilikautta ei vaihdettu, koska kirjanpidossa on korjattavaa:\n\n")
         + esteet.join(u'\n')
         + QStringLiteral("\n\nKorjaa nämä ja vaihda tilikausi sitten. Kirjanpitoa ei muutettu.");
 }
 
-bool TilikaudenVaihto::suorita(std::optional<qint32> tasemalli, bool avausviennit)
+bool FiscalYearChange::suorita(std::optional<qint32> tasemalli, bool avausviennit)
 {
     Dialogs& dialogs = Dialogs::instance();
     m_varmuuskopio.clear();
@@ -272,7 +272,7 @@ bool TilikaudenVaihto::suorita(std::optional<qint32> tasemalli, bool avausvienni
     return true;
 }
 
-void TilikaudenVaihto::vaihe(int vaihe, const std::function<void()>& tyo)
+void FiscalYearChange::vaihe(int vaihe, const std::function<void()>& tyo)
 {
     const QString teksti = vaiheTeksti(vaihe);
     if (m_edistyminen)
@@ -282,7 +282,7 @@ void TilikaudenVaihto::vaihe(int vaihe, const std::function<void()>& tyo)
         m_edistyminen(teksti, vaihe);
 }
 
-void TilikaudenVaihto::laskeTase(qint32 tasemalli)
+void FiscalYearChange::laskeTase(qint32 tasemalli)
 {
     const Kaudet kaudet = nykyiset();
     StatementOptions o = StatementOptions::forPeriod(tasemalli, kaudet.alku, kaudet.loppu);
@@ -295,14 +295,14 @@ void TilikaudenVaihto::laskeTase(qint32 tasemalli)
         throw Peruttu {};
 }
 
-void TilikaudenVaihto::siirraHistoriaan()
+void FiscalYearChange::siirraHistoriaan()
 {
     // Entries first, then their vouchers.
     Sql::run(m_db, KopioiViennit);
     Sql::run(m_db, KopioiTositteet);
 }
 
-void TilikaudenVaihto::kirjaaAvausviennit(const QDate& paiva)
+void FiscalYearChange::kirjaaAvausviennit(const QDate& paiva)
 {
     QSqlQuery q = Sql::run(m_db,
         QStringLiteral("SELECT tasetlID, taseLoppusaldo, tasePrintGroup FROM tase "

@@ -1,9 +1,9 @@
 #include "Dates.h"
+#include "FiscalYearChange.h"
 #include "Paths.h"
 #include "PrintOptions.h"
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
-#include "TilikaudenVaihto.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,7 +26,7 @@ void setYears(const QDate& alku, const QDate& loppu, const QDate& edAlku, const 
     ProgramSettings::saveBookkeeping(F::db());
 }
 
-QString text(const TilikaudenVaihto::Kaudet& k)
+QString text(const FiscalYearChange::Kaudet& k)
 {
     return QStringList { Dates::format(k.alku), Dates::format(k.loppu), Dates::format(k.edAlku),
         Dates::format(k.edLoppu) }
@@ -57,7 +57,7 @@ QStringList books()
              "SELECT * FROM toE ORDER BY toEID", "SELECT * FROM viE ORDER BY viEID",
              "SELECT setKey, setString FROM Settings WHERE setKey LIKE '%Tilikausi%' ORDER BY setKey" })
         lines << QString::fromUtf8(sql) << rows(QString::fromUtf8(sql));
-    return lines << text(TilikaudenVaihto::nykyiset());
+    return lines << text(FiscalYearChange::nykyiset());
 }
 
 QStringList safetyCopies() { return QDir(Paths::defaultBackupDir()).entryList(QDir::Files); }
@@ -82,7 +82,7 @@ void booksOf2011()
 
 } // namespace
 
-class tst_TilikaudenVaihto : public QObject {
+class tst_FiscalYearChange : public QObject {
     Q_OBJECT
 
 private slots:
@@ -97,7 +97,7 @@ private slots:
     void failureLeavesBooks();
 };
 
-void tst_TilikaudenVaihto::dates_data()
+void tst_FiscalYearChange::dates_data()
 {
     QTest::addColumn<QString>("years"); // this year's start and end, then the previous year's
     QTest::addColumn<QString>("expected");
@@ -112,7 +112,7 @@ void tst_TilikaudenVaihto::dates_data()
 }
 
 // The four dates move one year each, are stored, survive a restart and become the report period.
-void tst_TilikaudenVaihto::dates()
+void tst_FiscalYearChange::dates()
 {
     QFETCH(QString, years);
     QFETCH(QString, expected);
@@ -126,21 +126,21 @@ void tst_TilikaudenVaihto::dates()
     PrintOptions::current().alkupvm = QDate(2011, 5, 1);
     PrintOptions::current().loppupvm = QDate(2011, 5, 31);
 
-    TilikaudenVaihto vaihto(F::db());
+    FiscalYearChange vaihto(F::db());
     QVERIFY(vaihto.suorita(0, false));
     QCOMPARE(dialogs.transcript(), QStringList());
-    const TilikaudenVaihto::Kaudet k = TilikaudenVaihto::nykyiset();
+    const FiscalYearChange::Kaudet k = FiscalYearChange::nykyiset();
     QCOMPARE(text(k), expected);
-    QCOMPARE(text(TilikaudenVaihto::seuraavat({ d[0], d[1], d[2], d[3] })), expected);
+    QCOMPARE(text(FiscalYearChange::seuraavat({ d[0], d[1], d[2], d[3] })), expected);
     QCOMPARE(PrintOptions::current().alkupvm, k.alku);
     QCOMPARE(PrintOptions::current().loppupvm, k.loppu);
 
     ProgramSettings::bookkeeping() = BookkeepingSettings::defaults(QDate(2030, 6, 1));
     ProgramSettings::loadBookkeeping(F::db(), F::db().databaseName());
-    QCOMPARE(text(TilikaudenVaihto::nykyiset()), expected);
+    QCOMPARE(text(FiscalYearChange::nykyiset()), expected);
 }
 
-void tst_TilikaudenVaihto::refusals_data()
+void tst_FiscalYearChange::refusals_data()
 {
     QTest::addColumn<int>("malli"); // -1: nothing chosen
     QTest::addColumn<bool>("avausviennit");
@@ -179,7 +179,7 @@ void tst_TilikaudenVaihto::refusals_data()
 
 // Each refusal comes before the question and before anything is written, the safety copy
 // included; books with a slip are not carried into a new year.
-void tst_TilikaudenVaihto::refusals()
+void tst_FiscalYearChange::refusals()
 {
     QFETCH(int, malli);
     QFETCH(bool, avausviennit);
@@ -196,9 +196,9 @@ void tst_TilikaudenVaihto::refusals()
         QVERIFY(F::exec(setup));
     const QStringList before = books();
     ScriptedDialogs dialogs;
-    TilikaudenVaihto vaihto(F::db());
+    FiscalYearChange vaihto(F::db());
     bool asked = false;
-    vaihto.setVahvistus([&](const TilikaudenVaihto::Kaudet&) { return asked = true; });
+    vaihto.setVahvistus([&](const FiscalYearChange::Kaudet&) { return asked = true; });
     QVERIFY(!vaihto.suorita(malli < 0 ? std::nullopt : std::optional<qint32>(malli), avausviennit));
     QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     const QStringList transcript = dialogs.transcript();
@@ -212,14 +212,14 @@ void tst_TilikaudenVaihto::refusals()
 }
 
 // One entry per non-zero account line, its side from the print group and the sign.
-void tst_TilikaudenVaihto::openingEntries()
+void tst_FiscalYearChange::openingEntries()
 {
     F f;
     QVERIFY(f.ok);
     booksOf2011();
     ScriptedDialogs dialogs;
     QStringList stages;
-    TilikaudenVaihto vaihto(F::db());
+    FiscalYearChange vaihto(F::db());
     vaihto.setEdistyminen([&](const QString& teksti, int) {
         if (stages.isEmpty() || stages.last() != teksti)
             stages << teksti;
@@ -254,7 +254,7 @@ void tst_TilikaudenVaihto::openingEntries()
             "9|K|500.00|1|0|0|1", "2|K|100.00|1|0|0|1" }));
 }
 
-void tst_TilikaudenVaihto::historyReplaced_data()
+void tst_FiscalYearChange::historyReplaced_data()
 {
     QTest::addColumn<bool>("avausviennit");
     QTest::newRow("with opening entries") << true;
@@ -263,7 +263,7 @@ void tst_TilikaudenVaihto::historyReplaced_data()
 
 // The old previous year goes; the old current year comes back with its own keys. Without opening
 // entries nothing is computed: no statement, and the new year is empty.
-void tst_TilikaudenVaihto::historyReplaced()
+void tst_FiscalYearChange::historyReplaced()
 {
     QFETCH(bool, avausviennit);
     F f;
@@ -284,7 +284,7 @@ void tst_TilikaudenVaihto::historyReplaced()
     const QStringList entriesBefore = rows(entries.arg(QStringLiteral("vi"), all));
     const QStringList vouchersBefore = rows(vouchers.arg(QStringLiteral("to"), all));
     ScriptedDialogs dialogs;
-    TilikaudenVaihto vaihto(F::db());
+    FiscalYearChange vaihto(F::db());
     QVERIFY(vaihto.suorita(2, avausviennit));
 
     // The year travels as it was: the profit entries are computed, never stored.
@@ -303,13 +303,13 @@ void tst_TilikaudenVaihto::historyReplaced()
     }
 }
 
-void tst_TilikaudenVaihto::failureLeavesBooks_data()
+void tst_FiscalYearChange::failureLeavesBooks_data()
 {
     QTest::addColumn<int>("stage"); // the stage that fails, 0 for none
     QTest::addColumn<QString>("failure");
     QTest::addColumn<QString>("error"); // how the one error shown begins
     const QString failed = QStringLiteral("Tilikauden vaihto ei onnistunut. Kirjanpito on ennallaan.\n");
-    for (int stage = 1; stage <= TilikaudenVaihto::Vaiheet; ++stage)
+    for (int stage = 1; stage <= FiscalYearChange::Vaiheet; ++stage)
         QTest::addRow("stage %d fails", stage)
             << stage << QString() << failed + QStringLiteral("keskeytetty");
     QTest::newRow("disk full") << 0 << "disk full" << failed;
@@ -321,7 +321,7 @@ void tst_TilikaudenVaihto::failureLeavesBooks_data()
 
 // A failure at any point of the change rolls everything back: the books, the work tables, the
 // stored dates and those in force; without a safety copy the change does not start.
-void tst_TilikaudenVaihto::failureLeavesBooks()
+void tst_FiscalYearChange::failureLeavesBooks()
 {
     QFETCH(int, stage);
     QFETCH(QString, failure);
@@ -349,9 +349,9 @@ void tst_TilikaudenVaihto::failureLeavesBooks()
         QVERIFY(TestEnv::writeFile(folder, "ei kansio"));
     }
     ScriptedDialogs dialogs;
-    TilikaudenVaihto vaihto(F::db());
+    FiscalYearChange vaihto(F::db());
     vaihto.setEdistyminen([&](const QString& teksti, int valmiina) {
-        if (teksti == TilikaudenVaihto::vaiheTeksti(stage) && valmiina == stage)
+        if (teksti == FiscalYearChange::vaiheTeksti(stage) && valmiina == stage)
             throw std::runtime_error("keskeytetty");
     });
     QVERIFY(!vaihto.suorita(2, true));
@@ -365,10 +365,10 @@ void tst_TilikaudenVaihto::failureLeavesBooks()
     // Nothing is left half-done: the next try goes through.
     QFile::remove(folder);
     dialogs.clear();
-    TilikaudenVaihto uudestaan(F::db());
+    FiscalYearChange uudestaan(F::db());
     QVERIFY(uudestaan.suorita(2, true));
-    QCOMPARE(TilikaudenVaihto::nykyiset().alku, QDate(2012, 1, 1));
+    QCOMPARE(FiscalYearChange::nykyiset().alku, QDate(2012, 1, 1));
 }
 
-QTEST_GUILESS_MAIN(tst_TilikaudenVaihto)
-#include "tst_TilikaudenVaihto.moc"
+QTEST_GUILESS_MAIN(tst_FiscalYearChange)
+#include "tst_FiscalYearChange.moc"

@@ -257,11 +257,10 @@ private slots:
         const QString report = QString::fromUtf8(TestEnv::readFile(r.reportFile));
         QCOMPARE(report, r.report() + u'\n');
         const QString sum = money("3 104,00").toString();
-        for (const QString& line : { QStringLiteral("  vi: 26 / 26"), QStringLiteral("  viE: 2 / 2"),
-                 QStringLiteral("  tpPohjat: 1 / 1"),
-                 QStringLiteral("debet (D): ennen %1, jälkeen %1").arg(sum),
-                 QStringLiteral("Ohitettuja tauluja ei ollut."),
-                 QStringLiteral("Alkuperäinen (Jet 4) säilytetty nimellä: %1").arg(r.original) })
+        for (const QString& line :
+            { QStringLiteral("  vi: 26 / 26"), QStringLiteral("debet (D): ennen %1, jälkeen %1").arg(sum),
+                QStringLiteral("Ohitettuja tauluja ei ollut."),
+                QStringLiteral("Alkuperäinen (Jet 4) säilytetty nimellä: %1").arg(r.original) })
             QVERIFY2(report.contains(line), qPrintable(line));
     }
 

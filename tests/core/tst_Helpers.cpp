@@ -1,8 +1,9 @@
+#include "DatabaseError.h"
 #include "Dates.h"
 #include "ErrorText.h"
 #include "Money.h"
 #include "RecordText.h"
-#include "SqlScript.h"
+#include "ScopedConnection.h"
 
 #include <QTest>
 
@@ -22,7 +23,7 @@ private slots:
     void datesParse();
     void datesStorageAndLiterals();
     void recordText();
-    void sqlScriptSplit();
+    void scriptRunsWhole();
     void technicalTextsInFinnish();
 };
 
@@ -179,15 +180,18 @@ void tst_Helpers::recordText()
     QCOMPARE(RecordText::cut(emoji, 50), QString(49, u'a'));
 }
 
-void tst_Helpers::sqlScriptSplit()
+// A script runs as the engine splits it: a trigger's inner semicolons, quoted ones and comments.
+void tst_Helpers::scriptRunsWhole()
 {
-    const QStringList s = SqlScript::split(QStringLiteral(
-        "-- comment; not a statement\nINSERT INTO tl VALUES (1, 'a;b');\n/* block; */ INSERT INTO tl VALUES "
-        "(2, 'O''Brien;');\nUPDATE tl SET tlNimi = \"x;y\""));
-    QCOMPARE(s.size(), 3);
-    QCOMPARE(s.at(0), QStringLiteral("INSERT INTO tl VALUES (1, 'a;b')"));
-    QVERIFY(s.at(1).endsWith(QStringLiteral("(2, 'O''Brien;')")));
-    QCOMPARE(s.at(2), QStringLiteral("UPDATE tl SET tlNimi = \"x;y\""));
+    ScopedConnection memory(QStringLiteral(":memory:"));
+    Sql::runScript(memory.db(),
+        QStringLiteral("CREATE TABLE t (a TEXT); -- comment; not a statement\n"
+                       "CREATE TRIGGER k AFTER INSERT ON t BEGIN UPDATE t SET a = a || ';'; END;\n"
+                       "/* block; */ INSERT INTO t VALUES ('O''Brien;');"));
+    QCOMPARE(
+        Sql::scalar(memory.db(), QStringLiteral("SELECT a FROM t")).toString(), QStringLiteral("O'Brien;;"));
+    QVERIFY_THROWS_EXCEPTION(
+        DatabaseError, Sql::runScript(memory.db(), QStringLiteral("INSERT INTO puuttuu VALUES (1);")));
 }
 
 // No engine or library English reaches the user alone: known texts in Finnish, others marked.

@@ -1,5 +1,6 @@
 #include "AccountsFixture.h"
 #include "ChartOfAccounts.h"
+#include "Controls.h"
 #include "ScriptedDialogs.h"
 #include "cTili.h"
 #include "frmLisaaTili.h"
@@ -18,15 +19,7 @@ namespace {
 
 const QString AskDelete = QStringLiteral("question: Haluatko varmasti poistaa valitun tilin?");
 
-template <typename T = QLineEdit> T* child(QWidget& w, const char* name)
-{
-    T* found = w.findChild<T*>(QString::fromLatin1(name));
-    if (!found)
-        qFatal("no control %s", name);
-    return found;
-}
-
-QString text(QWidget& w, const char* name) { return child(w, name)->text(); }
+QString text(QWidget& w, const char* name) { return child<QLineEdit>(w, name)->text(); }
 
 // Clicks a button, or triggers a menu command (names beginning with "m").
 void click(QWidget& w, const char* control)
@@ -39,8 +32,8 @@ void click(QWidget& w, const char* control)
 
 void retype(QWidget& w, const char* name, const QString& text)
 {
-    child(w, name)->setFocus();
-    child(w, name)->setText(text);
+    child<QLineEdit>(w, name)->setFocus();
+    child<QLineEdit>(w, name)->setText(text);
 }
 
 bool shown(QWidget& w)
@@ -225,7 +218,8 @@ private slots:
         child<QPushButton>(w, "cTallenna")->setFocus();
         click(w, "cTallenna");
         QCOMPARE(c.dialogs.transcript(), QStringList { QStringLiteral("information: ") + message });
-        QCOMPARE(QApplication::focusWidget(), child(w, message == NoName ? "tNimi" : "tTilinumero"));
+        QCOMPARE(
+            QApplication::focusWidget(), child<QLineEdit>(w, message == NoName ? "tNimi" : "tTilinumero"));
         // Leaving the account or closing the window is refused the same way until undone.
         click(w, "cSeuraava");
         QCOMPARE(c.dialogs.shown().size(), 2);
@@ -306,7 +300,7 @@ private slots:
         QCOMPARE(text(w, "tNimi"), QStringLiteral("Avustukset"));
         QCOMPARE(c.parent(4100), QStringLiteral("4000PN"));
         QCOMPARE(c.tree->currentItem(), c.node(4100));
-        QCOMPARE(w.focusWidget(), child(w, "tTilinumero"));
+        QCOMPARE(w.focusWidget(), child<QLineEdit>(w, "tTilinumero"));
         // The flag is the user's to change, saved with the account.
         child<QCheckBox>(w, "chkTulostetaan")->click();
         click(w, "cTallenna");

@@ -1,5 +1,6 @@
 #include "AccountsFixture.h"
 #include "BalanceChart.h"
+#include "Controls.h"
 #include "Paths.h"
 #include "PrintOptions.h"
 #include "ScriptedDialogs.h"
@@ -56,14 +57,6 @@ struct Tilit {
             f.env.programDir() + QStringLiteral("/paikirja.rpt"));
     }
 };
-
-template <typename T> T* child(QWidget& w, const char* name)
-{
-    auto* c = w.findChild<T*>(QLatin1String(name));
-    if (!c)
-        qFatal("no %s", name);
-    return c;
-}
 
 QString label(QWidget& w, const char* name) { return child<QLabel>(w, name)->text(); }
 

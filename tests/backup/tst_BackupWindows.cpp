@@ -1,5 +1,6 @@
 #include "BackupStick.h"
 #include "BackupTestSupport.h"
+#include "Controls.h"
 #include "DBC.h"
 #include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
@@ -23,14 +24,6 @@ namespace {
 const QString NotFoundHelp = QStringLiteral(
     "information: Sopivaa muistitikkua ei löydy.\n\nTutustu ohjelman käyttöohjeesta kappaleeseen \"Varmistus "
     "kopiotikulle\".\nSieltä löytyy ohjeet miten muistitikulle annetaan nimeksi \"KOPIOTIKKU\".");
-
-template <typename T = QWidget> T* child(const QWidget& w, const char* name)
-{
-    T* found = w.findChild<T*>(QString::fromLatin1(name));
-    if (!found)
-        qFatal("no control %s", name);
-    return found;
-}
 
 QString text(const QWidget& w, const char* name) { return child<QLabel>(w, name)->text(); }
 bool enabled(const QWidget& w, const char* name) { return child(w, name)->isEnabled(); }

@@ -1,3 +1,4 @@
+#include "Controls.h"
 #include "Dates.h"
 #include "PrintOptions.h"
 #include "ProgramSettings.h"
@@ -19,14 +20,6 @@ namespace {
 
 const QString Question
     = QStringLiteral("Antamasi kopiomäärä on virheellinen. Haluatko tulostaa yhden kopion?");
-
-template <typename T> T* child(QWidget& w, const char* name)
-{
-    T* c = w.findChild<T*>(QString::fromLatin1(name));
-    if (!c)
-        qFatal("no %s", name);
-    return c;
-}
 
 } // namespace
 

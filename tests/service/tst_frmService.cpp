@@ -1,3 +1,4 @@
+#include "Controls.h"
 #include "DBC.h"
 #include "LocalSmtp.h"
 #include "ProgramSettings.h"
@@ -16,14 +17,6 @@
 #include <QTest>
 
 namespace {
-
-template <typename T = QWidget> T* child(const QWidget& w, const char* name)
-{
-    T* found = w.findChild<T*>(QString::fromLatin1(name));
-    if (!found)
-        qFatal("no control %s", name);
-    return found;
-}
 
 // Books in use, open through the shared connection, with the mail settings given; snapshots
 // go to the world's own tmp folder.

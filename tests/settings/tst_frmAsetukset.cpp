@@ -1,3 +1,4 @@
+#include "Controls.h"
 #include "DatabaseFile.h"
 #include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
@@ -46,14 +47,6 @@ struct Books {
     QSqlDatabase db() const { return QSqlDatabase::database(Connection, false); }
     QString file;
 };
-
-template <typename T> T* child(const QWidget& w, const char* name)
-{
-    T* found = w.findChild<T*>(QString::fromLatin1(name));
-    if (!found)
-        qFatal("no control %s", name);
-    return found;
-}
 
 QString text(const QWidget& w, const char* name) { return child<QLineEdit>(w, name)->text(); }
 

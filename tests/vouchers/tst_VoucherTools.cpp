@@ -1,3 +1,4 @@
+#include "Controls.h"
 #include "ScriptedDialogs.h"
 #include "VoucherFixture.h"
 #include "frmNewTositteet.h"
@@ -18,14 +19,6 @@
 using Laji = frmNewTositteet::Laji;
 
 namespace {
-
-template <typename T> T* child(QObject& w, const char* name)
-{
-    auto* c = w.findChild<T*>(QString::fromUtf8(name));
-    if (!c)
-        qWarning("no child %s", name);
-    return c;
-}
 
 QStringList items(QListWidget* list)
 {

@@ -1,3 +1,4 @@
+#include "Controls.h"
 #include "ScriptedDialogs.h"
 #include "VoucherFixture.h"
 #include "frmNewTositteet.h"
@@ -17,14 +18,6 @@
 using Laji = frmNewTositteet::Laji;
 
 namespace {
-
-template <typename T> T* child(QWidget& w, const QString& name)
-{
-    auto* c = w.findChild<T*>(name);
-    if (!c)
-        qWarning("no child %s", qPrintable(name));
-    return c;
-}
 
 QTableView* grid(QWidget& w) { return child<QTableView>(w, QStringLiteral("grdViennit")); }
 

@@ -1,3 +1,4 @@
+#include "Controls.h"
 #include "Dates.h"
 #include "FiscalYearChange.h"
 #include "Paths.h"
@@ -17,14 +18,6 @@
 namespace {
 
 using F = StatementFixture;
-
-template <typename T> T* child(const QWidget& w, const char* name)
-{
-    T* found = w.findChild<T*>(QString::fromLatin1(name));
-    if (!found)
-        qFatal("no control %s", name);
-    return found;
-}
 
 QString label(const QWidget& w, const char* name) { return child<QLabel>(w, name)->text(); }
 

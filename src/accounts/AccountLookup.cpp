@@ -8,17 +8,15 @@
 
 void AccountLookup::load(const QSqlDatabase& db)
 {
-    m_accounts.clear();
     m_byId.clear();
     m_byNumero.clear();
-    QSqlQuery q
-        = Sql::run(db, QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl ORDER BY tlNumero, tlID"));
-    while (q.next()) {
-        m_accounts.push_back({ q.value(0).toInt(), q.value(1).toInt(), q.value(2).toString().trimmed() });
-        const int index = int(m_accounts.size()) - 1;
-        m_byId.insert(m_accounts.back().id, index);
-        if (!m_byNumero.contains(m_accounts.back().numero))
-            m_byNumero.insert(m_accounts.back().numero, index);
+    m_accounts = ChartOfAccounts::accounts(db);
+    for (int index = 0; index < int(m_accounts.size()); ++index) {
+        const Account& a = m_accounts[size_t(index)];
+        m_byId.insert(a.id, index);
+        // The first account of a number is the one a typed number finds.
+        if (!m_byNumero.contains(a.numero))
+            m_byNumero.insert(a.numero, index);
     }
 }
 
@@ -27,8 +25,7 @@ QString AccountLookup::text(qint32 id) const
     const auto it = m_byId.constFind(id);
     if (id == 0 || it == m_byId.cend())
         return QString();
-    const Account& a = m_accounts[size_t(*it)];
-    return a.nimi.isEmpty() ? QString::number(a.numero) : QString::number(a.numero) + u' ' + a.nimi;
+    return m_accounts[size_t(*it)].caption();
 }
 
 QStringList AccountLookup::texts() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ChartOfAccounts.h"
 #include "Money.h"
 
 #include <QHash>
@@ -12,11 +13,7 @@
 // completion of what the user types in an account cell, and the sums of one account.
 class AccountLookup final {
 public:
-    struct Account {
-        qint32 id = 0;
-        qint32 numero = 0;
-        QString nimi;
-    };
+    using Account = ChartOfAccounts::Account;
     struct Sums {
         Money debet;
         Money kredit;

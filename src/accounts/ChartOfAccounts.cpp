@@ -214,6 +214,21 @@ bool tietokantaAsetusPuuttuu()
     return database.isEmpty() || database.compare(QStringLiteral("unknown"), Qt::CaseInsensitive) == 0;
 }
 
+QString Account::caption() const
+{
+    return nimi.isEmpty() ? QString::number(numero) : QString::number(numero) + u' ' + nimi;
+}
+
+std::vector<Account> accounts(const QSqlDatabase& db)
+{
+    std::vector<Account> list;
+    QSqlQuery q
+        = Sql::run(db, QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl ORDER BY tlNumero, tlID"));
+    while (q.next())
+        list.push_back({ q.value(0).toInt(), q.value(1).toInt(), q.value(2).toString().trimmed() });
+    return list;
+}
+
 std::vector<MalliRivi> malliRivit(const QSqlDatabase& db, qint32 tlId)
 {
     std::vector<MalliRivi> rivit;

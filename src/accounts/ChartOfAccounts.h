@@ -30,6 +30,19 @@ std::optional<qint32> tiliAvaimesta(const QString& key);
 // An account number as the user typed it: a whole number, blanks around it allowed.
 std::optional<qint32> numeroTekstista(const QString& text);
 
+// One account as every list of accounts shows it.
+struct Account {
+    qint32 id = 0;
+    qint32 numero = 0;
+    QString nimi; // trimmed
+    // "1910 Pankkitili"; the number alone when the name is blank.
+    QString caption() const;
+};
+
+// The whole chart in account-number order, equal numbers by key: the one reading of the chart
+// that every list of accounts uses. Throws DatabaseError.
+std::vector<Account> accounts(const QSqlDatabase& db);
+
 struct Rivi {
     qint32 id = 0;
     qint32 numero = 0;

@@ -1,5 +1,6 @@
 #include "SettingsForm.h"
 
+#include "ChartOfAccounts.h"
 #include "DatabaseError.h"
 #include "DatabaseFile.h"
 #include "Dates.h"
@@ -81,9 +82,8 @@ SettingsForm SettingsForm::current()
 QList<SettingsForm::Account> SettingsForm::accounts(const QSqlDatabase& db)
 {
     QList<Account> list;
-    QSqlQuery q = Sql::run(db, QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl ORDER BY tlNumero"));
-    while (q.next())
-        list.append({ q.value(0).toInt(), q.value(1).toString() + u' ' + q.value(2).toString() });
+    for (const ChartOfAccounts::Account& a : ChartOfAccounts::accounts(db))
+        list.append({ a.id, a.caption() });
     return list;
 }
 

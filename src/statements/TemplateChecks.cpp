@@ -1,5 +1,6 @@
 #include "TemplateChecks.h"
 
+#include "ChartOfAccounts.h"
 #include "DatabaseError.h"
 #include "Dialogs.h"
 #include "TemplateText.h"
@@ -112,22 +113,15 @@ public:
                 if (ok && id > 0)
                     ++uses[id];
             }
-        struct Account {
-            qint32 id;
-            QString text;
-        };
-        std::vector<Account> accounts;
-        QSqlQuery tl = Sql::run(m_db, QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl ORDER BY tlID"));
-        while (tl.next())
-            accounts.push_back({ tl.value(0).toInt(),
-                QStringLiteral("%1 %2").arg(tl.value(1).toString(), tl.value(2).toString().trimmed()) });
-        for (const Account& a : accounts)
+        const std::vector<ChartOfAccounts::Account> accounts = ChartOfAccounts::accounts(m_db);
+        for (const ChartOfAccounts::Account& a : accounts)
             if (uses.value(a.id) > 1)
                 add(cMalliVirhe::SamaTili, QStringLiteral("Sama tili on mallissa useampaan kertaan."),
-                    a.text);
-        for (const Account& a : accounts)
+                    a.caption());
+        for (const ChartOfAccounts::Account& a : accounts)
             if (uses.value(a.id) == 0)
-                add(cMalliVirhe::TiliKayttamatta, QStringLiteral("Kaikki tilit eivät ole käytössä."), a.text);
+                add(cMalliVirhe::TiliKayttamatta, QStringLiteral("Kaikki tilit eivät ole käytössä."),
+                    a.caption());
     }
 
     void notChecked()

@@ -1,5 +1,6 @@
 #include "TemplateEditor.h"
 
+#include "ChartOfAccounts.h"
 #include "DatabaseError.h"
 #include "Dialogs.h"
 #include "TemplateText.h"
@@ -383,10 +384,8 @@ std::optional<QString> chooseAccounts(
 std::vector<Item> accounts(const QSqlDatabase& db)
 {
     std::vector<Item> items;
-    QSqlQuery q = Sql::run(db, QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl ORDER BY tlNumero"));
-    while (q.next())
-        items.push_back({ q.value(0).toInt(),
-            QStringLiteral("%1 %2").arg(q.value(1).toString(), q.value(2).toString().trimmed()) });
+    for (const ChartOfAccounts::Account& a : ChartOfAccounts::accounts(db))
+        items.push_back({ a.id, a.caption() });
     if (items.empty())
         items.push_back({ 0, QStringLiteral("[Ei tilejä]") });
     return items;

@@ -229,20 +229,38 @@ std::vector<Account> accounts(const QSqlDatabase& db)
     return list;
 }
 
-std::vector<MalliRivi> malliRivit(const QSqlDatabase& db, qint32 tlId)
+namespace {
+
+// Every template row with the accounts it lists, read once, by template and row.
+std::vector<std::pair<MalliRivi, std::vector<qint32>>> kaikkiRivit(const QSqlDatabase& db)
 {
-    std::vector<MalliRivi> rivit;
+    std::vector<std::pair<MalliRivi, std::vector<qint32>>> rivit;
     QSqlQuery q = Sql::run(db,
         QStringLiteral(
             "SELECT mr.mrID, ma.maNimi, mr.mrTeksti, mr.mrTilit FROM mr JOIN ma ON ma.maID = mr.mrmaID "
             "ORDER BY ma.maTyyppi, ma.maNimi, mr.mrID"));
-    while (q.next()) {
-        const std::vector<qint32> tilit = TemplateText::accounts(q.value(3).toString());
-        if (std::find(tilit.begin(), tilit.end(), tlId) != tilit.end())
-            rivit.push_back(
-                { q.value(0).toInt(), q.value(1).toString().trimmed(), q.value(2).toString().trimmed() });
-    }
+    while (q.next())
+        rivit.push_back(
+            { { q.value(0).toInt(), q.value(1).toString().trimmed(), q.value(2).toString().trimmed() },
+                TemplateText::accounts(q.value(3).toString()) });
     return rivit;
+}
+
+std::vector<MalliRivi> tilinRivit(
+    const std::vector<std::pair<MalliRivi, std::vector<qint32>>>& kaikki, qint32 tlId)
+{
+    std::vector<MalliRivi> rivit;
+    for (const auto& [rivi, tilit] : kaikki)
+        if (std::find(tilit.begin(), tilit.end(), tlId) != tilit.end())
+            rivit.push_back(rivi);
+    return rivit;
+}
+
+} // namespace
+
+std::vector<MalliRivi> malliRivit(const QSqlDatabase& db, qint32 tlId)
+{
+    return tilinRivit(kaikkiRivit(db), tlId);
 }
 
 Sijoitus sijoitus(const QSqlDatabase& db, qint32 tlId)
@@ -257,11 +275,12 @@ Sijoitus sijoitus(const QSqlDatabase& db, qint32 tlId)
         QStringLiteral("SELECT tlID, tlNumero, tlNimi FROM tl WHERE tlID <> ? ORDER BY tlNumero > ?, "
                        "ABS(tlNumero - ?), tlNumero"),
         { tlId, numero, numero });
+    const auto kaikki = kaikkiRivit(db);
     while (q.next()) {
         const qint32 naapuri = q.value(1).toInt();
         if (ryhma(naapuri) != oma)
             continue;
-        std::vector<MalliRivi> rivit = malliRivit(db, q.value(0).toInt());
+        std::vector<MalliRivi> rivit = tilinRivit(kaikki, q.value(0).toInt());
         if (!rivit.empty())
             return { tiliTeksti(naapuri, q.value(2).toString().trimmed()), std::move(rivit) };
     }

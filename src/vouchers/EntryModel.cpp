@@ -21,6 +21,11 @@ int EntryModel::columnCount(const QModelIndex& parent) const { return parent.isV
 
 QVariant EntryModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
+    return header(section, orientation, role);
+}
+
+QVariant EntryModel::header(int section, Qt::Orientation orientation, int role)
+{
     if (role != Qt::DisplayRole)
         return {};
     if (orientation == Qt::Vertical)

@@ -12,6 +12,8 @@ class EntryModel final : public QAbstractTableModel {
 public:
     EntryModel(VoucherEditor& muokkaus, QObject* parent);
 
+    // The grid's headers: row numbers down the side, the four column captions across.
+    static QVariant header(int section, Qt::Orientation orientation, int role);
     static bool isAccountColumn(int column) { return column == 0 || column == 2; }
     static VoucherEditor::Puoli side(int column)
     {

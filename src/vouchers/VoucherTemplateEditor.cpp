@@ -30,16 +30,7 @@ VoucherTemplateEditor::~VoucherTemplateEditor()
     if (!muuttunut())
         return;
     // Released without sulje(): what was typed is kept, as a record keeps it on release.
-    const bool saved = tellIfFails(QStringLiteral("Tositepohjan tallentaminen ei onnistunut."), [this] {
-        Transaction t(m_db);
-        m_pohja->Save(m_pohja->tpID() == 0);
-        for (auto* side : { &m_debet, &m_kredit })
-            for (auto& v : *side) {
-                v->setviptpID(m_pohja->tpID());
-                v->Save(false);
-            }
-        t.commitOrThrow();
-    });
+    const bool saved = tallennaKaikki();
     if (!saved) {
         m_pohja->setIsEmpty(true);
         for (auto* side : { &m_debet, &m_kredit })
@@ -177,8 +168,17 @@ bool VoucherTemplateEditor::tallenna()
     }
     if (!muuttunut())
         return true;
-    const bool ok = tellIfFails(QStringLiteral("Tositepohjan tallentaminen ei onnistunut."), [this] {
-        // The template and its patterns are stored together or not at all.
+    if (!tallennaKaikki())
+        return false;
+    tellIfFails(QStringLiteral("Tositepohjia ei voitu lukea."), [this] { lueLuettelo(); });
+    emit pohjatMuuttuivat();
+    return true;
+}
+
+bool VoucherTemplateEditor::tallennaKaikki()
+{
+    // The template and its patterns are stored together or not at all.
+    return tellIfFails(QStringLiteral("Tositepohjan tallentaminen ei onnistunut."), [this] {
         Transaction t(m_db);
         m_pohja->Save(m_pohja->tpID() == 0);
         for (auto* side : { &m_debet, &m_kredit })
@@ -188,11 +188,6 @@ bool VoucherTemplateEditor::tallenna()
             }
         t.commitOrThrow();
     });
-    if (!ok)
-        return false;
-    tellIfFails(QStringLiteral("Tositepohjia ei voitu lukea."), [this] { lueLuettelo(); });
-    emit pohjatMuuttuivat();
-    return true;
 }
 
 bool VoucherTemplateEditor::jata() { return tallenna(); }

@@ -86,6 +86,8 @@ private:
     void lueLuettelo();
     // Saves the template on screen when it changed; false, told, when it could not be.
     bool jata();
+    // Writes the template and its patterns in one transaction; false (and told) when it failed.
+    bool tallennaKaikki();
 
     QSqlDatabase m_db;
     AccountLookup m_tilit;

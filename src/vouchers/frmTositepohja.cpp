@@ -37,13 +37,7 @@ public:
     int columnCount(const QModelIndex& parent = {}) const override { return parent.isValid() ? 0 : 4; }
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override
     {
-        if (role != Qt::DisplayRole)
-            return {};
-        if (orientation == Qt::Vertical)
-            return section + 1;
-        static const QString captions[] = { QStringLiteral("Debet-tili"), QStringLiteral("Debet"),
-            QStringLiteral("Kredit-tili"), QStringLiteral("Kredit") };
-        return section >= 0 && section < 4 ? captions[section] : QString();
+        return EntryModel::header(section, orientation, role);
     }
     Qt::ItemFlags flags(const QModelIndex& index) const override
     {

@@ -10,15 +10,15 @@
 // The bench makes and deletes vouchers of its own: the books are left with the same rows, but
 // the key counters of the voucher and entry tables move on.
 
-#include "DBC.h"
-#include "Dialogs.h"
-#include "Paths.h"
-#include "ProgramSettings.h"
-#include "SettingsStore.h"
-#include "Transaction.h"
-#include "cTosite.h"
-#include "frmMain.h"
-#include "frmNewTositteet.h"
+#include "app/frmMain.h"
+#include "core/DBC.h"
+#include "core/Dialogs.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
+#include "core/SettingsStore.h"
+#include "core/Transaction.h"
+#include "vouchers/cTosite.h"
+#include "vouchers/frmNewTositteet.h"
 
 #include <QAbstractItemModel>
 #include <QApplication>

@@ -4,18 +4,18 @@
 // million entries have been booked and 1.2 million copied into the previous-year history. Then
 // the books are opened and checked as at start and the statements are computed, against the same
 // targets as on the fresh file. The file named is not changed.
-#include "BalanceSheet.h"
-#include "DBC.h"
-#include "DatabaseFile.h"
-#include "FiscalYearChange.h"
-#include "IncomeStatement.h"
-#include "Paths.h"
-#include "ProfitEntries.h"
-#include "ProgramSettings.h"
-#include "StatementOptions.h"
 #include "StressBooks.h"
 #include "Timing.h"
-#include "Transaction.h"
+#include "core/DBC.h"
+#include "core/DatabaseFile.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
+#include "core/Transaction.h"
+#include "statements/BalanceSheet.h"
+#include "statements/IncomeStatement.h"
+#include "statements/ProfitEntries.h"
+#include "statements/StatementOptions.h"
+#include "yearchange/FiscalYearChange.h"
 
 #include <QElapsedTimer>
 #include <QFile>

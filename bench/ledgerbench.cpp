@@ -1,17 +1,17 @@
 // Times the account inspection, the daily balances with their chart, the journal and the general
 // ledger on the stress association, each beside a plain baseline of the same run (see README.md).
-#include "JournalPrinting.h"
-#include "PagePainter.h"
-#include "Paths.h"
-#include "PdfWriter.h"
-#include "ProgramSettings.h"
-#include "ReportDefinition.h"
-#include "ReportDocument.h"
-#include "ReportEngine.h"
 #include "Timing.h"
-#include "cTiliTarkastelut.h"
-#include "frmPaivaSaldot.h"
-#include "frmTilitarkastelu.h"
+#include "accounts/cTiliTarkastelut.h"
+#include "accounts/frmPaivaSaldot.h"
+#include "accounts/frmTilitarkastelu.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
+#include "printing/PagePainter.h"
+#include "printing/PdfWriter.h"
+#include "printing/ReportDefinition.h"
+#include "printing/ReportDocument.h"
+#include "printing/ReportEngine.h"
+#include "vouchers/JournalPrinting.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

@@ -1,13 +1,13 @@
 // Times the report engine on the stress association and on a synthetic long report, each
 // beside a plain baseline of the same run (see README.md).
-#include "AccountReports.h"
-#include "PagePainter.h"
-#include "Paths.h"
-#include "PdfWriter.h"
-#include "ReportDocument.h"
-#include "ReportEngine.h"
 #include "Timing.h"
-#include "cTilienSaldot.h"
+#include "accounts/AccountReports.h"
+#include "accounts/cTilienSaldot.h"
+#include "core/Paths.h"
+#include "printing/PagePainter.h"
+#include "printing/PdfWriter.h"
+#include "printing/ReportDocument.h"
+#include "printing/ReportEngine.h"
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -2,13 +2,13 @@
 // with all four columns, and the automatic profit entries, each beside plain grouped SQL sums
 // over the same accounts and date ranges (see README.md), with the stress association's own
 // templates; the work tables are emptied at the end.
-#include "BalanceSheet.h"
-#include "IncomeStatement.h"
-#include "ProfitEntries.h"
-#include "ProgramSettings.h"
 #include "StressBooks.h"
 #include "Timing.h"
-#include "Transaction.h"
+#include "core/ProgramSettings.h"
+#include "core/Transaction.h"
+#include "statements/BalanceSheet.h"
+#include "statements/IncomeStatement.h"
+#include "statements/ProfitEntries.h"
 
 #include <QElapsedTimer>
 #include <QSqlQuery>

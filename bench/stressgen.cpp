@@ -5,8 +5,8 @@
 //
 //   vorkam_stressgen FILE.mdb [--vouchers N]      (N vouchers a year; 100000 when not given)
 #include "BenchSql.h"
-#include "Schema.h"
 #include "StressBooks.h"
+#include "core/Schema.h"
 
 #include <QCoreApplication>
 #include <QDate>

@@ -1,13 +1,13 @@
 // Times the voucher tools on the stress association, each beside a plain SQL baseline of the
 // same run (see README.md): the voucher check against its three grouped queries read row by
 // row, and the voucher search by amount and by a description word against one bare query.
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "Money.h"
-#include "ProgramSettings.h"
 #include "Timing.h"
-#include "VoucherSearch.h"
-#include "cTositeTarkistus.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "core/Money.h"
+#include "core/ProgramSettings.h"
+#include "vouchers/VoucherSearch.h"
+#include "vouchers/cTositeTarkistus.h"
 
 #include <QElapsedTimer>
 #include <QSqlQuery>

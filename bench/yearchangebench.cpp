@@ -3,11 +3,11 @@
 // FROM vi of the same rows on another copy, with the stress association's own balance sheet. The
 // file named on the command line is not changed.
 #include "BenchSql.h"
-#include "DBC.h"
-#include "FiscalYearChange.h"
-#include "Paths.h"
-#include "ProgramSettings.h"
 #include "StressBooks.h"
+#include "core/DBC.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
+#include "yearchange/FiscalYearChange.h"
 
 #include <QElapsedTimer>
 #include <QFile>

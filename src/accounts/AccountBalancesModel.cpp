@@ -1,4 +1,4 @@
-#include "AccountBalancesModel.h"
+#include "accounts/AccountBalancesModel.h"
 
 void AccountBalancesModel::setRivit(std::vector<cTilienSaldot::Rivi> rivit)
 {

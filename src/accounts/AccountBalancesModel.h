@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cTilienSaldot.h"
+#include "accounts/cTilienSaldot.h"
 
 #include <QAbstractTableModel>
 #include <vector>

@@ -1,6 +1,6 @@
-#include "AccountLookup.h"
+#include "accounts/AccountLookup.h"
 
-#include "DatabaseError.h"
+#include "core/DatabaseError.h"
 
 #include <QRegularExpression>
 #include <QSqlQuery>

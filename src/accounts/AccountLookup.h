@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ChartOfAccounts.h"
-#include "Money.h"
+#include "accounts/ChartOfAccounts.h"
+#include "core/Money.h"
 
 #include <QHash>
 #include <QSqlDatabase>

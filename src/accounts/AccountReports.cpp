@@ -1,8 +1,8 @@
-#include "AccountReports.h"
+#include "accounts/AccountReports.h"
 
-#include "DatabaseError.h"
-#include "ProgramSettings.h"
-#include "ReportFormulas.h"
+#include "core/DatabaseError.h"
+#include "core/ProgramSettings.h"
+#include "printing/ReportFormulas.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "BalanceChart.h"
+#include "accounts/BalanceChart.h"
 
 #include <QCategoryAxis>
 #include <QChart>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "DailyBalances.h"
+#include "accounts/DailyBalances.h"
 
 #include <QChartView>
 #include <QDate>

@@ -1,11 +1,11 @@
-#include "ChartOfAccounts.h"
+#include "accounts/ChartOfAccounts.h"
 
-#include "DatabaseError.h"
-#include "DatabaseFile.h"
-#include "ProgramSettings.h"
-#include "RecordText.h"
-#include "TemplateText.h"
-#include "Transaction.h"
+#include "core/DatabaseError.h"
+#include "core/DatabaseFile.h"
+#include "core/ProgramSettings.h"
+#include "core/RecordText.h"
+#include "core/TemplateText.h"
+#include "core/Transaction.h"
 
 #include <QSqlQuery>
 #include <QVariant>

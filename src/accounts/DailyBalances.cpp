@@ -1,7 +1,7 @@
-#include "DailyBalances.h"
+#include "accounts/DailyBalances.h"
 
-#include "DatabaseError.h"
-#include "Dates.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
 
 #include <QVariant>
 

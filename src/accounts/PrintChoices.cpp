@@ -1,6 +1,6 @@
-#include "PrintChoices.h"
+#include "accounts/PrintChoices.h"
 
-#include "PrintOptions.h"
+#include "printing/PrintOptions.h"
 
 namespace PrintChoices {
 

@@ -1,4 +1,4 @@
-#include "TextTableModel.h"
+#include "accounts/TextTableModel.h"
 
 TextTableModel::TextTableModel(QStringList headers, int leftColumns, QObject* parent)
     : QAbstractTableModel(parent)

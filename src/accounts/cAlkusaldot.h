@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Money.h"
+#include "core/Money.h"
 
 // Opening balances of one account: the sums of its opening entries, split by side and by
 // fiscal year. A plain value; every amount starts at zero.

@@ -1,6 +1,6 @@
-#include "cTili.h"
+#include "accounts/cTili.h"
 
-#include "RecordText.h"
+#include "core/RecordText.h"
 
 #include <QVariant>
 

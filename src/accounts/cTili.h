@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Money.h"
-#include "Record.h"
-#include "cAlkusaldot.h"
+#include "accounts/cAlkusaldot.h"
+#include "core/Money.h"
+#include "core/Record.h"
 
 #include <QObject>
 #include <QString>

@@ -1,7 +1,7 @@
-#include "cTiliTarkastelu.h"
+#include "accounts/cTiliTarkastelu.h"
 
-#include "Dates.h"
-#include "RecordText.h"
+#include "core/Dates.h"
+#include "core/RecordText.h"
 
 #include <QVariant>
 

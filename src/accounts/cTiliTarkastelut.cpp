@@ -1,11 +1,11 @@
-#include "cTiliTarkastelut.h"
+#include "accounts/cTiliTarkastelut.h"
 
-#include "ComputedEntries.h"
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "RowReader.h"
-#include "Schema.h"
-#include "Transaction.h"
+#include "core/ComputedEntries.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "core/RowReader.h"
+#include "core/Schema.h"
+#include "core/Transaction.h"
 
 #include <QVariant>
 

@@ -1,6 +1,6 @@
-#include "cTilienSaldo.h"
+#include "accounts/cTilienSaldo.h"
 
-#include "RecordText.h"
+#include "core/RecordText.h"
 
 #include <QVariant>
 

@@ -1,10 +1,10 @@
-#include "cTilienSaldot.h"
+#include "accounts/cTilienSaldot.h"
 
-#include "DatabaseError.h"
-#include "KeyTable.h"
-#include "RowReader.h"
-#include "Transaction.h"
-#include "cTilienSaldo.h"
+#include "accounts/cTilienSaldo.h"
+#include "core/DatabaseError.h"
+#include "core/KeyTable.h"
+#include "core/RowReader.h"
+#include "core/Transaction.h"
 
 #include <QHash>
 #include <QVariant>

@@ -1,10 +1,10 @@
-#include "frmLisaaTili.h"
+#include "accounts/frmLisaaTili.h"
 #include "ui_frmLisaaTili.h"
 
-#include "ChartOfAccounts.h"
-#include "DatabaseError.h"
-#include "Dialogs.h"
-#include "EnterAsTab.h"
+#include "accounts/ChartOfAccounts.h"
+#include "core/DatabaseError.h"
+#include "core/Dialogs.h"
+#include "ui/EnterAsTab.h"
 
 frmLisaaTili::frmLisaaTili(const QSqlDatabase& db, QWidget* parent)
     : QDialog(parent)

@@ -1,14 +1,14 @@
-#include "frmPaivaSaldot.h"
+#include "accounts/frmPaivaSaldot.h"
 #include "ui_frmPaivaSaldot.h"
 
-#include "BalanceChart.h"
-#include "CommandWiring.h"
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "Dialogs.h"
-#include "ProgramSettings.h"
-#include "TextTableModel.h"
-#include "WaitCursor.h"
+#include "accounts/BalanceChart.h"
+#include "accounts/TextTableModel.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "core/Dialogs.h"
+#include "core/ProgramSettings.h"
+#include "ui/CommandWiring.h"
+#include "ui/WaitCursor.h"
 
 #include <QHeaderView>
 #include <QScrollBar>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "AccountLookup.h"
-#include "DailyBalances.h"
+#include "accounts/AccountLookup.h"
+#include "accounts/DailyBalances.h"
 
 #include <QMainWindow>
 #include <QSqlDatabase>

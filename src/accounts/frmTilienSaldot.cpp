@@ -1,13 +1,13 @@
-#include "frmTilienSaldot.h"
+#include "accounts/frmTilienSaldot.h"
 #include "ui_frmTilienSaldot.h"
 
-#include "AccountBalancesModel.h"
-#include "AccountReports.h"
-#include "CommandWiring.h"
-#include "DatabaseError.h"
-#include "ReportRunner.h"
-#include "WaitCursor.h"
-#include "cTilienSaldot.h"
+#include "accounts/AccountBalancesModel.h"
+#include "accounts/AccountReports.h"
+#include "accounts/cTilienSaldot.h"
+#include "core/DatabaseError.h"
+#include "printing/ReportRunner.h"
+#include "ui/CommandWiring.h"
+#include "ui/WaitCursor.h"
 
 #include <QHeaderView>
 #include <QScrollBar>

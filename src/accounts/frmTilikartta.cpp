@@ -1,10 +1,10 @@
-#include "frmTilikartta.h"
+#include "accounts/frmTilikartta.h"
 #include "ui_frmTilikartta.h"
 
-#include "ChartOfAccounts.h"
-#include "DatabaseError.h"
-#include "Dialogs.h"
-#include "PrintChoices.h"
+#include "accounts/ChartOfAccounts.h"
+#include "accounts/PrintChoices.h"
+#include "core/DatabaseError.h"
+#include "core/Dialogs.h"
 
 #include <QVariant>
 

@@ -7,7 +7,7 @@
 #include <array>
 #include <memory>
 
-#include "cTili.h"
+#include "accounts/cTili.h"
 
 class QTreeWidgetItem;
 

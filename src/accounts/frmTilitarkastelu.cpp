@@ -1,15 +1,15 @@
-#include "frmTilitarkastelu.h"
+#include "accounts/frmTilitarkastelu.h"
 #include "ui_frmTilitarkastelu.h"
 
-#include "AccountReports.h"
-#include "CommandWiring.h"
-#include "DatabaseError.h"
-#include "DatabaseFile.h"
-#include "Dates.h"
-#include "Dialogs.h"
-#include "ReportRunner.h"
-#include "TextTableModel.h"
-#include "WaitCursor.h"
+#include "accounts/AccountReports.h"
+#include "accounts/TextTableModel.h"
+#include "core/DatabaseError.h"
+#include "core/DatabaseFile.h"
+#include "core/Dates.h"
+#include "core/Dialogs.h"
+#include "printing/ReportRunner.h"
+#include "ui/CommandWiring.h"
+#include "ui/WaitCursor.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "AccountLookup.h"
-#include "cTiliTarkastelut.h"
+#include "accounts/AccountLookup.h"
+#include "accounts/cTiliTarkastelut.h"
 
 #include <QMainWindow>
 #include <QSqlDatabase>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "DatabaseCreation.h"
-#include "Startup.h"
+#include "core/DatabaseCreation.h"
+#include "core/Startup.h"
 
 #include <QMainWindow>
 #include <QPointer>

@@ -1,11 +1,11 @@
-#include "ComputedEntries.h"
-#include "DBC.h"
-#include "Dialogs.h"
-#include "ProfitEntries.h"
-#include "ProgramInfo.h"
-#include "QtDialogs.h"
-#include "TitleFit.h"
-#include "frmMain.h"
+#include "app/frmMain.h"
+#include "core/ComputedEntries.h"
+#include "core/DBC.h"
+#include "core/Dialogs.h"
+#include "core/ProgramInfo.h"
+#include "statements/ProfitEntries.h"
+#include "ui/QtDialogs.h"
+#include "ui/TitleFit.h"
 
 #include <QApplication>
 #include <QIcon>

@@ -4,9 +4,9 @@
 //
 //   vorkam_mkdb OUTPUT.mdb FILE.sql [FILE.sql ...]
 
-#include "DatabaseError.h"
-#include "Schema.h"
-#include "Transaction.h"
+#include "core/DatabaseError.h"
+#include "core/Schema.h"
+#include "core/Transaction.h"
 
 #include <QCoreApplication>
 #include <QDate>

@@ -6,22 +6,22 @@
 //                 [--narrow] (--pdf F | --csv F | --xlsx F)
 //   vorkam_report OLD.mdb muunna      converts old Jet books into Vorkam's format
 //   vorkam_report BOOKS.mdb tarkistus prints the findings of the voucher check (exit 1 with any)
-#include "ComputedEntries.h"
-#include "DatabaseError.h"
-#include "DatabaseFile.h"
-#include "Dates.h"
-#include "Dialogs.h"
-#include "JetConversion.h"
-#include "PdfWriter.h"
-#include "ProfitEntries.h"
-#include "ProgramInfo.h"
-#include "ProgramSettings.h"
-#include "ReportCatalog.h"
-#include "ReportEngine.h"
-#include "ReportError.h"
-#include "ReportExport.h"
-#include "Schema.h"
-#include "cTositeTarkistus.h"
+#include "app/ReportCatalog.h"
+#include "core/ComputedEntries.h"
+#include "core/DatabaseError.h"
+#include "core/DatabaseFile.h"
+#include "core/Dates.h"
+#include "core/Dialogs.h"
+#include "core/JetConversion.h"
+#include "core/ProgramInfo.h"
+#include "core/ProgramSettings.h"
+#include "core/Schema.h"
+#include "printing/PdfWriter.h"
+#include "printing/ReportEngine.h"
+#include "printing/ReportError.h"
+#include "printing/ReportExport.h"
+#include "statements/ProfitEntries.h"
+#include "vouchers/cTositeTarkistus.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,9 +1,9 @@
-#include "BackupStick.h"
+#include "backup/BackupStick.h"
 
-#include "DatabaseFile.h"
-#include "Dialogs.h"
-#include "ErrorText.h"
-#include "Schema.h"
+#include "core/DatabaseFile.h"
+#include "core/Dialogs.h"
+#include "core/ErrorText.h"
+#include "core/Schema.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
-#include "Drives.h"
+#include "backup/Drives.h"
 
-#include "SystemDrives.h"
+#include "backup/SystemDrives.h"
 
 namespace {
 Drives* g_installed = nullptr;

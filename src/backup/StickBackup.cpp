@@ -1,9 +1,9 @@
-#include "StickBackup.h"
+#include "backup/StickBackup.h"
 
-#include "BackupStick.h"
-#include "DBC.h"
-#include "DatabaseFile.h"
-#include "ErrorText.h"
+#include "backup/BackupStick.h"
+#include "core/DBC.h"
+#include "core/DatabaseFile.h"
+#include "core/ErrorText.h"
 
 #include <QDir>
 #include <QFile>

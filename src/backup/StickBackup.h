@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Drives.h"
-#include "VerifiedCopy.h"
+#include "backup/Drives.h"
+#include "backup/VerifiedCopy.h"
 
 #include <QDate>
 #include <QString>

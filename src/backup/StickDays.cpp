@@ -1,8 +1,8 @@
-#include "StickDays.h"
+#include "backup/StickDays.h"
 
-#include "BackupStick.h"
-#include "Dates.h"
-#include "Dialogs.h"
+#include "backup/BackupStick.h"
+#include "core/Dates.h"
+#include "core/Dialogs.h"
 
 #include <QDir>
 #include <QLabel>

@@ -1,11 +1,11 @@
-#include "StickRestore.h"
+#include "backup/StickRestore.h"
 
-#include "BackupStick.h"
-#include "DBC.h"
-#include "DatabaseFile.h"
-#include "Dialogs.h"
-#include "Paths.h"
-#include "ProgramSettings.h"
+#include "backup/BackupStick.h"
+#include "core/DBC.h"
+#include "core/DatabaseFile.h"
+#include "core/Dialogs.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VerifiedCopy.h"
+#include "backup/VerifiedCopy.h"
 
 #include <QString>
 

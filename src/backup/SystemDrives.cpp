@@ -1,4 +1,4 @@
-#include "SystemDrives.h"
+#include "backup/SystemDrives.h"
 
 #include <QDir>
 #include <QFile>

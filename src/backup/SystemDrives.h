@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Drives.h"
+#include "backup/Drives.h"
 
 // The mounted volumes of this computer: Qt's storage information, the kernel's removable flag
 // of each volume's disk, and the file system's label read from the device when the desktop has

@@ -1,6 +1,6 @@
-#include "VerifiedCopy.h"
+#include "backup/VerifiedCopy.h"
 
-#include "ErrorText.h"
+#include "core/ErrorText.h"
 
 #include <QCryptographicHash>
 #include <QDir>

@@ -1,9 +1,9 @@
-#include "frmBackup.h"
+#include "backup/frmBackup.h"
 #include "ui_frmBackup.h"
 
-#include "BackupStick.h"
-#include "Dialogs.h"
-#include "WaitCursor.h"
+#include "backup/BackupStick.h"
+#include "core/Dialogs.h"
+#include "ui/WaitCursor.h"
 
 #include <QCoreApplication>
 #include <QDir>

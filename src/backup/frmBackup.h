@@ -1,6 +1,6 @@
 #pragma once
 
-#include "StickBackup.h"
+#include "backup/StickBackup.h"
 
 #include <QDialog>
 #include <memory>

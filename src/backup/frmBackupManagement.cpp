@@ -1,7 +1,7 @@
-#include "frmBackupManagement.h"
+#include "backup/frmBackupManagement.h"
 #include "ui_frmBackupManagement.h"
 
-#include "BackupStick.h"
+#include "backup/BackupStick.h"
 
 frmBackupManagement::frmBackupManagement(QWidget* parent)
     : QDialog(parent)

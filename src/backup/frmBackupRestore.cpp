@@ -1,9 +1,9 @@
-#include "frmBackupRestore.h"
+#include "backup/frmBackupRestore.h"
 #include "ui_frmBackupRestore.h"
 
-#include "BackupStick.h"
-#include "Dialogs.h"
-#include "StickRestore.h"
+#include "backup/BackupStick.h"
+#include "backup/StickRestore.h"
+#include "core/Dialogs.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "StickDays.h"
+#include "backup/StickDays.h"
 
 #include <QDialog>
 #include <memory>

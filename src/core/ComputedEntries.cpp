@@ -1,4 +1,4 @@
-#include "ComputedEntries.h"
+#include "core/ComputedEntries.h"
 
 namespace {
 

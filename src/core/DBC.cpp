@@ -1,7 +1,7 @@
-#include "DBC.h"
+#include "core/DBC.h"
 
-#include "DatabaseFile.h"
-#include "ProgramSettings.h"
+#include "core/DatabaseFile.h"
+#include "core/ProgramSettings.h"
 
 DBC& DBC::instance()
 {

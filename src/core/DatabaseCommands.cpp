@@ -1,11 +1,11 @@
-#include "DatabaseCommands.h"
+#include "core/DatabaseCommands.h"
 
-#include "DBC.h"
-#include "DatabaseFile.h"
-#include "Dialogs.h"
-#include "FileOps.h"
-#include "Paths.h"
-#include "ProgramSettings.h"
+#include "core/DBC.h"
+#include "core/DatabaseFile.h"
+#include "core/Dialogs.h"
+#include "core/FileOps.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
 
 #include <QDir>
 #include <QFileInfo>

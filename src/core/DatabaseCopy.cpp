@@ -1,7 +1,7 @@
-#include "DatabaseCopy.h"
+#include "core/DatabaseCopy.h"
 
-#include "ErrorText.h"
-#include "Paths.h"
+#include "core/ErrorText.h"
+#include "core/Paths.h"
 
 #include <QDir>
 #include <QFile>

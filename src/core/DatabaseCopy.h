@@ -1,6 +1,6 @@
 #pragma once
 
-#include "DatabaseFile.h"
+#include "core/DatabaseFile.h"
 
 #include <QDateTime>
 #include <QSqlDatabase>

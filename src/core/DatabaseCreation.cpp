@@ -1,12 +1,12 @@
-#include "DatabaseCreation.h"
+#include "core/DatabaseCreation.h"
 
-#include "DBC.h"
-#include "DatabaseCopy.h"
-#include "DatabaseFile.h"
-#include "Dialogs.h"
-#include "Paths.h"
-#include "ProgramEnd.h"
-#include "ProgramSettings.h"
+#include "core/DBC.h"
+#include "core/DatabaseCopy.h"
+#include "core/DatabaseFile.h"
+#include "core/Dialogs.h"
+#include "core/Paths.h"
+#include "core/ProgramEnd.h"
+#include "core/ProgramSettings.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,5 +1,5 @@
-#include "DatabaseError.h"
-#include "ErrorText.h"
+#include "core/DatabaseError.h"
+#include "core/ErrorText.h"
 
 #include <QSqlDriver>
 #include <QSqlError>

@@ -1,9 +1,9 @@
-#include "DatabaseFile.h"
-#include "ErrorText.h"
+#include "core/DatabaseFile.h"
+#include "core/ErrorText.h"
 
-#include "PageRecovery.h"
-#include "Schema.h"
-#include "ScopedConnection.h"
+#include "core/PageRecovery.h"
+#include "core/Schema.h"
+#include "core/ScopedConnection.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,10 +1,10 @@
-#include "DatabaseMaintenance.h"
+#include "core/DatabaseMaintenance.h"
 
-#include "DatabaseCopy.h"
-#include "DatabaseError.h"
-#include "DatabaseFile.h"
-#include "Dialogs.h"
-#include "Transaction.h"
+#include "core/DatabaseCopy.h"
+#include "core/DatabaseError.h"
+#include "core/DatabaseFile.h"
+#include "core/Dialogs.h"
+#include "core/Transaction.h"
 
 #include <QDir>
 

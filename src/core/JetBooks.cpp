@@ -1,4 +1,4 @@
-#include "JetBooks.h"
+#include "core/JetBooks.h"
 
 int JetTable::column(const QString& field) const
 {

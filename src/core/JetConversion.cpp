@@ -1,14 +1,14 @@
-#include "JetConversion.h"
-#include "ErrorText.h"
+#include "core/JetConversion.h"
+#include "core/ErrorText.h"
 
-#include "DatabaseError.h"
-#include "DatabaseFile.h"
-#include "Dialogs.h"
-#include "FileOps.h"
-#include "JetReader.h"
-#include "Schema.h"
-#include "ScopedConnection.h"
-#include "Transaction.h"
+#include "core/DatabaseError.h"
+#include "core/DatabaseFile.h"
+#include "core/Dialogs.h"
+#include "core/FileOps.h"
+#include "core/JetReader.h"
+#include "core/Schema.h"
+#include "core/ScopedConnection.h"
+#include "core/Transaction.h"
 
 #include <QCursor>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "JetReader.h"
+#include "core/JetReader.h"
 
 #include <QBuffer>
 #include <QFile>

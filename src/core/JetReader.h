@@ -1,6 +1,6 @@
 #pragma once
 
-#include "JetBooks.h"
+#include "core/JetBooks.h"
 
 #include <QByteArray>
 #include <QDate>

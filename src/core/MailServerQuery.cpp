@@ -1,7 +1,7 @@
-#include "MailServerQuery.h"
+#include "core/MailServerQuery.h"
 
-#include "Dialogs.h"
-#include "Resolver.h"
+#include "core/Dialogs.h"
+#include "core/Resolver.h"
 
 #include <QUrl>
 

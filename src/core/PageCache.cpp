@@ -1,4 +1,4 @@
-#include "PageCache.h"
+#include "core/PageCache.h"
 
 #include <QSqlQuery>
 

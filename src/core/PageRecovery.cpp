@@ -1,7 +1,7 @@
-#include "PageRecovery.h"
+#include "core/PageRecovery.h"
 
-#include "ScopedConnection.h"
-#include "Transaction.h"
+#include "core/ScopedConnection.h"
+#include "core/Transaction.h"
 
 #include <QHash>
 #include <QSet>

@@ -1,4 +1,4 @@
-#include "ProgramEnd.h"
+#include "core/ProgramEnd.h"
 
 #include <QCoreApplication>
 #include <cstdlib>

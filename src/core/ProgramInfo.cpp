@@ -1,4 +1,4 @@
-#include "ProgramInfo.h"
+#include "core/ProgramInfo.h"
 
 #include <QtGlobal>
 #include <blkid/blkid.h>

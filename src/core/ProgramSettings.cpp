@@ -1,8 +1,8 @@
-#include "ProgramSettings.h"
+#include "core/ProgramSettings.h"
 
-#include "Dates.h"
-#include "Paths.h"
-#include "SettingsStore.h"
+#include "core/Dates.h"
+#include "core/Paths.h"
+#include "core/SettingsStore.h"
 
 #include <QFileInfo>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "DatabaseError.h"
-#include "Dialogs.h"
-#include "Transaction.h"
+#include "core/DatabaseError.h"
+#include "core/Dialogs.h"
+#include "core/Transaction.h"
 
 #include <QSqlDatabase>
 #include <memory>

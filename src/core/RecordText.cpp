@@ -1,4 +1,4 @@
-#include "RecordText.h"
+#include "core/RecordText.h"
 
 namespace RecordText {
 

@@ -1,4 +1,4 @@
-#include "Resolver.h"
+#include "core/Resolver.h"
 
 #include <arpa/nameser.h>
 #include <netdb.h>

@@ -1,7 +1,7 @@
-#include "RowReader.h"
-#include "ErrorText.h"
+#include "core/RowReader.h"
+#include "core/ErrorText.h"
 
-#include "DatabaseError.h"
+#include "core/DatabaseError.h"
 
 #include <QSqlDriver>
 #include <QSqlError>

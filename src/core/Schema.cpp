@@ -1,4 +1,4 @@
-#include "Schema.h"
+#include "core/Schema.h"
 
 #include <QSqlError>
 #include <QSqlQuery>

@@ -1,4 +1,4 @@
-#include "ScopedConnection.h"
+#include "core/ScopedConnection.h"
 
 #include <QUuid>
 

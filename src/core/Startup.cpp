@@ -1,13 +1,13 @@
-#include "Startup.h"
+#include "core/Startup.h"
 
-#include "DBC.h"
-#include "DatabaseFile.h"
-#include "Dialogs.h"
-#include "FileOps.h"
-#include "JetConversion.h"
-#include "Paths.h"
-#include "ProgramSettings.h"
-#include "Schema.h"
+#include "core/DBC.h"
+#include "core/DatabaseFile.h"
+#include "core/Dialogs.h"
+#include "core/FileOps.h"
+#include "core/JetConversion.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
+#include "core/Schema.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "TemplateText.h"
+#include "core/TemplateText.h"
 
 #include <QSet>
 #include <QStringList>

@@ -1,7 +1,7 @@
-#include "Transaction.h"
-#include "ErrorText.h"
+#include "core/Transaction.h"
+#include "core/ErrorText.h"
 
-#include "DatabaseError.h"
+#include "core/DatabaseError.h"
 
 #include <QHash>
 #include <QList>

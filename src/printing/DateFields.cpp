@@ -1,9 +1,9 @@
-#include "DateFields.h"
+#include "printing/DateFields.h"
 
-#include "Dates.h"
-#include "Dialogs.h"
-#include "PeriodCheck.h"
-#include "PrintOptions.h"
+#include "core/Dates.h"
+#include "core/Dialogs.h"
+#include "printing/PeriodCheck.h"
+#include "printing/PrintOptions.h"
 
 #include <QApplication>
 #include <QLineEdit>

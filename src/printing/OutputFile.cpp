@@ -1,7 +1,7 @@
-#include "OutputFile.h"
+#include "printing/OutputFile.h"
 
-#include "ErrorText.h"
-#include "ReportError.h"
+#include "core/ErrorText.h"
+#include "printing/ReportError.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "PageText.h"
-#include "SectionFonts.h"
+#include "printing/PageText.h"
+#include "printing/SectionFonts.h"
 
 #include <QByteArray>
 #include <QString>

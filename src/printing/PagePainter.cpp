@@ -1,7 +1,7 @@
-#include "PagePainter.h"
+#include "printing/PagePainter.h"
 
-#include "ReportDocument.h"
-#include "TextMetrics.h"
+#include "printing/ReportDocument.h"
+#include "printing/TextMetrics.h"
 
 #include <QFont>
 #include <QPainter>

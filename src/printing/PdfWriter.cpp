@@ -1,12 +1,12 @@
-#include "PdfWriter.h"
+#include "printing/PdfWriter.h"
 
-#include "OutputFile.h"
-#include "ReportDocument.h"
-#include "ReportEngine.h"
-#include "ReportError.h"
-#include "TextMetrics.h"
+#include "printing/OutputFile.h"
+#include "printing/ReportDocument.h"
+#include "printing/ReportEngine.h"
+#include "printing/ReportError.h"
+#include "printing/TextMetrics.h"
 
-#include "PageText.h"
+#include "printing/PageText.h"
 
 #include <QDateTime>
 #include <QFile>

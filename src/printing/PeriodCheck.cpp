@@ -1,7 +1,7 @@
-#include "PeriodCheck.h"
+#include "printing/PeriodCheck.h"
 
-#include "Dates.h"
-#include "ProgramSettings.h"
+#include "core/Dates.h"
+#include "core/ProgramSettings.h"
 
 namespace {
 

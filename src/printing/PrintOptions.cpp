@@ -1,6 +1,6 @@
-#include "PrintOptions.h"
+#include "printing/PrintOptions.h"
 
-#include "ProgramSettings.h"
+#include "core/ProgramSettings.h"
 
 namespace PrintOptions {
 

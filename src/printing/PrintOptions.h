@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ReportJob.h"
+#include "printing/ReportJob.h"
 
 #include <QDate>
 #include <QString>

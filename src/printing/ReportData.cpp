@@ -1,7 +1,7 @@
-#include "ReportData.h"
+#include "printing/ReportData.h"
 
-#include "Dates.h"
-#include "PageText.h"
+#include "core/Dates.h"
+#include "printing/PageText.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ReportDefinition.h"
+#include "printing/ReportDefinition.h"
 
 #include <QByteArray>
 #include <QDate>

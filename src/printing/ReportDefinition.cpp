@@ -1,6 +1,6 @@
-#include "ReportDefinition.h"
+#include "printing/ReportDefinition.h"
 
-#include "ReportError.h"
+#include "printing/ReportError.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SectionFonts.h"
+#include "printing/SectionFonts.h"
 
 #include <QByteArray>
 #include <QList>

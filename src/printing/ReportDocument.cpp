@@ -1,8 +1,8 @@
-#include "ReportDocument.h"
+#include "printing/ReportDocument.h"
 
-#include "Dates.h"
-#include "ReportError.h"
-#include "TextMetrics.h"
+#include "core/Dates.h"
+#include "printing/ReportError.h"
+#include "printing/TextMetrics.h"
 
 #include <QRegularExpression>
 #include <algorithm>

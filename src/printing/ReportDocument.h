@@ -1,9 +1,9 @@
 #pragma once
 
-#include "PageModel.h"
-#include "ProgramSettings.h"
-#include "ReportData.h"
-#include "ReportDefinition.h"
+#include "core/ProgramSettings.h"
+#include "printing/PageModel.h"
+#include "printing/ReportData.h"
+#include "printing/ReportDefinition.h"
 
 #include <QDate>
 #include <QMap>

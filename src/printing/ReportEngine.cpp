@@ -1,13 +1,13 @@
-#include "ReportEngine.h"
+#include "printing/ReportEngine.h"
 
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "Paths.h"
-#include "ReportError.h"
-#include "ReportFormulas.h"
-#include "RowReader.h"
-#include "Schema.h"
-#include "SelectionFormula.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "core/Paths.h"
+#include "core/RowReader.h"
+#include "core/Schema.h"
+#include "printing/ReportError.h"
+#include "printing/ReportFormulas.h"
+#include "printing/SelectionFormula.h"
 
 #include <QSqlError>
 #include <QSqlRecord>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ReportDocument.h"
-#include "ReportJob.h"
+#include "printing/ReportDocument.h"
+#include "printing/ReportJob.h"
 
 #include <QSqlDatabase>
 #include <functional>

@@ -1,9 +1,9 @@
-#include "ReportExport.h"
+#include "printing/ReportExport.h"
 
-#include "Dates.h"
-#include "OutputFile.h"
-#include "ReportDocument.h"
-#include "ReportError.h"
+#include "core/Dates.h"
+#include "printing/OutputFile.h"
+#include "printing/ReportDocument.h"
+#include "printing/ReportError.h"
 
 #include <QFile>
 #include <QHash>

@@ -1,4 +1,4 @@
-#include "ReportFormulas.h"
+#include "printing/ReportFormulas.h"
 
 namespace ReportFormulas {
 

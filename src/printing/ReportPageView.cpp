@@ -1,7 +1,7 @@
-#include "ReportPageView.h"
+#include "printing/ReportPageView.h"
 
-#include "PagePainter.h"
-#include "ReportDocument.h"
+#include "printing/PagePainter.h"
+#include "printing/ReportDocument.h"
 
 #include <QPainter>
 

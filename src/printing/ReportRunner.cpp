@@ -1,16 +1,16 @@
-#include "ReportRunner.h"
+#include "printing/ReportRunner.h"
 
-#include "Dialogs.h"
-#include "PagePainter.h"
-#include "PdfWriter.h"
-#include "PrintOptions.h"
-#include "ReportDocument.h"
-#include "ReportEngine.h"
-#include "ReportError.h"
-#include "WaitCursor.h"
+#include "core/Dialogs.h"
+#include "printing/PagePainter.h"
+#include "printing/PdfWriter.h"
+#include "printing/PrintOptions.h"
+#include "printing/ReportDocument.h"
+#include "printing/ReportEngine.h"
+#include "printing/ReportError.h"
+#include "ui/WaitCursor.h"
 
-#include "frmEsikatselu.h"
-#include "frmTulostus.h"
+#include "printing/frmEsikatselu.h"
+#include "printing/frmTulostus.h"
 #include <QCursor>
 
 #include <QApplication>

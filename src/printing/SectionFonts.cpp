@@ -1,6 +1,6 @@
-#include "SectionFonts.h"
+#include "printing/SectionFonts.h"
 
-#include "ReportError.h"
+#include "printing/ReportError.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
-#include "SelectionFormula.h"
+#include "printing/SelectionFormula.h"
 
-#include "Money.h"
-#include "ReportError.h"
+#include "core/Money.h"
+#include "printing/ReportError.h"
 
 #include <QDate>
 #include <QRegularExpression>

@@ -1,6 +1,6 @@
-#include "TextMetrics.h"
+#include "printing/TextMetrics.h"
 
-#include "PageText.h"
+#include "printing/PageText.h"
 
 #include <QFile>
 #include <ft2build.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PageModel.h"
+#include "printing/PageModel.h"
 
 #include <QByteArray>
 #include <QString>

@@ -1,8 +1,8 @@
-#include "frmDates.h"
+#include "printing/frmDates.h"
 #include "ui_frmDates.h"
 
-#include "DateFields.h"
-#include "PrintOptions.h"
+#include "printing/DateFields.h"
+#include "printing/PrintOptions.h"
 
 frmDates::frmDates(QWidget* parent)
     : QDialog(parent)

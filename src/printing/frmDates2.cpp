@@ -1,8 +1,8 @@
-#include "frmDates2.h"
+#include "printing/frmDates2.h"
 #include "ui_frmDates2.h"
 
-#include "DateFields.h"
-#include "PrintOptions.h"
+#include "printing/DateFields.h"
+#include "printing/PrintOptions.h"
 
 frmDates2::frmDates2(QWidget* parent)
     : QDialog(parent)

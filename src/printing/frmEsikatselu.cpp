@@ -1,15 +1,15 @@
-#include "frmEsikatselu.h"
+#include "printing/frmEsikatselu.h"
 
-#include "Dialogs.h"
-#include "PdfWriter.h"
-#include "PrintOptions.h"
-#include "ReportDocument.h"
-#include "ReportEngine.h"
-#include "ReportError.h"
-#include "ReportExport.h"
-#include "ReportPageView.h"
-#include "ReportRunner.h"
-#include "WaitCursor.h"
+#include "core/Dialogs.h"
+#include "printing/PdfWriter.h"
+#include "printing/PrintOptions.h"
+#include "printing/ReportDocument.h"
+#include "printing/ReportEngine.h"
+#include "printing/ReportError.h"
+#include "printing/ReportExport.h"
+#include "printing/ReportPageView.h"
+#include "printing/ReportRunner.h"
+#include "ui/WaitCursor.h"
 
 #include <QDir>
 #include <QGuiApplication>

@@ -1,9 +1,9 @@
-#include "frmTulostus.h"
+#include "printing/frmTulostus.h"
 #include "ui_frmTulostus.h"
 
-#include "Dialogs.h"
-#include "PrintOptions.h"
-#include "ReportRunner.h"
+#include "core/Dialogs.h"
+#include "printing/PrintOptions.h"
+#include "printing/ReportRunner.h"
 
 #include <QPrintDialog>
 #include <QPrinter>

@@ -1,6 +1,6 @@
-#include "ServiceMail.h"
+#include "service/ServiceMail.h"
 
-#include "DatabaseCopy.h"
+#include "core/DatabaseCopy.h"
 
 #include <QDir>
 #include <QFileInfo>

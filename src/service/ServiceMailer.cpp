@@ -1,6 +1,6 @@
-#include "ServiceMailer.h"
+#include "service/ServiceMailer.h"
 
-#include "ServiceMail.h"
+#include "service/ServiceMail.h"
 
 #include <QDateTime>
 #include <QFile>

@@ -1,11 +1,11 @@
-#include "frmService.h"
+#include "service/frmService.h"
 #include "ui_frmService.h"
 
-#include "CommandWiring.h"
-#include "Dialogs.h"
-#include "EnterAsTab.h"
-#include "ProgramSettings.h"
-#include "WaitCursor.h"
+#include "core/Dialogs.h"
+#include "core/ProgramSettings.h"
+#include "ui/CommandWiring.h"
+#include "ui/EnterAsTab.h"
+#include "ui/WaitCursor.h"
 
 #include <QCloseEvent>
 #include <QDir>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ServiceMail.h"
-#include "ServiceMailer.h"
+#include "service/ServiceMail.h"
+#include "service/ServiceMailer.h"
 
 #include <QMainWindow>
 #include <QSqlDatabase>

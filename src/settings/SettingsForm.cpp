@@ -1,15 +1,15 @@
-#include "SettingsForm.h"
+#include "settings/SettingsForm.h"
 
-#include "ChartOfAccounts.h"
-#include "DatabaseError.h"
-#include "DatabaseFile.h"
-#include "Dates.h"
-#include "Dialogs.h"
-#include "Paths.h"
-#include "ProgramSettings.h"
-#include "SettingsStore.h"
-#include "Startup.h"
-#include "Transaction.h"
+#include "accounts/ChartOfAccounts.h"
+#include "core/DatabaseError.h"
+#include "core/DatabaseFile.h"
+#include "core/Dates.h"
+#include "core/Dialogs.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
+#include "core/SettingsStore.h"
+#include "core/Startup.h"
+#include "core/Transaction.h"
 
 #include <QFileInfo>
 #include <QRegularExpression>

@@ -1,12 +1,12 @@
-#include "frmAsetukset.h"
+#include "settings/frmAsetukset.h"
 #include "ui_frmAsetukset.h"
 
-#include "DatabaseError.h"
-#include "DatabaseFile.h"
-#include "Dialogs.h"
-#include "EnterAsTab.h"
-#include "MailServerQuery.h"
-#include "WaitCursor.h"
+#include "core/DatabaseError.h"
+#include "core/DatabaseFile.h"
+#include "core/Dialogs.h"
+#include "core/MailServerQuery.h"
+#include "ui/EnterAsTab.h"
+#include "ui/WaitCursor.h"
 
 #include <QDir>
 #include <QFileInfo>

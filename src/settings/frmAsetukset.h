@@ -1,6 +1,6 @@
 #pragma once
 
-#include "SettingsForm.h"
+#include "settings/SettingsForm.h"
 
 #include <QDialog>
 #include <QSqlDatabase>

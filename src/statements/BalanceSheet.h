@@ -1,8 +1,8 @@
 #pragma once
 
-#include "IncomeStatement.h"
-#include "Money.h"
-#include "StatementOptions.h"
+#include "core/Money.h"
+#include "statements/IncomeStatement.h"
+#include "statements/StatementOptions.h"
 
 #include <QSqlDatabase>
 #include <QString>

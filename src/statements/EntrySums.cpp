@@ -1,10 +1,10 @@
-#include "EntrySums.h"
+#include "statements/EntrySums.h"
 
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "KeyTable.h"
-#include "RowReader.h"
-#include "VoucherLayout.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "core/KeyTable.h"
+#include "core/RowReader.h"
+#include "vouchers/VoucherLayout.h"
 
 #include <QHash>
 #include <QStringList>

@@ -1,14 +1,14 @@
-#include "IncomeStatement.h"
+#include "statements/IncomeStatement.h"
 
-#include "DatabaseError.h"
-#include "Dialogs.h"
-#include "EntrySums.h"
-#include "Schema.h"
-#include "StatementAccounts.h"
-#include "StatementRows.h"
-#include "TemplateText.h"
-#include "TemplateTree.h"
-#include "Transaction.h"
+#include "core/DatabaseError.h"
+#include "core/Dialogs.h"
+#include "core/Schema.h"
+#include "core/TemplateText.h"
+#include "core/Transaction.h"
+#include "statements/EntrySums.h"
+#include "statements/StatementAccounts.h"
+#include "statements/StatementRows.h"
+#include "statements/TemplateTree.h"
 
 #include <QHash>
 #include <QVariant>

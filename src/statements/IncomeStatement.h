@@ -1,9 +1,9 @@
 #pragma once
 
-#include "EntrySums.h"
-#include "Money.h"
-#include "ProfitEntries.h"
-#include "StatementOptions.h"
+#include "core/Money.h"
+#include "statements/EntrySums.h"
+#include "statements/ProfitEntries.h"
+#include "statements/StatementOptions.h"
 
 #include <QSqlDatabase>
 #include <QString>

@@ -1,10 +1,10 @@
-#include "ProfitEntries.h"
+#include "statements/ProfitEntries.h"
 
-#include "DatabaseError.h"
-#include "IncomeStatement.h"
-#include "ProgramSettings.h"
-#include "TemplateText.h"
-#include "TemplateTree.h"
+#include "core/DatabaseError.h"
+#include "core/ProgramSettings.h"
+#include "core/TemplateText.h"
+#include "statements/IncomeStatement.h"
+#include "statements/TemplateTree.h"
 
 #include <QSet>
 #include <QVariant>

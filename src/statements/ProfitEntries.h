@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ComputedEntries.h"
-#include "EntrySums.h"
-#include "Money.h"
+#include "core/ComputedEntries.h"
+#include "core/Money.h"
+#include "statements/EntrySums.h"
 
 #include <QDate>
 #include <QSqlDatabase>

@@ -1,6 +1,6 @@
-#include "StatementAccounts.h"
+#include "statements/StatementAccounts.h"
 
-#include "ChartOfAccounts.h"
+#include "accounts/ChartOfAccounts.h"
 
 #include <QSet>
 #include <QVariant>

@@ -1,6 +1,6 @@
-#include "StatementOptions.h"
+#include "statements/StatementOptions.h"
 
-#include "ProgramSettings.h"
+#include "core/ProgramSettings.h"
 
 StatementOptions StatementOptions::forPeriod(qint32 templateId, const QDate& start, const QDate& end)
 {

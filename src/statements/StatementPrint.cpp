@@ -1,10 +1,10 @@
-#include "StatementPrint.h"
+#include "statements/StatementPrint.h"
 
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "ProgramSettings.h"
-#include "ReportFormulas.h"
-#include "cMalli.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "core/ProgramSettings.h"
+#include "printing/ReportFormulas.h"
+#include "statements/cMalli.h"
 
 #include <QVariant>
 

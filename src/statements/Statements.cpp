@@ -1,11 +1,11 @@
-#include "Statements.h"
+#include "statements/Statements.h"
 
-#include "BalanceSheet.h"
-#include "DatabaseError.h"
-#include "Dialogs.h"
-#include "IncomeStatement.h"
-#include "TemplateTree.h"
-#include "cMalli.h"
+#include "core/DatabaseError.h"
+#include "core/Dialogs.h"
+#include "statements/BalanceSheet.h"
+#include "statements/IncomeStatement.h"
+#include "statements/TemplateTree.h"
+#include "statements/cMalli.h"
 
 #include <QVariant>
 

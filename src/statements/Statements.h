@@ -1,6 +1,6 @@
 #pragma once
 
-#include "StatementOptions.h"
+#include "statements/StatementOptions.h"
 
 #include <QSqlDatabase>
 #include <QString>

@@ -1,12 +1,12 @@
-#include "TemplateChecks.h"
+#include "statements/TemplateChecks.h"
 
-#include "ChartOfAccounts.h"
-#include "DatabaseError.h"
-#include "Dialogs.h"
-#include "TemplateText.h"
-#include "TemplateTree.h"
-#include "Transaction.h"
-#include "cMalli.h"
+#include "accounts/ChartOfAccounts.h"
+#include "core/DatabaseError.h"
+#include "core/Dialogs.h"
+#include "core/TemplateText.h"
+#include "core/Transaction.h"
+#include "statements/TemplateTree.h"
+#include "statements/cMalli.h"
 
 #include <QHash>
 #include <QVariant>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cMalliVirhe.h"
+#include "statements/cMalliVirhe.h"
 
 #include <QSqlDatabase>
 #include <QString>

@@ -1,12 +1,12 @@
-#include "TemplateEditor.h"
+#include "statements/TemplateEditor.h"
 
-#include "ChartOfAccounts.h"
-#include "DatabaseError.h"
-#include "Dialogs.h"
-#include "TemplateText.h"
-#include "Transaction.h"
-#include "cMalli.h"
-#include "cMalliRivi.h"
+#include "accounts/ChartOfAccounts.h"
+#include "core/DatabaseError.h"
+#include "core/Dialogs.h"
+#include "core/TemplateText.h"
+#include "core/Transaction.h"
+#include "statements/cMalli.h"
+#include "statements/cMalliRivi.h"
 
 #include <QSet>
 #include <QVariant>

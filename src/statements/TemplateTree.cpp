@@ -1,7 +1,7 @@
-#include "TemplateTree.h"
+#include "statements/TemplateTree.h"
 
-#include "DatabaseError.h"
-#include "TemplateText.h"
+#include "core/DatabaseError.h"
+#include "core/TemplateText.h"
 
 #include <QHash>
 #include <QSet>

@@ -1,6 +1,6 @@
-#include "cMalli.h"
+#include "statements/cMalli.h"
 
-#include "RecordText.h"
+#include "core/RecordText.h"
 
 #include <QVariant>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Record.h"
-#include "cMalliRivi.h"
+#include "core/Record.h"
+#include "statements/cMalliRivi.h"
 
 #include <QObject>
 #include <QString>

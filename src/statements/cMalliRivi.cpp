@@ -1,6 +1,6 @@
-#include "cMalliRivi.h"
+#include "statements/cMalliRivi.h"
 
-#include "RecordText.h"
+#include "core/RecordText.h"
 
 #include <QHash>
 #include <QSet>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Record.h"
+#include "core/Record.h"
 
 #include <QObject>
 #include <QString>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cMalli.h"
-#include "cMalliRivi.h"
+#include "statements/cMalli.h"
+#include "statements/cMalliRivi.h"
 
 #include <QMainWindow>
 #include <QSqlDatabase>

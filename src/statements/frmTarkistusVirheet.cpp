@@ -1,10 +1,10 @@
-#include "frmTarkistusVirheet.h"
+#include "statements/frmTarkistusVirheet.h"
 #include "ui_frmTarkistusVirheet.h"
 
-#include "ChartOfAccounts.h"
-#include "DatabaseError.h"
-#include "Dialogs.h"
-#include "TemplateChecks.h"
+#include "accounts/ChartOfAccounts.h"
+#include "core/DatabaseError.h"
+#include "core/Dialogs.h"
+#include "statements/TemplateChecks.h"
 
 #include <QVariant>
 

@@ -1,4 +1,4 @@
-#include "EnterAsTab.h"
+#include "ui/EnterAsTab.h"
 
 #include <QAbstractItemView>
 #include <QAbstractSpinBox>

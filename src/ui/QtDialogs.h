@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Dialogs.h"
+#include "core/Dialogs.h"
 
 // The real message boxes, input boxes and file dialogs, always titled "Vorkam".
 class QtDialogs final : public Dialogs {

@@ -1,4 +1,4 @@
-#include "TitleFit.h"
+#include "ui/TitleFit.h"
 
 #include <QApplication>
 #include <QEvent>

@@ -1,9 +1,9 @@
-#include "frmAbout.h"
+#include "ui/frmAbout.h"
 #include "ui_frmAbout.h"
 
-#include "Paths.h"
-#include "ProgramInfo.h"
-#include "ProgramSettings.h"
+#include "core/Paths.h"
+#include "core/ProgramInfo.h"
+#include "core/ProgramSettings.h"
 
 #include <QApplication>
 #include <QDir>

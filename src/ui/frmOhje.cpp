@@ -1,6 +1,6 @@
-#include "frmOhje.h"
+#include "ui/frmOhje.h"
 
-#include "Dialogs.h"
+#include "core/Dialogs.h"
 
 #include <QAction>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "AmountInput.h"
+#include "vouchers/AmountInput.h"
 
 #include <QRegularExpression>
 #include <optional>

@@ -1,6 +1,6 @@
-#include "EntryDelegate.h"
+#include "vouchers/EntryDelegate.h"
 
-#include "EntryModel.h"
+#include "vouchers/EntryModel.h"
 
 #include <QAbstractItemView>
 #include <QCompleter>

@@ -1,4 +1,4 @@
-#include "EntryModel.h"
+#include "vouchers/EntryModel.h"
 
 EntryModel::EntryModel(VoucherEditor& muokkaus, QObject* parent)
     : QAbstractTableModel(parent)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VoucherEditor.h"
+#include "vouchers/VoucherEditor.h"
 
 #include <QAbstractTableModel>
 

@@ -1,6 +1,6 @@
-#include "EntryRecord.h"
+#include "vouchers/EntryRecord.h"
 
-#include "RecordText.h"
+#include "core/RecordText.h"
 
 #include <QVariant>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Money.h"
-#include "Record.h"
-#include "VoucherLayout.h"
+#include "core/Money.h"
+#include "core/Record.h"
+#include "vouchers/VoucherLayout.h"
 
 #include <QSqlQuery>
 #include <QString>

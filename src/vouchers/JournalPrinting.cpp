@@ -1,14 +1,14 @@
-#include "JournalPrinting.h"
+#include "vouchers/JournalPrinting.h"
 
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "KeyTable.h"
-#include "PeriodCheck.h"
-#include "ProgramSettings.h"
-#include "ReportFormulas.h"
-#include "RowReader.h"
-#include "Schema.h"
-#include "Transaction.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "core/KeyTable.h"
+#include "core/ProgramSettings.h"
+#include "core/RowReader.h"
+#include "core/Schema.h"
+#include "core/Transaction.h"
+#include "printing/PeriodCheck.h"
+#include "printing/ReportFormulas.h"
 
 #include <QHash>
 #include <QSet>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Money.h"
-#include "ReportJob.h"
-#include "VoucherEditor.h"
+#include "core/Money.h"
+#include "printing/ReportJob.h"
+#include "vouchers/VoucherEditor.h"
 
 #include <QDate>
 #include <QList>

@@ -1,10 +1,10 @@
-#include "VoucherEditor.h"
+#include "vouchers/VoucherEditor.h"
 
-#include "DatabaseFile.h"
-#include "Dates.h"
-#include "Dialogs.h"
-#include "ProgramSettings.h"
-#include "Transaction.h"
+#include "core/DatabaseFile.h"
+#include "core/Dates.h"
+#include "core/Dialogs.h"
+#include "core/ProgramSettings.h"
+#include "core/Transaction.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "AccountLookup.h"
-#include "AmountInput.h"
-#include "cTosite.h"
+#include "accounts/AccountLookup.h"
+#include "vouchers/AmountInput.h"
+#include "vouchers/cTosite.h"
 
 #include <QObject>
 #include <QSqlDatabase>

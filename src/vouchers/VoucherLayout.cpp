@@ -1,4 +1,4 @@
-#include "VoucherLayout.h"
+#include "vouchers/VoucherLayout.h"
 
 const VoucherLayout& VoucherLayout::current()
 {

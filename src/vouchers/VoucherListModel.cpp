@@ -1,4 +1,4 @@
-#include "VoucherListModel.h"
+#include "vouchers/VoucherListModel.h"
 
 void VoucherListModel::setLines(std::vector<Line> lines)
 {

@@ -1,7 +1,7 @@
-#include "VoucherRecord.h"
+#include "vouchers/VoucherRecord.h"
 
-#include "Dates.h"
-#include "RecordText.h"
+#include "core/Dates.h"
+#include "core/RecordText.h"
 
 #include <QVariant>
 

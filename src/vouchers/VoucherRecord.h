@@ -1,8 +1,8 @@
 #pragma once
 
-#include "EntryRecord.h"
-#include "Record.h"
-#include "VoucherLayout.h"
+#include "core/Record.h"
+#include "vouchers/EntryRecord.h"
+#include "vouchers/VoucherLayout.h"
 
 #include <QDate>
 #include <QObject>

@@ -1,8 +1,8 @@
-#include "VoucherSearch.h"
+#include "vouchers/VoucherSearch.h"
 
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "Money.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "core/Money.h"
 
 #include <QSet>
 #include <QSqlQuery>

@@ -1,9 +1,9 @@
-#include "VoucherTemplateEditor.h"
+#include "vouchers/VoucherTemplateEditor.h"
 
-#include "AmountInput.h"
-#include "DatabaseError.h"
-#include "Dialogs.h"
-#include "Transaction.h"
+#include "core/DatabaseError.h"
+#include "core/Dialogs.h"
+#include "core/Transaction.h"
+#include "vouchers/AmountInput.h"
 
 namespace {
 

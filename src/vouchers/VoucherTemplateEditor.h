@@ -1,9 +1,9 @@
 #pragma once
 
-#include "AccountLookup.h"
-#include "VoucherEditor.h"
-#include "cTositePohja.h"
-#include "cTositePohjat.h"
+#include "accounts/AccountLookup.h"
+#include "vouchers/VoucherEditor.h"
+#include "vouchers/cTositePohja.h"
+#include "vouchers/cTositePohjat.h"
 
 #include <QObject>
 #include <QSqlDatabase>

@@ -1,4 +1,4 @@
-#include "cTosite.h"
+#include "vouchers/cTosite.h"
 
 #include <QVariant>
 #include <limits>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "VoucherRecord.h"
-#include "cVienti.h"
+#include "vouchers/VoucherRecord.h"
+#include "vouchers/cVienti.h"
 
 #include <memory>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "cTositeEd.h"
+#include "vouchers/cTositeEd.h"
 
 qint32 cTositeEd::SetTositeNumeroJaPaiva(const QDate& defaultDate)
 {

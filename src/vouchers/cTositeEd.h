@@ -1,7 +1,7 @@
 #pragma once
 
-#include "VoucherRecord.h"
-#include "cVientiEd.h"
+#include "vouchers/VoucherRecord.h"
+#include "vouchers/cVientiEd.h"
 
 #include <memory>
 #include <vector>

@@ -1,6 +1,6 @@
-#include "cTositePohja.h"
+#include "vouchers/cTositePohja.h"
 
-#include "RecordText.h"
+#include "core/RecordText.h"
 
 #include <QVariant>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Record.h"
-#include "cVientiPohja.h"
+#include "core/Record.h"
+#include "vouchers/cVientiPohja.h"
 
 #include <QString>
 #include <memory>

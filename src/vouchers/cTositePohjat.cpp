@@ -1,6 +1,6 @@
-#include "cTositePohjat.h"
+#include "vouchers/cTositePohjat.h"
 
-#include "DatabaseError.h"
+#include "core/DatabaseError.h"
 
 #include <QVariant>
 

@@ -1,9 +1,9 @@
-#include "cTositeTarkistus.h"
+#include "vouchers/cTositeTarkistus.h"
 
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "ProgramSettings.h"
-#include "Transaction.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "core/ProgramSettings.h"
+#include "core/Transaction.h"
 
 #include <QSqlQuery>
 #include <QVariant>

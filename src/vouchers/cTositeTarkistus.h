@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cTositeTarkistusVirhe.h"
+#include "vouchers/cTositeTarkistusVirhe.h"
 
 #include <QSqlDatabase>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "EntryRecord.h"
+#include "vouchers/EntryRecord.h"
 
 // One entry of a voucher of the current fiscal year (table vi).
 class cVienti final : public EntryRecord {

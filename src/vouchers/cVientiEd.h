@@ -1,6 +1,6 @@
 #pragma once
 
-#include "EntryRecord.h"
+#include "vouchers/EntryRecord.h"
 
 // One entry of a voucher of the previous fiscal year (table viE). A new entry's key is the
 // largest key + 1, given by the program.

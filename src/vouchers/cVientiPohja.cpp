@@ -1,4 +1,4 @@
-#include "cVientiPohja.h"
+#include "vouchers/cVientiPohja.h"
 
 #include <QVariant>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Money.h"
-#include "Record.h"
+#include "core/Money.h"
+#include "core/Record.h"
 
 #include <QString>
 

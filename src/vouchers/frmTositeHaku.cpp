@@ -1,8 +1,8 @@
-#include "frmTositeHaku.h"
+#include "vouchers/frmTositeHaku.h"
 
-#include "DatabaseError.h"
-#include "VoucherSearch.h"
-#include "WaitCursor.h"
+#include "core/DatabaseError.h"
+#include "ui/WaitCursor.h"
+#include "vouchers/VoucherSearch.h"
 
 #include <QFormLayout>
 #include <QHBoxLayout>

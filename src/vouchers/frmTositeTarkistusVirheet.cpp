@@ -1,9 +1,9 @@
-#include "frmTositeTarkistusVirheet.h"
+#include "vouchers/frmTositeTarkistusVirheet.h"
 
-#include "ChartOfAccounts.h"
-#include "DatabaseError.h"
-#include "WaitCursor.h"
-#include "cTositeTarkistus.h"
+#include "accounts/ChartOfAccounts.h"
+#include "core/DatabaseError.h"
+#include "ui/WaitCursor.h"
+#include "vouchers/cTositeTarkistus.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -1,8 +1,8 @@
-#include "frmTositepohja.h"
+#include "vouchers/frmTositepohja.h"
 
-#include "EnterAsTab.h"
-#include "EntryDelegate.h"
-#include "EntryModel.h"
+#include "ui/EnterAsTab.h"
+#include "vouchers/EntryDelegate.h"
+#include "vouchers/EntryModel.h"
 
 #include <QAbstractTableModel>
 #include <QCloseEvent>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "VoucherTemplateEditor.h"
+#include "vouchers/VoucherTemplateEditor.h"
 
 #include <QDialog>
 #include <memory>

@@ -1,11 +1,11 @@
-#include "frmKaudenVaihto.h"
+#include "yearchange/frmKaudenVaihto.h"
 #include "ui_frmKaudenVaihto.h"
 
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "Dialogs.h"
-#include "FiscalYearChange.h"
-#include "WaitCursor.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "core/Dialogs.h"
+#include "ui/WaitCursor.h"
+#include "yearchange/FiscalYearChange.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>

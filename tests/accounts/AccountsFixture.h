@@ -1,10 +1,10 @@
 #pragma once
 
-#include "DBC.h"
-#include "Money.h"
-#include "ProgramSettings.h"
-#include "Schema.h"
 #include "TestEnv.h"
+#include "core/DBC.h"
+#include "core/Money.h"
+#include "core/ProgramSettings.h"
+#include "core/Schema.h"
 
 #include <QSqlError>
 #include <QSqlQuery>

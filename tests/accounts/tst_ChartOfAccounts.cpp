@@ -1,5 +1,5 @@
 #include "AccountsFixture.h"
-#include "ChartOfAccounts.h"
+#include "accounts/ChartOfAccounts.h"
 
 using namespace ChartOfAccounts;
 

@@ -1,6 +1,6 @@
 #include "AccountsFixture.h"
-#include "DatabaseError.h"
-#include "cTili.h"
+#include "accounts/cTili.h"
+#include "core/DatabaseError.h"
 
 #include <QSignalSpy>
 

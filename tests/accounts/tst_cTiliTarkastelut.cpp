@@ -1,10 +1,10 @@
 #include "AccountsFixture.h"
-#include "ComputedEntries.h"
-#include "DailyBalances.h"
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "cTiliTarkastelu.h"
-#include "cTiliTarkastelut.h"
+#include "accounts/DailyBalances.h"
+#include "accounts/cTiliTarkastelu.h"
+#include "accounts/cTiliTarkastelut.h"
+#include "core/ComputedEntries.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
-#include "AccountReports.h"
 #include "AccountsFixture.h"
 #include "Golden.h"
-#include "ReportEngine.h"
-#include "cTilienSaldo.h"
-#include "cTilienSaldot.h"
+#include "accounts/AccountReports.h"
+#include "accounts/cTilienSaldo.h"
+#include "accounts/cTilienSaldot.h"
+#include "printing/ReportEngine.h"
 
 #include <QFile>
 

@@ -1,6 +1,6 @@
 #include "AccountsFixture.h"
 #include "ScriptedDialogs.h"
-#include "frmLisaaTili.h"
+#include "accounts/frmLisaaTili.h"
 
 #include <QApplication>
 #include <QLineEdit>

@@ -1,7 +1,7 @@
 #include "AccountsFixture.h"
 #include "ScriptedDialogs.h"
-#include "frmNewTositteet.h"
-#include "frmTilienSaldot.h"
+#include "accounts/frmTilienSaldot.h"
+#include "vouchers/frmNewTositteet.h"
 
 #include <QAction>
 #include <QLabel>

@@ -1,7 +1,7 @@
 #include "AccountsFixture.h"
-#include "PrintChoices.h"
 #include "ScriptedDialogs.h"
-#include "frmTilikartta.h"
+#include "accounts/PrintChoices.h"
+#include "accounts/frmTilikartta.h"
 
 #include <QComboBox>
 #include <QPushButton>

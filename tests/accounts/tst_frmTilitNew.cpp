@@ -1,10 +1,10 @@
 #include "AccountsFixture.h"
-#include "ChartOfAccounts.h"
 #include "Controls.h"
 #include "ScriptedDialogs.h"
-#include "cTili.h"
-#include "frmLisaaTili.h"
-#include "frmTilitNew.h"
+#include "accounts/ChartOfAccounts.h"
+#include "accounts/cTili.h"
+#include "accounts/frmLisaaTili.h"
+#include "accounts/frmTilitNew.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,13 +1,13 @@
 #include "AccountsFixture.h"
-#include "BalanceChart.h"
 #include "Controls.h"
-#include "Paths.h"
-#include "PrintOptions.h"
 #include "ScriptedDialogs.h"
-#include "frmEsikatselu.h"
-#include "frmNewTositteet.h"
-#include "frmPaivaSaldot.h"
-#include "frmTilitarkastelu.h"
+#include "accounts/BalanceChart.h"
+#include "accounts/frmPaivaSaldot.h"
+#include "accounts/frmTilitarkastelu.h"
+#include "core/Paths.h"
+#include "printing/PrintOptions.h"
+#include "printing/frmEsikatselu.h"
+#include "vouchers/frmNewTositteet.h"
 
 #include <QAction>
 #include <QApplication>

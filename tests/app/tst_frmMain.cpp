@@ -1,7 +1,7 @@
 #include "ScriptedDialogs.h"
 #include "TestEnv.h"
-#include "frmMain.h"
-#include "frmOhje.h"
+#include "app/frmMain.h"
+#include "ui/frmOhje.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "DBC.h"
-#include "ProgramSettings.h"
 #include "TestEnv.h"
+#include "core/DBC.h"
+#include "core/ProgramSettings.h"
 
 #include <QDir>
 #include <QSqlError>

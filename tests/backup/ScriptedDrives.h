@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Drives.h"
+#include "backup/Drives.h"
 
 #include <QDir>
 #include <QTemporaryDir>

@@ -1,8 +1,8 @@
-#include "BackupStick.h"
 #include "ScriptedDialogs.h"
 #include "ScriptedDrives.h"
-#include "SystemDrives.h"
 #include "TestEnv.h"
+#include "backup/BackupStick.h"
+#include "backup/SystemDrives.h"
 
 #include <QDir>
 #include <QFile>

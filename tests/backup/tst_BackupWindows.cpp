@@ -1,15 +1,15 @@
-#include "BackupStick.h"
 #include "BackupTestSupport.h"
 #include "Controls.h"
-#include "DBC.h"
-#include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
 #include "ScriptedDrives.h"
 #include "TestEnv.h"
-#include "frmBackup.h"
-#include "frmBackupManagement.h"
-#include "frmBackupRestore.h"
-#include "frmMain.h"
+#include "app/frmMain.h"
+#include "backup/BackupStick.h"
+#include "backup/frmBackup.h"
+#include "backup/frmBackupManagement.h"
+#include "backup/frmBackupRestore.h"
+#include "core/DBC.h"
+#include "core/ProgramSettings.h"
 
 #include <QAction>
 #include <QApplication>

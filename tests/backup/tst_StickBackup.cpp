@@ -1,10 +1,10 @@
-#include "BackupStick.h"
 #include "BackupTestSupport.h"
-#include "DBC.h"
 #include "ScriptedDialogs.h"
 #include "ScriptedDrives.h"
-#include "StickBackup.h"
 #include "TestEnv.h"
+#include "backup/BackupStick.h"
+#include "backup/StickBackup.h"
+#include "core/DBC.h"
 
 #include <QDir>
 #include <QFileInfo>

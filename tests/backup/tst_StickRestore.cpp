@@ -1,10 +1,10 @@
 #include "BackupTestSupport.h"
-#include "DBC.h"
-#include "Paths.h"
-#include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
-#include "StickRestore.h"
 #include "TestEnv.h"
+#include "backup/StickRestore.h"
+#include "core/DBC.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
-#include "DBC.h"
-#include "ProgramSettings.h"
 #include "TestEnv.h"
+#include "core/DBC.h"
+#include "core/ProgramSettings.h"
 
 #include <QSqlQuery>
 #include <QTest>

@@ -1,11 +1,11 @@
-#include "DBC.h"
-#include "DatabaseCommands.h"
-#include "DatabaseFile.h"
-#include "FileOps.h"
-#include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
-#include "SettingsStore.h"
 #include "TestEnv.h"
+#include "core/DBC.h"
+#include "core/DatabaseCommands.h"
+#include "core/DatabaseFile.h"
+#include "core/FileOps.h"
+#include "core/ProgramSettings.h"
+#include "core/SettingsStore.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,5 +1,5 @@
-#include "DatabaseCopy.h"
 #include "TestEnv.h"
+#include "core/DatabaseCopy.h"
 
 #include <QDir>
 #include <QSqlQuery>

@@ -1,12 +1,12 @@
-#include "DBC.h"
-#include "DatabaseCreation.h"
-#include "DatabaseFile.h"
 #include "ModelChecks.h"
-#include "Paths.h"
-#include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
-#include "Startup.h"
 #include "TestEnv.h"
+#include "core/DBC.h"
+#include "core/DatabaseCreation.h"
+#include "core/DatabaseFile.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
+#include "core/Startup.h"
 
 #include <QDir>
 #include <QSqlQuery>

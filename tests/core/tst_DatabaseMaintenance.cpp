@@ -1,8 +1,8 @@
-#include "DatabaseFile.h"
-#include "DatabaseMaintenance.h"
-#include "Schema.h"
 #include "ScriptedDialogs.h"
 #include "TestEnv.h"
+#include "core/DatabaseFile.h"
+#include "core/DatabaseMaintenance.h"
+#include "core/Schema.h"
 
 #include <QDir>
 #include <QSqlError>

@@ -1,9 +1,9 @@
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "ErrorText.h"
-#include "Money.h"
-#include "RecordText.h"
-#include "ScopedConnection.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "core/ErrorText.h"
+#include "core/Money.h"
+#include "core/RecordText.h"
+#include "core/ScopedConnection.h"
 
 #include <QTest>
 

@@ -1,9 +1,9 @@
-#include "DatabaseFile.h"
-#include "FileOps.h"
-#include "JetConversion.h"
 #include "JetFixtures.h"
-#include "Schema.h"
 #include "TestEnv.h"
+#include "core/DatabaseFile.h"
+#include "core/FileOps.h"
+#include "core/JetConversion.h"
+#include "core/Schema.h"
 
 #include <QDir>
 #include <QProcess>

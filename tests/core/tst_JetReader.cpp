@@ -1,7 +1,7 @@
 #include "JetFixtures.h"
-#include "JetReader.h"
-#include "Schema.h"
 #include "TestEnv.h"
+#include "core/JetReader.h"
+#include "core/Schema.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
-#include "MailServerQuery.h"
 #include "ScriptedDialogs.h"
 #include "ScriptedResolver.h"
+#include "core/MailServerQuery.h"
 
 #include <QTest>
 

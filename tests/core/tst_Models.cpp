@@ -1,8 +1,8 @@
-#include "DatabaseError.h"
-#include "DatabaseFile.h"
 #include "ModelChecks.h"
-#include "Schema.h"
 #include "TestEnv.h"
+#include "core/DatabaseError.h"
+#include "core/DatabaseFile.h"
+#include "core/Schema.h"
 
 #include <QFile>
 #include <QSqlError>

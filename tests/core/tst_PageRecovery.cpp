@@ -1,5 +1,5 @@
-#include "PageRecovery.h"
 #include "TestEnv.h"
+#include "core/PageRecovery.h"
 
 #include <QRandomGenerator>
 #include <QSqlQuery>

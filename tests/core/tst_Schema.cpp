@@ -1,5 +1,5 @@
-#include "Schema.h"
 #include "TestEnv.h"
+#include "core/Schema.h"
 
 #include <QSqlQuery>
 #include <QSqlRecord>

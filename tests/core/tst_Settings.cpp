@@ -1,7 +1,7 @@
-#include "Paths.h"
-#include "ProgramSettings.h"
-#include "SettingsStore.h"
 #include "TestEnv.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
+#include "core/SettingsStore.h"
 
 #include <QDir>
 #include <QSqlQuery>

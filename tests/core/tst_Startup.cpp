@@ -1,11 +1,11 @@
-#include "DBC.h"
-#include "DatabaseFile.h"
-#include "FileOps.h"
-#include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
-#include "SettingsStore.h"
-#include "Startup.h"
 #include "TestEnv.h"
+#include "core/DBC.h"
+#include "core/DatabaseFile.h"
+#include "core/FileOps.h"
+#include "core/ProgramSettings.h"
+#include "core/SettingsStore.h"
+#include "core/Startup.h"
 
 #include <QDateTime>
 #include <QDir>

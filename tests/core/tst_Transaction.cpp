@@ -1,6 +1,6 @@
-#include "DatabaseError.h"
 #include "TestEnv.h"
-#include "Transaction.h"
+#include "core/DatabaseError.h"
+#include "core/Transaction.h"
 
 #include <QSqlQuery>
 #include <QTest>

@@ -1,5 +1,5 @@
-#include "Dates.h"
 #include "FuzzText.h"
+#include "core/Dates.h"
 
 // Dates as typed: an accepted date is shown and read back as the same day, and its storage
 // form reads back too.

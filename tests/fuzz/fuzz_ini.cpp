@@ -1,5 +1,5 @@
 #include "FuzzText.h"
-#include "SettingsStore.h"
+#include "core/SettingsStore.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,5 +1,5 @@
 #include "FuzzText.h"
-#include "Money.h"
+#include "core/Money.h"
 
 // Amounts as typed: whatever is accepted is shown and read back to the same value.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

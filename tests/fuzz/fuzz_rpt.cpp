@@ -1,6 +1,6 @@
 #include "FuzzText.h"
-#include "ReportDefinition.h"
-#include "ReportError.h"
+#include "printing/ReportDefinition.h"
+#include "printing/ReportError.h"
 
 // Report definition files: either a definition whose cells lie in its columns, or a ReportError.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

@@ -1,7 +1,7 @@
 #include "FuzzText.h"
-#include "ReportError.h"
-#include "ReportFormulas.h"
-#include "SelectionFormula.h"
+#include "printing/ReportError.h"
+#include "printing/ReportFormulas.h"
+#include "printing/SelectionFormula.h"
 
 #include <QStringList>
 

@@ -1,5 +1,5 @@
 #include "FuzzText.h"
-#include "TemplateText.h"
+#include "core/TemplateText.h"
 
 #include <QSet>
 

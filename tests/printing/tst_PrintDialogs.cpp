@@ -1,13 +1,13 @@
 #include "Controls.h"
-#include "Dates.h"
-#include "PrintOptions.h"
-#include "ProgramSettings.h"
-#include "ReportRunner.h"
 #include "ScriptedDialogs.h"
 #include "TestEnv.h"
-#include "frmDates.h"
-#include "frmDates2.h"
-#include "frmTulostus.h"
+#include "core/Dates.h"
+#include "core/ProgramSettings.h"
+#include "printing/PrintOptions.h"
+#include "printing/ReportRunner.h"
+#include "printing/frmDates.h"
+#include "printing/frmDates2.h"
+#include "printing/frmTulostus.h"
 
 #include <QCheckBox>
 #include <QComboBox>

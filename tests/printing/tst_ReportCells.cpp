@@ -1,6 +1,6 @@
-#include "ReportDocument.h"
-#include "ReportError.h"
-#include "TextMetrics.h"
+#include "printing/ReportDocument.h"
+#include "printing/ReportError.h"
+#include "printing/TextMetrics.h"
 
 #include <QTest>
 

@@ -1,7 +1,7 @@
-#include "ReportError.h"
-#include "ReportFormulas.h"
-#include "SectionFonts.h"
-#include "SelectionFormula.h"
+#include "printing/ReportError.h"
+#include "printing/ReportFormulas.h"
+#include "printing/SectionFonts.h"
+#include "printing/SelectionFormula.h"
 
 #include <QDate>
 #include <QTest>

@@ -1,11 +1,11 @@
-#include "DBC.h"
-#include "DatabaseFile.h"
-#include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
-#include "SettingsForm.h"
-#include "Startup.h"
-#include "StickRestore.h"
 #include "TestEnv.h"
+#include "backup/StickRestore.h"
+#include "core/DBC.h"
+#include "core/DatabaseFile.h"
+#include "core/ProgramSettings.h"
+#include "core/Startup.h"
+#include "settings/SettingsForm.h"
 
 #include <QCryptographicHash>
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "LocalSmtp.h"
-#include "ServiceMail.h"
-#include "ServiceMailer.h"
 #include "TestEnv.h"
+#include "service/ServiceMail.h"
+#include "service/ServiceMailer.h"
 
 #include <QRandomGenerator>
 #include <QSignalSpy>

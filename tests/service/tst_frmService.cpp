@@ -1,11 +1,11 @@
 #include "Controls.h"
-#include "DBC.h"
 #include "LocalSmtp.h"
-#include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
-#include "ServiceMail.h"
 #include "TestEnv.h"
-#include "frmService.h"
+#include "core/DBC.h"
+#include "core/ProgramSettings.h"
+#include "service/ServiceMail.h"
+#include "service/frmService.h"
 
 #include <QAction>
 #include <QApplication>

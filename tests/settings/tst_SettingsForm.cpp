@@ -1,10 +1,10 @@
-#include "DatabaseFile.h"
-#include "Paths.h"
-#include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
-#include "SettingsForm.h"
-#include "SettingsStore.h"
 #include "TestEnv.h"
+#include "core/DatabaseFile.h"
+#include "core/Paths.h"
+#include "core/ProgramSettings.h"
+#include "core/SettingsStore.h"
+#include "settings/SettingsForm.h"
 
 #include <QFile>
 #include <QSqlQuery>

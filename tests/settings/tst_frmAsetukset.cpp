@@ -1,11 +1,11 @@
 #include "Controls.h"
-#include "DatabaseFile.h"
-#include "ProgramSettings.h"
 #include "ScriptedDialogs.h"
 #include "ScriptedResolver.h"
-#include "SettingsStore.h"
 #include "TestEnv.h"
-#include "frmAsetukset.h"
+#include "core/DatabaseFile.h"
+#include "core/ProgramSettings.h"
+#include "core/SettingsStore.h"
+#include "settings/frmAsetukset.h"
 
 #include <QApplication>
 #include <QCheckBox>

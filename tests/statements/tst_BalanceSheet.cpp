@@ -1,7 +1,7 @@
-#include "BalanceSheet.h"
-#include "DatabaseError.h"
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
+#include "core/DatabaseError.h"
+#include "statements/BalanceSheet.h"
 
 #include <QTest>
 #include <memory>

@@ -1,7 +1,7 @@
-#include "DatabaseError.h"
-#include "IncomeStatement.h"
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
+#include "core/DatabaseError.h"
+#include "statements/IncomeStatement.h"
 
 #include <QTest>
 #include <memory>

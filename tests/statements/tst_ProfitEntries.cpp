@@ -1,8 +1,8 @@
-#include "BalanceSheet.h"
-#include "IncomeStatement.h"
-#include "ProfitEntries.h"
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
+#include "statements/BalanceSheet.h"
+#include "statements/IncomeStatement.h"
+#include "statements/ProfitEntries.h"
 
 #include <QTest>
 #include <memory>

@@ -1,10 +1,10 @@
 #include "Golden.h"
-#include "ReportDocument.h"
-#include "ReportEngine.h"
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
-#include "StatementPrint.h"
-#include "Statements.h"
+#include "printing/ReportDocument.h"
+#include "printing/ReportEngine.h"
+#include "statements/StatementPrint.h"
+#include "statements/Statements.h"
 
 #include <QFile>
 #include <QRegularExpression>

@@ -1,9 +1,9 @@
-#include "Dates.h"
 #include "Golden.h"
 #include "ModelChecks.h"
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
-#include "Statements.h"
+#include "core/Dates.h"
+#include "statements/Statements.h"
 
 #include <QTest>
 

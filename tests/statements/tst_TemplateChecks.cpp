@@ -1,6 +1,6 @@
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
-#include "TemplateChecks.h"
+#include "statements/TemplateChecks.h"
 
 #include <QTest>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
-#include "TemplateEditor.h"
+#include "statements/TemplateEditor.h"
 
 #include <QTest>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "StatementFixture.h"
-#include "TemplateText.h"
-#include "Transaction.h"
-#include "cMalli.h"
+#include "core/TemplateText.h"
+#include "core/Transaction.h"
+#include "statements/cMalli.h"
 
 #include <QSignalSpy>
 #include <QTest>

@@ -1,7 +1,7 @@
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
-#include "frmNewTulosJaTase.h"
-#include "frmTarkistusVirheet.h"
+#include "statements/frmNewTulosJaTase.h"
+#include "statements/frmTarkistusVirheet.h"
 
 #include <QAction>
 #include <QCheckBox>

@@ -1,8 +1,8 @@
 #include "ModelChecks.h"
 
-#include "DatabaseError.h"
-#include "Dates.h"
-#include "TemplateChecks.h"
+#include "core/DatabaseError.h"
+#include "core/Dates.h"
+#include "statements/TemplateChecks.h"
 
 #include <QDate>
 #include <QHash>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Resolver.h"
+#include "core/Resolver.h"
 
 #include <QByteArray>
 #include <QList>

@@ -1,12 +1,12 @@
 #include "TestEnv.h"
 
-#include "DBC.h"
-#include "DatabaseFile.h"
-#include "FileOps.h"
-#include "Paths.h"
-#include "ProgramEnd.h"
-#include "ProgramSettings.h"
-#include "Schema.h"
+#include "core/DBC.h"
+#include "core/DatabaseFile.h"
+#include "core/FileOps.h"
+#include "core/Paths.h"
+#include "core/ProgramEnd.h"
+#include "core/ProgramSettings.h"
+#include "core/Schema.h"
 
 #include <QDate>
 #include <QDir>

@@ -1,5 +1,5 @@
-#include "EnterAsTab.h"
-#include "TitleFit.h"
+#include "ui/EnterAsTab.h"
+#include "ui/TitleFit.h"
 
 #include <QDialog>
 #include <QLabel>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "DBC.h"
-#include "ProgramSettings.h"
-#include "Schema.h"
 #include "TestEnv.h"
+#include "core/DBC.h"
+#include "core/ProgramSettings.h"
+#include "core/Schema.h"
 
 #include <QDate>
 #include <QSqlError>

@@ -1,8 +1,8 @@
 #include "ScriptedDialogs.h"
-#include "VoucherEditor.h"
 #include "VoucherFixture.h"
+#include "vouchers/VoucherEditor.h"
 
-#include "Dates.h"
+#include "core/Dates.h"
 
 #include <QTest>
 #include <memory>

@@ -1,6 +1,6 @@
-#include "AccountLookup.h"
-#include "AmountInput.h"
 #include "VoucherFixture.h"
+#include "accounts/AccountLookup.h"
+#include "vouchers/AmountInput.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
 #include "ScriptedDialogs.h"
 #include "VoucherFixture.h"
-#include "VoucherSearch.h"
+#include "vouchers/VoucherSearch.h"
 
 #include <QTest>
 #include <memory>

@@ -1,9 +1,9 @@
 #include "ScriptedDialogs.h"
-#include "VoucherEditor.h"
 #include "VoucherFixture.h"
-#include "VoucherTemplateEditor.h"
-#include "cTositePohja.h"
-#include "cTositePohjat.h"
+#include "vouchers/VoucherEditor.h"
+#include "vouchers/VoucherTemplateEditor.h"
+#include "vouchers/cTositePohja.h"
+#include "vouchers/cTositePohjat.h"
 
 #include <QTest>
 #include <memory>

@@ -1,8 +1,8 @@
 #include "Controls.h"
 #include "ScriptedDialogs.h"
 #include "VoucherFixture.h"
-#include "frmNewTositteet.h"
-#include "frmTositepohja.h"
+#include "vouchers/frmNewTositteet.h"
+#include "vouchers/frmTositepohja.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,7 +1,7 @@
-#include "DatabaseError.h"
-#include "Transaction.h"
 #include "VoucherFixture.h"
-#include "cTosite.h"
+#include "core/DatabaseError.h"
+#include "core/Transaction.h"
+#include "vouchers/cTosite.h"
 
 #include <QTest>
 #include <memory>

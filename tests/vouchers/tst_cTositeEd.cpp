@@ -1,5 +1,5 @@
 #include "VoucherFixture.h"
-#include "cTositeEd.h"
+#include "vouchers/cTositeEd.h"
 
 #include <QTest>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "ScriptedDialogs.h"
 #include "VoucherFixture.h"
-#include "cTositeTarkistus.h"
+#include "vouchers/cTositeTarkistus.h"
 
 #include <QTest>
 #include <memory>

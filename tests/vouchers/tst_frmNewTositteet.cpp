@@ -1,7 +1,7 @@
 #include "Controls.h"
 #include "ScriptedDialogs.h"
 #include "VoucherFixture.h"
-#include "frmNewTositteet.h"
+#include "vouchers/frmNewTositteet.h"
 
 #include <QAbstractItemModel>
 #include <QApplication>

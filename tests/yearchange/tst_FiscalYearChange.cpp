@@ -1,9 +1,9 @@
-#include "Dates.h"
-#include "FiscalYearChange.h"
-#include "Paths.h"
-#include "PrintOptions.h"
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
+#include "core/Dates.h"
+#include "core/Paths.h"
+#include "printing/PrintOptions.h"
+#include "yearchange/FiscalYearChange.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,11 +1,11 @@
 #include "Controls.h"
-#include "Dates.h"
-#include "FiscalYearChange.h"
-#include "Paths.h"
 #include "ScriptedDialogs.h"
 #include "StatementFixture.h"
-#include "Statements.h"
-#include "frmKaudenVaihto.h"
+#include "core/Dates.h"
+#include "core/Paths.h"
+#include "statements/Statements.h"
+#include "yearchange/FiscalYearChange.h"
+#include "yearchange/frmKaudenVaihto.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,8 +1,12 @@
 #include "core/JetReader.h"
 
+#include "core/ErrorText.h"
+
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QStringDecoder>
 
 #include <mdbtools.h>
@@ -12,21 +16,16 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
 #include <map>
-#include <poll.h>
 #include <set>
-#include <signal.h>
-#include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 #include <utility>
 
 namespace {
 
 constexpr quint32 ReplyMagic = 0x564a4554; // "VJET"
-// The child's exit status when libmdb ended the process itself.
-constexpr int ChildStopped = 3;
+// The reading program's exit status when libmdb ended it itself.
+constexpr int ReaderStopped = 3;
 
 quint16 u16(const unsigned char* p) { return quint16(p[0] | (p[1] << 8)); }
 quint32 u32(const unsigned char* p)
@@ -67,11 +66,11 @@ struct CatalogTable {
     quint32 definitionPage = 0;
 };
 
-// The reading itself, run in the child process. Every number taken from the file is checked
+// The reading itself, run in vorkam_jetread. Every number taken from the file is checked
 // before it is used as an offset, a count or a page number.
-class ChildReader final {
+class PageReader final {
 public:
-    ChildReader(MdbHandle* mdb, qint64 pages, int codePage)
+    PageReader(MdbHandle* mdb, qint64 pages, int codePage)
         : m_mdb(mdb)
         , m_pages(pages)
         , m_pageSize(int(mdb->fmt->pg_size))
@@ -616,45 +615,6 @@ bool writeAll(int fd, const QByteArray& bytes)
     return true;
 }
 
-// The child's whole life: read, send, end without running anything the parent set up.
-[[noreturn]] void runChild(
-    int fd, const QByteArray& path, qint64 pages, int codePage, const QStringList& wanted)
-{
-    // libmdb ends the process with exit() on some damage: nothing of the parent's may run then.
-    std::atexit([] { _exit(ChildStopped); });
-    // libmdb's remarks about damaged pages are no use to anyone here.
-    const int null = ::open("/dev/null", O_WRONLY);
-    if (null >= 0)
-        ::dup2(null, STDERR_FILENO);
-    // Names come out of libmdb as UTF-8 whatever the environment says.
-    ::unsetenv("MDB_ICONV");
-    ::unsetenv("MDB_DEBUG");
-
-    JetReader::Problem problem = JetReader::Problem::None;
-    QString detail;
-    JetBooks books;
-    MdbHandle* mdb = mdb_open(path.constData(), MDB_NOFLAGS);
-    if (!mdb) {
-        problem = JetReader::Problem::Damaged;
-        detail = QStringLiteral("tiedostoa ei voitu avata");
-    } else {
-        ChildReader reader(mdb, pages, codePage);
-        if (!reader.read(wanted)) {
-            problem = reader.problem();
-            detail = reader.detail();
-        } else {
-            books = reader.books();
-        }
-    }
-    QByteArray reply;
-    {
-        QDataStream out(&reply, QIODevice::WriteOnly);
-        out.setVersion(QDataStream::Qt_6_4);
-        out << ReplyMagic << qint32(problem) << detail << books;
-    }
-    _exit(writeAll(fd, reply) ? 0 : 2);
-}
-
 } // namespace
 
 namespace JetValues {
@@ -767,6 +727,59 @@ JetReader::Problem JetReader::readHeader(const QByteArray& firstPage, Header* he
 
 int JetReader::timeLimitMs(qint64 bytes) { return 60000 + int(std::min<qint64>(bytes / 1000, 600000)); }
 
+void JetReader::runHelper(int argc, char** argv)
+{
+    if (argc < 4)
+        _exit(2);
+    const QByteArray path = argv[1];
+    const qint64 pages = QByteArray(argv[2]).toLongLong();
+    const int codePage = QByteArray(argv[3]).toInt();
+    QStringList wanted;
+    for (int i = 4; i < argc; ++i)
+        wanted << QString::fromUtf8(argv[i]);
+
+    // libmdb ends the process with exit() on some damage: that must not pass for a reply.
+    std::atexit([] { _exit(ReaderStopped); });
+
+    JetReader::Problem problem = JetReader::Problem::None;
+    QString detail;
+    JetBooks books;
+    MdbHandle* mdb = mdb_open(path.constData(), MDB_NOFLAGS);
+    if (!mdb) {
+        problem = JetReader::Problem::Damaged;
+        detail = QStringLiteral("tiedostoa ei voitu avata");
+    } else {
+        PageReader reader(mdb, pages, codePage);
+        if (!reader.read(wanted)) {
+            problem = reader.problem();
+            detail = reader.detail();
+        } else {
+            books = reader.books();
+        }
+    }
+    QByteArray reply;
+    {
+        QDataStream out(&reply, QIODevice::WriteOnly);
+        out.setVersion(QDataStream::Qt_6_4);
+        out << ReplyMagic << qint32(problem) << detail << books;
+    }
+    _exit(writeAll(STDOUT_FILENO, reply) ? 0 : 2);
+}
+
+QString JetReader::helperProgram()
+{
+    // Beside the program when installed; in the build tree the tests run from a folder of
+    // their own beside bin/.
+    const QString here = QCoreApplication::applicationDirPath();
+    for (const QString& candidate :
+        { here + QStringLiteral("/vorkam_jetread"), here + QStringLiteral("/../bin/vorkam_jetread") }) {
+        const QFileInfo info(candidate);
+        if (info.isFile() && info.isExecutable())
+            return info.absoluteFilePath();
+    }
+    return {};
+}
+
 JetReader::Result JetReader::read(const QString& path, const QStringList& wanted)
 {
     Result result;
@@ -795,72 +808,43 @@ JetReader::Result JetReader::read(const QString& path, const QStringList& wanted
                 .arg(size)
                 .arg(header.pageSize));
 
-    int fds[2];
-    if (::pipe2(fds, O_CLOEXEC) != 0)
-        return problem(Problem::Damaged, QString::fromLocal8Bit(std::strerror(errno)));
-    const QByteArray encoded = QFile::encodeName(QFileInfo(path).absoluteFilePath());
-    const pid_t child = ::fork();
-    if (child < 0) {
-        ::close(fds[0]);
-        ::close(fds[1]);
-        return problem(Problem::Damaged, QString::fromLocal8Bit(std::strerror(errno)));
-    }
-    if (child == 0) {
-        ::close(fds[0]);
-        runChild(fds[1], encoded, size / header.pageSize, header.codePage, wanted);
-    }
-    ::close(fds[1]);
-
-    // The reply, read while the child writes it; a child that takes too long is stopped.
-    QByteArray reply;
-    bool timedOut = false;
-    timespec begun {};
-    ::clock_gettime(CLOCK_MONOTONIC, &begun);
-    const int limit = timeLimitMs(size);
-    for (;;) {
-        timespec now {};
-        ::clock_gettime(CLOCK_MONOTONIC, &now);
-        const qint64 elapsed = (now.tv_sec - begun.tv_sec) * 1000 + (now.tv_nsec - begun.tv_nsec) / 1000000;
-        if (elapsed >= limit) {
-            timedOut = true;
-            break;
-        }
-        pollfd pfd { fds[0], POLLIN, 0 };
-        const int ready = ::poll(&pfd, 1, int(limit - elapsed));
-        if (ready < 0 && errno == EINTR)
-            continue;
-        if (ready <= 0) {
-            timedOut = ready == 0;
-            break;
-        }
-        char buffer[65536];
-        const ssize_t n = ::read(fds[0], buffer, sizeof buffer);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            break;
-        reply.append(buffer, n);
-    }
-    ::close(fds[0]);
-    if (timedOut)
-        ::kill(child, SIGKILL);
-    int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) { }
-
-    if (timedOut)
+    const QString program = helperProgram();
+    if (program.isEmpty())
+        return problem(Problem::Unreadable,
+            QStringLiteral("Vorkamin asennuksesta puuttuu Jet-tiedostojen lukuohjelma vorkam_jetread"));
+    QStringList arguments { QFileInfo(path).absoluteFilePath(), QString::number(size / header.pageSize),
+        QString::number(header.codePage) };
+    arguments += wanted;
+    // libmdb's remarks about damaged pages are no use to anyone here, and names must come out
+    // of it as UTF-8 whatever the environment says.
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("MDB_ICONV"));
+    environment.remove(QStringLiteral("MDB_DEBUG"));
+    QProcess reader;
+    reader.setProcessEnvironment(environment);
+    reader.setStandardErrorFile(QProcess::nullDevice());
+    reader.start(program, arguments, QIODevice::ReadOnly);
+    if (!reader.waitForStarted())
+        return problem(Problem::Unreadable, ErrorText::technical(reader.errorString()));
+    // A reader that takes too long is stopped.
+    if (!reader.waitForFinished(timeLimitMs(size))) {
+        reader.kill();
+        reader.waitForFinished();
         return problem(Problem::Damaged, QStringLiteral("tiedoston lukeminen ei päättynyt määräajassa"));
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+    }
+    const QByteArray reply = reader.readAllStandardOutput();
+    if (reader.exitStatus() != QProcess::NormalExit || reader.exitCode() != 0)
         return problem(
             Problem::Damaged, QStringLiteral("tiedoston lukeminen keskeytyi vioittuneeseen kohtaan"));
     QDataStream in(reply);
     in.setVersion(QDataStream::Qt_6_4);
     quint32 magic = 0;
-    qint32 childProblem = 0;
+    qint32 readerProblem = 0;
     QString detail;
-    in >> magic >> childProblem >> detail >> result.books;
+    in >> magic >> readerProblem >> detail >> result.books;
     if (in.status() != QDataStream::Ok || magic != ReplyMagic || !in.atEnd())
         return problem(Problem::Damaged, QStringLiteral("tiedoston lukeminen keskeytyi"));
-    if (childProblem != qint32(Problem::None))
-        return problem(Problem(childProblem), detail);
+    if (readerProblem != qint32(Problem::None))
+        return problem(Problem(readerProblem), detail);
     return result;
 }

@@ -10,8 +10,9 @@
 // Reads the tables of an old Jet database (Jet 3 and Jet 4 .mdb files) with mdbtools' libmdb.
 //
 // The file is only ever read. libmdb was not written for damaged files: it may loop, stop the
-// process or read out of bounds on a garbled page. The reading therefore runs in a child
-// process with a time limit, and what it sends back is checked before anything is written.
+// process or read out of bounds on a garbled page. The reading therefore runs in a
+// program of its own, vorkam_jetread, run with a time limit; what it sends back on its standard
+// output is checked before anything is written.
 // Rows are found by the reader itself, page by page, so that deleted rows stay deleted and
 // moved (overflow) rows are not lost; libmdb parses the table definitions and the rows.
 class JetReader final {
@@ -48,8 +49,15 @@ public:
     // The first page decoded; nullopt-like Problem::NotJet when it is no Jet header.
     static Problem readHeader(const QByteArray& firstPage, Header* header);
 
-    // How long the child may take before it is stopped, for a file of `bytes`.
+    // How long the reading program may take before it is stopped, for a file of `bytes`.
     static int timeLimitMs(qint64 bytes);
+
+    // The reading program: vorkam_jetread FILE PAGES CODEPAGE TABLE… reads the file and writes
+    // the reply on its standard output. Never returns; the exit status is 0 when it has
+    // written the reply.
+    [[noreturn]] static void runHelper(int argc, char** argv);
+    // Where vorkam_jetread is, or empty when the installation lacks it.
+    static QString helperProgram();
 };
 
 // The value forms of Jet files, as the reader decodes them.

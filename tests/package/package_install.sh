@@ -21,7 +21,7 @@ done
 root=$work/root
 dpkg -x "$deb" "$root"
 lib=$root/usr/lib/vorkam
-for f in usr/lib/vorkam/vorkam usr/lib/vorkam/vorkam_report usr/lib/vorkam/demo1.mdb \
+for f in usr/lib/vorkam/vorkam usr/lib/vorkam/vorkam_report usr/lib/vorkam/vorkam_jetread usr/lib/vorkam/demo1.mdb \
   usr/lib/vorkam/mallit/perusmalli.mdb usr/lib/vorkam/tilit.rpt usr/lib/vorkam/kayttoohje/index.html \
   usr/share/applications/vorkam.desktop usr/share/icons/hicolor/scalable/apps/vorkam.svg \
   usr/share/icons/hicolor/48x48/apps/vorkam.png usr/share/metainfo/fi.vorkam.Vorkam.metainfo.xml \
@@ -56,6 +56,13 @@ cp "$lib/demo1.mdb" "$work/seura.mdb"
 chmod u+w "$work/seura.mdb"
 "$root/usr/bin/vorkam_report" "$work/seura.mdb" tuloslaskelma --pdf "$work/tulos.pdf"
 head -c 5 "$work/tulos.pdf" | grep -q '%PDF-' || fail "tuloslaskelma ei ole PDF"
+# Old Jet books convert with the installed reading program.
+jet=$(dirname "$0")/../../../shared/fixtures/jet/seura-jet4.mdb
+if [ -f "$jet" ]; then
+  cp "$jet" "$work/vanha.mdb"
+  chmod u+w "$work/vanha.mdb"
+  "$root/usr/bin/vorkam_report" "$work/vanha.mdb" muunna >"$work/muunna.log" 2>&1 || { cat "$work/muunna.log"; fail "Jet-kirjanpidon muunnos epäonnistui"; }
+fi
 
 # The first start copies the demo into the user's own folder and opens it from there.
 "$root/usr/bin/vorkam" >"$work/vorkam.log" 2>&1 &

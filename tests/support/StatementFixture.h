@@ -18,9 +18,7 @@
 #include <limits>
 #include <utility>
 
-// A private, empty association database opened as the program's database, with the fiscal
-// year 2012 and the previous year 2011, and helpers to write accounts, vouchers and template
-// rows and to read the work tables back as text.
+// An empty association database for 2012 (previous 2011), with writers and work-table readers.
 class StatementFixture final {
 public:
     StatementFixture()

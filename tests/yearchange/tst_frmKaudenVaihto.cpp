@@ -21,8 +21,7 @@ using F = StatementFixture;
 
 QString label(const QWidget& w, const char* name) { return child<QLabel>(w, name)->text(); }
 
-// The balance sheet account by account, as the change computes it: `columns` of each line, or
-// of each account's line, joined by '|'.
+// The balance sheet by account as the change computes it: `columns` of each (account's) line.
 QStringList balanceSheet(qint32 malli, const QString& columns, bool accountsOnly = false)
 {
     const FiscalYearChange::Kaudet k = FiscalYearChange::nykyiset();
@@ -51,8 +50,7 @@ private slots:
     void demoYearChange();
 };
 
-// The dates now and after the change, the blank item and the balance-sheet templates by name;
-// nothing chosen, the window stays for a choice, and Peru closes it.
+// The dates and templates shown; without a choice the window stays, and Peru closes it.
 void tst_frmKaudenVaihto::opens()
 {
     F f;
@@ -91,8 +89,7 @@ void tst_frmKaudenVaihto::opens()
     QCOMPARE(w.result(), int(QDialog::Rejected));
 }
 
-// The demo association's year closed from the window: the new year opens with the old year's
-// closing balances to the cent, and the new balance sheet compares with the old one.
+// The demo's year changed from the window: closing balances become opening balances to the cent.
 void tst_frmKaudenVaihto::demoYearChange()
 {
     TestEnv env;

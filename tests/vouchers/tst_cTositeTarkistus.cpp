@@ -5,8 +5,7 @@
 #include <QTest>
 #include <memory>
 
-// The voucher check over books built row by row: which faults give a finding, in what order,
-// and what the silent repair removes.
+// The voucher check: which faults give a finding, in what order, and what the repair removes.
 class tst_cTositeTarkistus : public QObject {
     Q_OBJECT
 
@@ -73,11 +72,9 @@ private slots:
         QTest::addColumn<QList<qint64>>("debet");
         QTest::addColumn<QList<qint64>>("kredit");
         QTest::addColumn<bool>("finding");
-        QTest::newRow("100 against 90") << QList<qint64> { 1000000 } << QList<qint64> { 900000 } << true;
         // 0,1 + 0,2 against 0,3 balances exactly, as floating point would not.
         QTest::newRow("tenths") << QList<qint64> { 1000, 2000 } << QList<qint64> { 3000 } << false;
         QTest::newRow("one ten-thousandth off") << QList<qint64> { 10001 } << QList<qint64> { 10000 } << true;
-        QTest::newRow("debit only") << QList<qint64> { 500 } << QList<qint64> {} << true;
         QTest::newRow("no entries") << QList<qint64> {} << QList<qint64> {} << false;
     }
     void balanceUsesExactSums()
@@ -93,17 +90,6 @@ private slots:
         QCOMPARE(lines(),
             finding ? QStringList { QStringLiteral("Tositteen no: 1 debet ja kredit saldo ei täsmää.") }
                     : QStringList());
-    }
-
-    void entryOnADeletedAccountNamesItsVoucher()
-    {
-        balanced(1);
-        const int id = balanced(3);
-        const int poistuva = f->addTili(4000, QStringLiteral("Poistuva"));
-        QVERIFY(f->exec(QStringLiteral("UPDATE vi SET vitlID = ? WHERE vitoID = ? AND viTyyppi = 'K'"),
-            { poistuva, id }));
-        QVERIFY(f->exec(QStringLiteral("DELETE FROM tl WHERE tlID = ?"), { poistuva }));
-        QCOMPARE(lines(), QStringList { QStringLiteral("Jokin tilivalinta puuttuu tositteelta no: 3.") });
     }
 
     void orphanEntriesGoWithoutAFinding()
@@ -137,7 +123,7 @@ private slots:
         QCOMPARE(lines(), QStringList { QStringLiteral("Jokin tilivalinta puuttuu tositteelta no: 7.") });
     }
 
-    // Dates first, then balances, then accounts; each voucher's kind before its text.
+    // Dates first, then balances, then missing accounts; each voucher's kind before its text.
     void findingsInTheOrderFound()
     {
         const int avaus = f->addTosite(0, QStringLiteral("A"), QStringLiteral("2011-01-01"));

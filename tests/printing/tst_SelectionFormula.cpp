@@ -47,22 +47,16 @@ private slots:
             "{to.toAvaustosite} = False AND {to.toPaatostosite} = False",
             R"(("to"."toPvm" <= ? AND "to"."toPvm" >= ?) AND "to"."toNumero" >= ? AND ("to"."toAvaustosite" = 0) AND ("to"."toPaatostosite" = 0))",
             "2011-12-31|2011-01-01|0");
-        row("ledger, opening entries with balance rows",
-            "{tl.tlPrint} = True AND ({vi.viAvausvienti} = True AND ({to.toPvm} <= Date(2011,12,31) AND "
-            "{to.toPvm} >= Date(2011,1,1)) OR ({tl.tlID} > 0 AND {to.toNumero} < 0) AND "
-            "{to.toAvaustosite} = True)",
-            R"(("tl"."tlPrint" <> 0) AND (("vi"."viAvausvienti" <> 0) AND ("to"."toPvm" <= ? AND "to"."toPvm" >= ?) OR ("tl"."tlID" > ? AND "to"."toNumero" < ?) AND ("to"."toAvaustosite" <> 0)))",
-            "2011-12-31|2011-01-01|0|0");
-        row("keywords in any case, NOT, <> True",
-            "not {to.toNumero} < 0 and {to.toPaatostosite} <> True or true",
-            R"(NOT ("to"."toNumero" < ?) AND ("to"."toPaatostosite" = 0) OR 1 = 1)", "0");
-        row("a yes/no field alone, False alone", "{tl.tlPrint} OR False", R"(("tl"."tlPrint" <> 0) OR 1 = 0)",
-            "");
+        row("keywords in any case, NOT, truth values compared",
+            "not {to.toNumero} < 0 and {to.toPaatostosite} <> True or {to.toAvaustosite} = true",
+            R"(NOT ("to"."toNumero" < ?) AND ("to"."toPaatostosite" = 0) OR ("to"."toAvaustosite" <> 0))",
+            "0");
+        row("a yes/no field alone, truth values alone", "{tl.tlPrint} OR False OR True",
+            R"(("tl"."tlPrint" <> 0) OR 1 = 0 OR 1 = 1)", "");
         row("texts with quotes in both forms", "{vi.viSelite} = 'Matin ''kerho''' OR {vi.viSelite} <> \"x\"",
             R"("vi"."viSelite" = ? OR "vi"."viSelite" <> ?)", "Matin 'kerho'|x");
-        row("money compared in euros, negative number", "{vi.viArvo} >= 12.5 AND {to.toNumero} >= -1",
-            R"("vi"."viArvo" >= ? AND "to"."toNumero" >= ?)", "125000|-1");
-        row("literal on the left", "0 <= {to.toNumero}", R"(? <= "to"."toNumero")", "0");
+        row("money in euros on the left, a negative number", "12.5 < {vi.viArvo} AND {to.toNumero} > -1",
+            R"(? < "vi"."viArvo" AND "to"."toNumero" > ?)", "125000|-1");
         row("blank formula selects everything", "   ", "", "");
     }
     void toSql()
@@ -85,7 +79,6 @@ private slots:
         row("no such day", "{to.toPvm} <= Date(2011,2,29)", "Date(2011,2,29) ei ole oikea päivä (kohta 15)");
         row("Date with a text", "{to.toPvm} <= Date(2011,'1',1)", "vuosi, kuukausi ja päivä numeroina");
         row("ends after an operator", "{to.toPvm} <=", "päättyy kesken (kohta 14)");
-        row("ends after AND", "{to.toNumero} >= 0 AND", "päättyy kesken");
         row("open parenthesis", "({to.toNumero} >= 0", "puuttuu loppusulje )");
         row("extra parenthesis", "{to.toNumero} >= 0)", "ylimääräistä tekstiä: ) (kohta 19)");
         row("field the resolver does not know", "{to.eiOle} = 1", "Kenttää {to.eiOle} ei ole");
@@ -93,7 +86,6 @@ private slots:
         row("unclosed field", "{to.toPvm = 1", "puuttuu loppusulje }");
         row("function", "Year({to.toPvm}) = 2011", "funktiota Year ei tueta");
         row("unknown word", "{to.toNumero} = Tosite", "sana, jota ei tunneta: Tosite");
-        row("unknown character", "{to.toNumero} # 1", "merkki, jota ei tunneta: #");
         row("truth value ordered", "{to.toAvaustosite} > True", "vain merkeillä = ja <>");
         row("unclosed text", "{vi.viSelite} = 'abc", "lainausmerkkiä vaille");
         row("a number is no condition", "5", "puuttuu vertailu");
@@ -101,7 +93,7 @@ private slots:
         row("amount beyond money", "{vi.viArvo} > 99999999999999", "luku 99999999999999 on liian suuri");
         row("number beyond integers", "{to.toNumero} = 99999999999999999999",
             "luku 99999999999999999999 on liian suuri");
-        row("digits of another script", "{to.toNumero} = ٣", "merkki, jota ei tunneta");
+        row("digits of another script", "{to.toNumero} = ٣", "merkki, jota ei tunneta: ٣");
         QTest::newRow("parentheses nested too deep")
             << QString(50000, u'(') + "{to.toNumero} = 1" + QString(50000, u')') << "liian monta sisäkkäistä";
         QTest::newRow("NOTs nested too deep") << QStringLiteral("NOT ").repeated(50000) + "{to.toNumero} = 1"
@@ -123,12 +115,10 @@ private slots:
     {
         QTest::addColumn<QStringList>("fields");
         QTest::addColumn<QString>("orderBy");
-        QTest::newRow("one ascending") << QStringList { "+{tl.tlNumero}" } << R"("tl"."tlNumero" ASC)";
         QTest::newRow("ledger order, blanks allowed") << QStringList { " +{tl.tlNumero}",
             "- { to.toNumero }" } << R"("tl"."tlNumero" ASC, "to"."toNumero" DESC)";
         QTest::newRow("none") << QStringList() << "";
         QTest::newRow("no sign") << QStringList { "{tl.tlNumero}" } << "ei ole muotoa +{taulu.kenttä}";
-        QTest::newRow("no braces") << QStringList { "+tl.tlNumero" } << "ei ole muotoa";
         QTest::newRow("unknown field") << QStringList { "+{tl.tlEiOle}" } << "Kenttää {tl.tlEiOle} ei ole";
     }
     void sortFields()
@@ -153,13 +143,9 @@ private slots:
             QTest::newRow(formula) << QString::fromUtf8(formula) << QString::fromUtf8(name)
                                    << QString::fromUtf8(value);
         };
-        row("Otsake= 'Tilien saldot'", "Otsake", "Tilien saldot");
-        row("LoppuPvm = '0512'", "LoppuPvm", "0512");
+        row("Otsake = 'Tilien saldot'", "Otsake", "Tilien saldot");
         row("Jakso= ''", "Jakso", "");
-        row("Seurannimi= 'Matin ''kerho'''", "Seurannimi", "Matin 'kerho'");
-        row("Seurannimi= 'Matin ''''tupla'''''", "Seurannimi", "Matin ''tupla''");
-        row("Seurannimi= 'O'Brienin ystävät ry'", "Seurannimi", "O'Brienin ystävät ry");
-        row("Otsake= 'Kirjanpidon tase : 31.12.2011'", "Otsake", "Kirjanpidon tase : 31.12.2011");
+        row("Seurannimi= 'O'Brienin ''kerho'' ''''tupla'''''", "Seurannimi", "O'Brienin 'kerho' ''tupla''");
         for (const char* refused : { "Otsake 'x'", "= 'x'", "Otsake= x", "Otsake= 'x", "Ots ake= 'x'" })
             row(refused);
     }
@@ -213,8 +199,7 @@ private slots:
         }
         const std::pair<const char*, FontFamily> families[]
             = { { "Times New Roman", FontFamily::Serif }, { "Courier New", FontFamily::Mono },
-                  { "DejaVu Sans Mono", FontFamily::Mono }, { "Liberation Serif", FontFamily::Serif },
-                  { "Arial", FontFamily::Sans }, { "Verdana", FontFamily::Sans } };
+                  { "DejaVu Sans Mono", FontFamily::Mono }, { "Arial", FontFamily::Sans } };
         for (const auto& [name, family] : families)
             QCOMPARE(SectionFonts::family(QString::fromUtf8(name)), family);
     }

@@ -13,8 +13,7 @@
 
 inline Money euros(const char* text) { return *Money::parse(QString::fromLatin1(text)); }
 
-// An association database of the current layout with a chosen chart and no vouchers, opened
-// as the program's database.
+// An empty association database of the current layout, opened as the program's database.
 struct AccountsFixture {
     TestEnv env;
     QString file = env.path(QStringLiteral("tilit.mdb"));

@@ -25,9 +25,8 @@ private slots:
     {
         QTest::addColumn<int>("numero");
         QTest::addColumn<int>("group"); // -1: no group
-        const std::pair<int, int> cases[] = { { 950, MuutIndex }, { 999, MuutIndex }, { 1000, 0 },
-            { 1999, 0 }, { 2000, 1 }, { 9999, 8 }, { 10000, MuutIndex }, { 10500, MuutIndex },
-            { 10999, MuutIndex }, { 11000, -1 }, { 0, MuutIndex }, { -1500, MuutIndex } };
+        const std::pair<int, int> cases[] = { { -1500, MuutIndex }, { 999, MuutIndex }, { 1000, 0 },
+            { 2000, 1 }, { 9999, 8 }, { 10999, MuutIndex }, { 11000, -1 } };
         for (const auto& [numero, group] : cases)
             QTest::addRow("%d", numero) << numero << group;
     }
@@ -43,8 +42,6 @@ private slots:
     {
         AccountsFixture f;
         f.tili(100, Null);
-        f.tili(200, QStringLiteral(" "));
-        f.tili(300, QStringLiteral("1. tili"));
         f.tili(400, QStringLiteral("@osoite"));
         f.tili(1000, QStringLiteral("Aineettomat"));
         f.tili(1500, QStringLiteral(" ")); // the same row in the middle is kept
@@ -78,12 +75,12 @@ private slots:
         QCOMPARE(f.tileja(), 2);
         // A number without a group: the rows before it are read.
         f.exec(QStringLiteral("DELETE FROM tl WHERE tlID <> ?"), { a });
-        for (int numero : { 10500, 11000, 12000 })
+        for (int numero : { 10500, 11000 })
             f.tili(numero, QStringLiteral("Iso"));
         puu = lueTilikartta(f.db());
         QVERIFY(puu.virhe.startsWith(TreeError) && puu.virhe.contains(QStringLiteral("11000")));
         QCOMPARE(numbers(puu), (QStringList { "1000:0", "10500:9" }));
-        QCOMPARE(f.tileja(), 4);
+        QCOMPARE(f.tileja(), 3);
     }
 
     void checksAndAdd_data()
@@ -98,18 +95,15 @@ private slots:
         };
         const QString name = QStringLiteral("Nimi");
         const QString exists = QStringLiteral("Tilinumerolla %1 löytyy jo tili.");
-        row("too short", "123", name, FourDigits, true);
+        // The length is the number's, not the text's: "0999" has three digits.
         row("leading zero", "0999", name, FourDigits, true);
         row("not a number", "12a4", name, FourDigits, true);
-        row("beyond int", "99999999999", name, FourDigits, true);
         row("too large", "11000", name, QStringLiteral("Tilinumeron tulee olla pienempi kuin 11000."), true);
-        row("largest", "10999", name, QString(), false);
         row("existing before name", "1910", QString(), exists.arg(QStringLiteral("1910")), true);
         row("existing as typed", " 01910", name, exists.arg(QStringLiteral(" 01910")), true);
-        row("empty name", "3000", QString(), NoName, false);
         row("blank name", "3000", QStringLiteral("   "), NoName, false);
-        row("apostrophe", "3000", QStringLiteral("O'Brienin rahasto"), QString(), false);
-        row("60 characters", "3000", QString(60, u'x'), QString(), false);
+        row("long name with apostrophe", "10999", QStringLiteral("O'Brien") + QString(60, u'x'), QString(),
+            false);
     }
 
     void checksAndAdd()
@@ -152,11 +146,9 @@ private slots:
         const auto row = [](const char* tag, const char* current, const char* previous, bool blocked) {
             QTest::newRow(tag) << QString::fromLatin1(current) << QString::fromLatin1(previous) << blocked;
         };
-        row("no entries", "", "", false);
         row("zero amounts only", "0", "0", false);
-        row("current year", "0,01", "", true);
+        row("current year, negative", "-0,01", "", true);
         row("previous year", "0", "5", true);
-        row("negative", "-1", "", true);
     }
 
     void deleteRule()

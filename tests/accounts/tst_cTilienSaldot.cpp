@@ -1,15 +1,15 @@
 #include "AccountsFixture.h"
 #include "Golden.h"
 #include "accounts/AccountReports.h"
-#include "accounts/cTilienSaldo.h"
 #include "accounts/cTilienSaldot.h"
+#include "core/DatabaseError.h"
 #include "printing/ReportEngine.h"
 
 #include <QFile>
 
 namespace {
 
-// An entry of a voucher; `tosite` 0 makes a voucher of its own for it.
+// An entry on a voucher of its own.
 struct Entry {
     const char* tyyppi;
     const char* arvo;
@@ -60,44 +60,11 @@ QString row(const cTilienSaldot::Rivi& r)
 
 } // namespace
 
-Q_DECLARE_METATYPE(std::vector<Entry>)
-
 class tst_cTilienSaldot final : public QObject {
     Q_OBJECT
 
 private slots:
-    void balances_data()
-    {
-        QTest::addColumn<std::vector<Entry>>("entries");
-        QTest::addColumn<QString>("expected");
-        // Plain debits, credits and automatic entries are in the golden tilisald.
-        QTest::newRow("opening and closing entries counted") << std::vector<Entry> { { "D", "500", true },
-            { "K", "20", false, false, true } } << "1910 Pankkitili | 500,00 | 20,00 | 480,00";
-        QTest::newRow("entry without its voucher not counted") << std::vector<Entry> { { "D", "10" },
-            { "D", "77", false, false, false, true } } << "1910 Pankkitili | 10,00 | 0,00 | 10,00";
-        QTest::newRow("other and empty types add nothing") << std::vector<Entry> { { "X", "5" }, { "", "6" },
-            { "d", "7" }, { "K", "1" } } << "1910 Pankkitili | 0,00 | 1,00 | -1,00";
-    }
-    void balances()
-    {
-        QFETCH(std::vector<Entry>, entries);
-        QFETCH(QString, expected);
-        Books b;
-        const qint32 tili = b.f.tili(1910, QStringLiteral("Pankkitili"));
-        for (const Entry& e : entries)
-            b.add(tili, e);
-        cTilienSaldot saldot(b.f.db());
-        saldot.Laske();
-        QCOMPARE(saldot.rivit().size(), size_t(1));
-        QCOMPARE(row(saldot.rivit().front()), expected);
-        // The work table holds what the window shows.
-        cTilienSaldo stored(b.f.db());
-        QVERIFY(stored.Read(saldot.rivit().front().id));
-        QCOMPARE(stored.Tili(), saldot.rivit().front().tili);
-        QCOMPARE(stored.Erotus(), saldot.rivit().front().erotus);
-    }
-
-    // Every account gets a row in number order, and a rerun replaces the rows.
+    // A row per account by number; opening and closing entries count, orphans and odd types not.
     void everyAccountInNumberOrder()
     {
         Books b;
@@ -105,9 +72,12 @@ private slots:
         b.f.tili(3000, QVariant());
         const qint32 pankki = b.f.tili(1910, QStringLiteral("Pankkitili"));
         b.f.tili(950, QStringLiteral("Väliaikainen"));
-        b.add(kassa, { "D", "12,34" });
-        b.add(pankki, { "K", "12,34" });
-        b.add(pankki, { "D", "1000" });
+        const std::pair<qint32, Entry> entries[] = { { kassa, { "D", "12,34" } },
+            { kassa, { "D", "77", false, false, false, true } }, { pankki, { "D", "500", true } },
+            { pankki, { "K", "20", false, false, true } }, { pankki, { "K", "12,34" } },
+            { pankki, { "X", "5" } }, { pankki, { "", "6" } }, { pankki, { "d", "7" } } };
+        for (const auto& [tili, entry] : entries)
+            b.add(tili, entry);
         cTilienSaldot saldot(b.f.db());
         saldot.Laske();
         saldot.Laske();
@@ -121,7 +91,7 @@ private slots:
         }
         QCOMPARE(rows,
             (QStringList { "950 Väliaikainen | 0,00 | 0,00 | 0,00", "1900 Kassa | 12,34 | 0,00 | 12,34",
-                "1910 Pankkitili | 1 000,00 | 12,34 | 987,66", "3000  | 0,00 | 0,00 | 0,00" }));
+                "1910 Pankkitili | 500,00 | 32,34 | 467,66", "3000  | 0,00 | 0,00 | 0,00" }));
         saldot.Tyhjenna();
         QCOMPARE(b.f.value(QStringLiteral("SELECT COUNT(*) FROM tlSaldot")).toInt(), 0);
     }

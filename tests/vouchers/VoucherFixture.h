@@ -92,6 +92,22 @@ public:
                         .arg(statement, table));
     }
 
+    // A voucher template and its entry patterns. Returns the template's key.
+    static int addPohja(
+        const QString& nimi, const QVariant& pikavalinta, const QString& selite = QStringLiteral("Vuokra"))
+    {
+        exec(QStringLiteral("INSERT INTO tpPohjat (Nimi, Selite, Pikavalinta) VALUES (?, ?, ?)"),
+            { nimi, selite, pikavalinta });
+        return value(QStringLiteral("SELECT MAX(tpID) FROM tpPohjat")).toInt();
+    }
+
+    static void addPohjaRivi(int tpId, int tlId, const QString& tyyppi, qint64 raw)
+    {
+        exec(QStringLiteral(
+                 "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, ?, ?)"),
+            { tpId, tlId, tyyppi, raw });
+    }
+
     static int addTili(int numero, const QString& nimi)
     {
         exec(QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (?, ?, ' ')"),

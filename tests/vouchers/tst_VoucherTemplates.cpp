@@ -18,20 +18,6 @@ class tst_VoucherTemplates : public QObject {
     std::unique_ptr<ScriptedDialogs> dialogs;
     int pankki = 0, vuokra = 0, kassa = 0;
 
-    int addPohja(
-        const QString& nimi, const QVariant& pikavalinta, const QString& selite = QStringLiteral("Vuokra"))
-    {
-        f->exec(QStringLiteral("INSERT INTO tpPohjat (Nimi, Selite, Pikavalinta) VALUES (?, ?, ?)"),
-            { nimi, selite, pikavalinta });
-        return f->value(QStringLiteral("SELECT MAX(tpID) FROM tpPohjat")).toInt();
-    }
-    void addRivi(int tpId, int tlId, const QString& tyyppi, qint64 raw)
-    {
-        f->exec(QStringLiteral(
-                    "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, ?, ?)"),
-            { tpId, tlId, tyyppi, raw });
-    }
-
 private slots:
     void init()
     {
@@ -68,11 +54,11 @@ private slots:
 
     void deletingATemplateRemovesItsRows()
     {
-        const int pidettava = addPohja(QStringLiteral("Kassa"), 1);
-        addRivi(pidettava, kassa, QStringLiteral("D"), 100);
-        const int poistettava = addPohja(QStringLiteral("Vuokra"), 2);
-        addRivi(poistettava, vuokra, QStringLiteral("D"), 100);
-        addRivi(poistettava, pankki, QStringLiteral("K"), 100);
+        const int pidettava = f->addPohja(QStringLiteral("Kassa"), 1);
+        f->addPohjaRivi(pidettava, kassa, QStringLiteral("D"), 100);
+        const int poistettava = f->addPohja(QStringLiteral("Vuokra"), 2);
+        f->addPohjaRivi(poistettava, vuokra, QStringLiteral("D"), 100);
+        f->addPohjaRivi(poistettava, pankki, QStringLiteral("K"), 100);
         VoucherTemplateEditor m(f->db());
         QVERIFY(m.avaa());
         QCOMPARE(m.pohja().tpID(), pidettava); // first by name
@@ -123,10 +109,10 @@ private slots:
 
     void voucherFromATemplate()
     {
-        const int tp = addPohja(QStringLiteral("Vuokra"), 1, QStringLiteral("Toimiston vuokra"));
-        addRivi(tp, pankki, QStringLiteral("K"), 4500000);
-        addRivi(tp, vuokra, QStringLiteral("D"), 4000000);
-        addRivi(tp, kassa, QStringLiteral("D"), 500000);
+        const int tp = f->addPohja(QStringLiteral("Vuokra"), 1, QStringLiteral("Toimiston vuokra"));
+        f->addPohjaRivi(tp, pankki, QStringLiteral("K"), 4500000);
+        f->addPohjaRivi(tp, vuokra, QStringLiteral("D"), 4000000);
+        f->addPohjaRivi(tp, kassa, QStringLiteral("D"), 500000);
         AccountLookup tilit;
         tilit.load(f->db());
         const auto tosite = VoucherTemplateEditor::tositteeksi(f->db(), tilit, tp);
@@ -144,10 +130,10 @@ private slots:
 
     void templateWithADeletedAccountOrNoPatterns()
     {
-        const int tp = addPohja(QStringLiteral("Vanha"), QVariant());
+        const int tp = f->addPohja(QStringLiteral("Vanha"), QVariant());
         const int poistettu = f->addTili(8000, QStringLiteral("Poistettu"));
-        addRivi(tp, poistettu, QStringLiteral("D"), 100000);
-        addRivi(tp, pankki, QStringLiteral("K"), 100000);
+        f->addPohjaRivi(tp, poistettu, QStringLiteral("D"), 100000);
+        f->addPohjaRivi(tp, pankki, QStringLiteral("K"), 100000);
         f->exec(QStringLiteral("DELETE FROM tl WHERE tlID = ?"), { poistettu });
         AccountLookup tilit;
         tilit.load(f->db());
@@ -156,7 +142,7 @@ private slots:
         QCOMPARE(tosite->viennit[0].tlId, 0);
         QCOMPARE(tosite->viennit[0].arvo, Money::fromRaw(100000));
 
-        const int tyhja = addPohja(QStringLiteral("Tyhjä"), QVariant(), QStringLiteral(" "));
+        const int tyhja = f->addPohja(QStringLiteral("Tyhjä"), QVariant(), QStringLiteral(" "));
         const auto blank = VoucherTemplateEditor::tositteeksi(f->db(), tilit, tyhja);
         QVERIFY(blank && blank->viennit.empty() && blank->selite.isEmpty());
         QVERIFY(!VoucherTemplateEditor::tositteeksi(f->db(), tilit, 9999));

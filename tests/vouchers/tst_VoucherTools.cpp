@@ -57,17 +57,9 @@ class tst_VoucherTools : public QObject {
     }
     int addPohja(const QString& nimi, const QVariant& pikavalinta)
     {
-        f->exec(QStringLiteral("INSERT INTO tpPohjat (Nimi, Selite, Pikavalinta) VALUES (?, ?, ?)"),
-            { nimi, QStringLiteral("Toimiston vuokra"), pikavalinta });
-        const int tp = f->value(QStringLiteral("SELECT MAX(tpID) FROM tpPohjat")).toInt();
-        f->exec(
-            QStringLiteral(
-                "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, 'K', 4000000)"),
-            { tp, pankki });
-        f->exec(
-            QStringLiteral(
-                "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, 'D', 4000000)"),
-            { tp, vuokra });
+        const int tp = f->addPohja(nimi, pikavalinta, QStringLiteral("Toimiston vuokra"));
+        f->addPohjaRivi(tp, pankki, QStringLiteral("K"), 4000000);
+        f->addPohjaRivi(tp, vuokra, QStringLiteral("D"), 4000000);
         return tp;
     }
     static QList<QAction*> quickSelect(QWidget& w)

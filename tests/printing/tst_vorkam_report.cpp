@@ -266,25 +266,6 @@ private slots:
         QFile::setPermissions(
             folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     }
-
-    // A statement printed first changes neither the journal's balance nor its voucher numbers.
-    void journalBalancesAfterStatements()
-    {
-        TestEnv env;
-        const QString books = env.path(QStringLiteral("demo1.mdb"));
-        QVERIFY(ReportCommand::copyBuilt(QStringLiteral("demo1.mdb"), books));
-        const auto journal = [&] { return rows(env, books, { "paivakirja" }); };
-        const QList<QStringList> first = journal();
-        QVERIFY(!first.isEmpty());
-        for (const QStringList& args :
-            { QStringList { "tuloslaskelma", "--from", day(1, 4), "--to", day(30, 6) },
-                QStringList { "tase" }, QStringList { "tuloslaskelma" } }) {
-            const ReportCommand r = ReportCommand::run(
-                QStringList { books } + args + QStringList { "--pdf", env.path("s.pdf") });
-            QVERIFY2(r.code == 0, qPrintable(r.err));
-        }
-        QCOMPARE(journal(), first);
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_vorkam_report)

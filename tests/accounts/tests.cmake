@@ -2,15 +2,11 @@
 vorkam_add_test(tst_cTili SOURCES accounts/tst_cTili.cpp)
 vorkam_add_test(tst_ChartOfAccounts SOURCES accounts/tst_ChartOfAccounts.cpp)
 vorkam_add_test(tst_frmTilitNew UI SOURCES accounts/tst_frmTilitNew.cpp)
-vorkam_add_test(tst_frmLisaaTili UI SOURCES accounts/tst_frmLisaaTili.cpp)
 vorkam_add_test(tst_frmTilikartta UI SOURCES accounts/tst_frmTilikartta.cpp)
-# The window is also tried on the demo association.
-add_dependencies(tst_frmTilitNew vorkam_data)
 # The balances and the chart printouts read the report definitions of the program's folder.
 vorkam_add_test(tst_cTilienSaldot SOURCES accounts/tst_cTilienSaldot.cpp)
 add_dependencies(tst_cTilienSaldot vorkam_reports)
-vorkam_add_test(tst_frmTilienSaldot UI SOURCES accounts/tst_frmTilienSaldot.cpp)
-# The account inspection and the daily balances, their windows and the voucher window's links.
+# The account inspection, the balances and daily balances, their windows and the voucher window's links.
 vorkam_add_test(tst_cTiliTarkastelut SOURCES accounts/tst_cTiliTarkastelut.cpp)
 vorkam_add_test(tst_frmTilitarkastelu UI SOURCES accounts/tst_frmTilitarkastelu.cpp)
 add_dependencies(tst_frmTilitarkastelu vorkam_reports)

@@ -126,61 +126,59 @@ class tst_Mnemonics : public QObject {
     Q_OBJECT
 
 private slots:
-    void everyCommandHasItsOwnLetter();
-};
+    void everyCommandHasItsOwnLetter()
+    {
+        TestEnv env;
+        ScriptedDialogs dialogs;
+        const QString books = env.path(QStringLiteral("demo1.mdb"));
+        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
+        QFile::setPermissions(books, QFile::ReadOwner | QFile::WriteOwner);
+        env.writeIni("[VORKAM]\nDatabase=" + books.toUtf8() + "\n");
+        frmMain main;
+        main.startUp();
+        Paths::setProgramDir(QStringLiteral(VORKAM_BIN_DIR));
+        const QSqlDatabase db = DBC::instance().AvaaDB();
+        QVERIFY2(db.isOpen(), qPrintable(dialogs.transcript().join(u'\n')));
 
-void tst_Mnemonics::everyCommandHasItsOwnLetter()
-{
-    TestEnv env;
-    ScriptedDialogs dialogs;
-    const QString books = env.path(QStringLiteral("demo1.mdb"));
-    QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), books));
-    QFile::setPermissions(books, QFile::ReadOwner | QFile::WriteOwner);
-    env.writeIni("[VORKAM]\nDatabase=" + books.toUtf8() + "\n");
-    frmMain main;
-    main.startUp();
-    Paths::setProgramDir(QStringLiteral(VORKAM_BIN_DIR));
-    const QSqlDatabase db = DBC::instance().AvaaDB();
-    QVERIFY2(db.isOpen(), qPrintable(dialogs.transcript().join(u'\n')));
-
-    ReportJob job;
-    job.reportFile = QStringLiteral("tilikart.rpt");
-    job.parameters = { { QStringLiteral("tuloslaskelmaID"), 0 }, { QStringLiteral("taseID"), 0 } };
-    std::unique_ptr<ReportDocument> page = ReportEngine::run(db, job);
-    const std::vector<std::function<std::unique_ptr<QWidget>()>> windows = {
-        [&] { return std::make_unique<frmAbout>(); },
-        [&] { return std::make_unique<frmAsetukset>(db); },
-        [&] { return std::make_unique<frmBackup>(books); },
-        [&] { return std::make_unique<frmBackupManagement>(); },
-        [&] { return std::make_unique<frmBackupRestore>(); },
-        [&] { return std::make_unique<frmDates>(); },
-        [&] { return std::make_unique<frmDates2>(); },
-        [&] { return std::make_unique<frmEsikatselu>(std::move(page)); },
-        [&] { return std::make_unique<frmKaudenVaihto>(db); },
-        [&] { return std::make_unique<frmLisaaTili>(db); },
-        [&] { return std::make_unique<frmNewTositteet>(db, frmNewTositteet::Laji::Tavallinen); },
-        [&] { return std::make_unique<frmNewTulosJaTase>(db); },
-        [&] { return std::make_unique<frmPaivaSaldot>(db); },
-        [&] { return std::make_unique<frmService>(db); },
-        [&] { return std::make_unique<frmTarkistusVirheet>(db, 0, 0); },
-        [&] { return std::make_unique<frmTilienSaldot>(db); },
-        [&] { return std::make_unique<frmTilikartta>(db); },
-        [&] { return std::make_unique<frmTilitNew>(db); },
-        [&] { return std::make_unique<frmTilitarkastelu>(db); },
-        [&] { return std::make_unique<frmTositeHaku>(db); },
-        [&] { return std::make_unique<frmTositeTarkistusVirheet>(db, false); },
-        [&] { return std::make_unique<frmTositepohja>(db); },
-        [&] { return std::make_unique<frmTulostus>(); },
-    };
-    QStringList faults = walk(main);
-    for (const auto& make : windows) {
-        const std::unique_ptr<QWidget> window = make();
-        faults << walk(*window);
+        ReportJob job;
+        job.reportFile = QStringLiteral("tilikart.rpt");
+        job.parameters = { { QStringLiteral("tuloslaskelmaID"), 0 }, { QStringLiteral("taseID"), 0 } };
+        std::unique_ptr<ReportDocument> page = ReportEngine::run(db, job);
+        const std::vector<std::function<std::unique_ptr<QWidget>()>> windows = {
+            [&] { return std::make_unique<frmAbout>(); },
+            [&] { return std::make_unique<frmAsetukset>(db); },
+            [&] { return std::make_unique<frmBackup>(books); },
+            [&] { return std::make_unique<frmBackupManagement>(); },
+            [&] { return std::make_unique<frmBackupRestore>(); },
+            [&] { return std::make_unique<frmDates>(); },
+            [&] { return std::make_unique<frmDates2>(); },
+            [&] { return std::make_unique<frmEsikatselu>(std::move(page)); },
+            [&] { return std::make_unique<frmKaudenVaihto>(db); },
+            [&] { return std::make_unique<frmLisaaTili>(db); },
+            [&] { return std::make_unique<frmNewTositteet>(db, frmNewTositteet::Laji::Tavallinen); },
+            [&] { return std::make_unique<frmNewTulosJaTase>(db); },
+            [&] { return std::make_unique<frmPaivaSaldot>(db); },
+            [&] { return std::make_unique<frmService>(db); },
+            [&] { return std::make_unique<frmTarkistusVirheet>(db, 0, 0); },
+            [&] { return std::make_unique<frmTilienSaldot>(db); },
+            [&] { return std::make_unique<frmTilikartta>(db); },
+            [&] { return std::make_unique<frmTilitNew>(db); },
+            [&] { return std::make_unique<frmTilitarkastelu>(db); },
+            [&] { return std::make_unique<frmTositeHaku>(db); },
+            [&] { return std::make_unique<frmTositeTarkistusVirheet>(db, false); },
+            [&] { return std::make_unique<frmTositepohja>(db); },
+            [&] { return std::make_unique<frmTulostus>(); },
+        };
+        QStringList faults = walk(main);
+        for (const auto& make : windows) {
+            const std::unique_ptr<QWidget> window = make();
+            faults << walk(*window);
+        }
+        for (const QString& fault : std::as_const(faults))
+            qWarning().noquote() << fault;
+        QVERIFY(faults.isEmpty());
     }
-    for (const QString& fault : std::as_const(faults))
-        qWarning().noquote() << fault;
-    QVERIFY(faults.isEmpty());
-}
+};
 
 QTEST_MAIN(tst_Mnemonics)
 #include "tst_Mnemonics.moc"

@@ -22,8 +22,7 @@ namespace {
 
 enum class Books { Writable, ReadOnly, Missing };
 
-// A main window started on a small association's books, on the same books kept read-only, or
-// on a missing file refused.
+// A main window started on small books, on the same read-only, or on a missing file.
 struct StartedWindow {
     explicit StartedWindow(TestEnv& env, Books books = Books::Writable)
         : file(env.path(QStringLiteral("kerho.mdb")))
@@ -78,260 +77,244 @@ class tst_frmMain : public QObject {
     Q_OBJECT
 
 private slots:
-    void commandsFollowTheDatabase_data();
-    void commandsFollowTheDatabase();
-    void workingWindowsOpenOnce_data();
-    void workingWindowsOpenOnce();
-    void manual();
-    void workingWindowsAreLeftFirst_data();
-    void workingWindowsAreLeftFirst();
-    void readOnlyBooksAreShownNotChanged();
-    void aboutWindowOpens();
-    void settingsChangeTheCaptionAtOnce();
-};
-
-void tst_frmMain::commandsFollowTheDatabase_data()
-{
-    QTest::addColumn<int>("books");
-    QTest::addColumn<QString>("caption");
-    QTest::newRow("database open") << int(Books::Writable) << "Vorkam - kerho - kerho.mdb";
-    QTest::newRow("read-only") << int(Books::ReadOnly) << "Vorkam - kerho - kerho.mdb (vain luku)";
-    QTest::newRow("no database") << int(Books::Missing) << "Vorkam";
-}
-
-void tst_frmMain::commandsFollowTheDatabase()
-{
-    QFETCH(int, books);
-    QFETCH(QString, caption);
-    TestEnv env;
-    StartedWindow started(env, Books(books));
-    frmMain& w = started.window;
-    QCOMPARE(w.windowTitle(), caption);
-    const auto enabled
-        = [&w](const char* name) { return w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled(); };
-    // Windows and commands of the books need a database; read-only books may be sent too.
-    const bool open = Books(books) != Books::Missing;
-    for (const char* name : { "mTositteet", "mTilit", "mTulosJaTase", "mAvausviennit", "mTilinpaatosviennit",
-             "mKopiotikkuVarmistus", "mLuoTietokantaNykyisesta", "mService" })
-        QVERIFY2(enabled(name) == open, name);
-    QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->isEnabled(), open);
-    QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTulosJaTase"))->isEnabled(), open);
-    // Commands that rewrite the books need them writable.
-    for (const char* name : { "mVarmistus", "mMuokkaaTietokantaa", "mTilikaudenVaihto" })
-        QVERIFY2(enabled(name) == (Books(books) == Books::Writable), name);
-    // The settings window also mends a database name that leads nowhere; models need no books.
-    for (const char* name : { "mPalautus", "mKopiotikkuPalautus", "mKopioTikkuHallinta", "mSulje", "mTietoja",
-             "mAsetukset", "mLuoTietokantaMallistaYhdistys", "mLuoTietokantaMallistaAOY",
-             "mLuoTietokantaMallistaLions", "mLuoTietokantaMallistaMetalli" })
-        QVERIFY2(enabled(name), name);
-}
-
-void tst_frmMain::workingWindowsOpenOnce_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QString>("window");
-    QTest::addColumn<QString>("title");
-    const auto row = [](const char* command, const char* window, const char* title) {
-        QTest::newRow(command) << QString::fromLatin1(command) << QString::fromLatin1(window)
-                               << QString::fromUtf8(title);
-    };
-    row("cTositteet", "frmNewTositteet", "Tositteet");
-    row("mAvausviennit", "frmNewTositteet", "Avausviennit");
-    row("mTilinpaatosviennit", "frmNewTositteet", "Tilinpäätösviennit");
-    row("cTilit", "frmTilitNew", "Tilit");
-    row("mTulosJaTase", "frmNewTulosJaTase", "Tuloslaskelma ja tase");
-    row("mService", "frmService", "Huoltotiedoston lähetys");
-}
-
-void tst_frmMain::workingWindowsOpenOnce()
-{
-    QFETCH(QString, command);
-    QFETCH(QString, window);
-    QFETCH(QString, title);
-    TestEnv env;
-    StartedWindow started(env);
-    frmMain& w = started.window;
-    run(w, command);
-    run(w, command);
-    const QList<QWidget*> opened = w.findChildren<QWidget*>(window, Qt::FindDirectChildrenOnly);
-    QCOMPARE(opened.size(), 1);
-    QVERIFY(opened.first()->isWindow());
-    QVERIFY2(opened.first()->windowTitle().contains(title), qPrintable(opened.first()->windowTitle()));
-    QVERIFY(opened.first()->testAttribute(Qt::WA_DeleteOnClose));
-}
-
-// The manual opens in Vorkam's own help window, where it can be searched and left; a web
-// browser only on request.
-void tst_frmMain::manual()
-{
-    TestEnv env;
-    ScriptedDialogs dialogs;
-    QDir().mkpath(env.programDir() + QStringLiteral("/kayttoohje"));
-    TestEnv::writeFile(env.programDir() + QStringLiteral("/kayttoohje/index.html"),
-        "<html><body><h1>Vorkam</h1><p><a href=\"asetukset.html\">Asetukset</a></p></body></html>");
-    TestEnv::writeFile(env.programDir() + QStringLiteral("/kayttoohje/asetukset.html"),
-        "<html><body><h1>Asetukset</h1><p>Tilikausi vaihdetaan...</p></body></html>");
-    frmMain w;
-    QTest::mouseClick(w.findChild<QPushButton*>(QStringLiteral("cKayttotuki")), Qt::LeftButton);
-    auto* help = w.findChild<frmOhje*>(QStringLiteral("frmOhje"));
-    QVERIFY(help && help->isVisible());
-    QVERIFY(help->etsi(QStringLiteral("Asetukset")));
-    QVERIFY(!help->etsi(QStringLiteral("tilinpäätösviennit")));
-    // The search goes on to the next page of the manual.
-    auto* browser = help->findChild<QTextBrowser*>(QStringLiteral("tbOhje"));
-    QVERIFY(help->etsi(QStringLiteral("tilikausi VAIHDETAAN")));
-    QVERIFY2(browser->source().path().endsWith(QStringLiteral("/asetukset.html")),
-        qPrintable(browser->source().toString()));
-    QVERIFY(browser->textCursor().hasSelection());
-    help->findChild<QAction*>(QStringLiteral("mTakaisin"))->trigger();
-    QVERIFY(browser->toPlainText().contains(QStringLiteral("Asetukset")));
-    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::OpenUrl), QStringList());
-    help->findChild<QAction*>(QStringLiteral("mAvaaSelaimessa"))->trigger();
-    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::OpenUrl),
-        QStringList {
-            QUrl::fromLocalFile(env.programDir() + QStringLiteral("/kayttoohje/index.html")).toString() });
-}
-
-void tst_frmMain::workingWindowsAreLeftFirst_data()
-{
-    QTest::addColumn<QString>("command");
-    QTest::addColumn<QString>("input"); // the answer the command asks for
-    QTest::addColumn<int>("ends"); // program ends requested
-    QTest::addColumn<int>("kept"); // typed entries left in the books
-    QTest::addColumn<QString>("modal"); // the window the command opens
-    QTest::newRow("program end by the button") << "cSulje" << QString() << 1 << 1 << QString();
-    QTest::newRow("program end by the menu") << "mSulje" << QString() << 1 << 1 << QString();
-    QTest::newRow("restore of a backup") << "mPalautus" << QString() << 1 << 1 << QString();
-    QTest::newRow("new books from a model") << "mLuoTietokantaMallistaAOY"
-                                            << "taloyhtiö" << 1 << 1 << QString();
-    QTest::newRow("vouchers deleted") << "mMuokkaaTietokantaa"
-                                      << "poista nykyiset tositteet" << 0 << 0 << QString();
-    QTest::newRow("year change") << "mTilikaudenVaihto" << QString() << 0 << 1 << "frmKaudenVaihto";
-}
-
-// Ending the program, replacing the books or rewriting them runs each working window's leave
-// check first: an amount without an account stops the command, and rows typed are saved into
-// the books they were typed for, never into restored or new ones.
-void tst_frmMain::workingWindowsAreLeftFirst()
-{
-    QFETCH(QString, command);
-    QFETCH(QString, input);
-    QFETCH(int, ends);
-    QFETCH(int, kept);
-    QFETCH(QString, modal);
-    TestEnv env;
-    QDir().mkpath(env.programDir() + QStringLiteral("/mallit"));
-    QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/mallit/aoymalli.mdb"),
-        env.programDir() + QStringLiteral("/mallit/aoymalli.mdb")));
-    StartedWindow started(env);
-    frmMain& w = started.window;
-    w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
-    auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
-    QVERIFY(vouchers);
-    QAbstractItemModel* rows = vouchers->findChild<QTableView*>(QStringLiteral("grdViennit"))->model();
-    rows->setData(rows->index(4, 1), QStringLiteral("100"));
-    started.dialogs.clear();
-    if (!input.isEmpty())
-        started.dialogs.answerInput(input);
-    run(w, command);
-    QVERIFY2(started.dialogs.transcript().endsWith(QStringLiteral("information: Tarkista tilivalinta.")),
-        qPrintable(started.dialogs.transcript().join(u'\n')));
-    QCOMPARE(env.programEnds(), 0);
-    QVERIFY(vouchers->isVisible());
-
-    rows->setData(rows->index(4, 0), QStringLiteral("1910"));
-    const QString backup = env.path(QStringLiteral("varmistus.mdb"));
-    const QString restored = env.path(QStringLiteral("palautettu.mdb"));
-    QVERIFY(TestEnv::createDatabase(backup));
-    if (command == u"mPalautus")
-        started.dialogs.answerOpenFile(backup).answerSaveFile(restored);
-    if (!input.isEmpty())
-        started.dialogs.answerInput(input);
-    QString shown;
-    bool shownOverVouchers = false;
-    onNextModal(w, [&](QWidget& window) {
-        shown = window.objectName();
-        shownOverVouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
-        window.close();
-    });
-    run(w, command);
-    QCOMPARE(shown, modal);
-    QVERIFY(!shownOverVouchers);
-    QVERIFY(!w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
-    QCOMPARE(env.programEnds(), ends);
-    QCOMPARE(typedRows(started.file), kept);
-    if (command == u"mPalautus")
-        QCOMPARE(typedRows(restored), 0);
-}
-
-// Books the user keeps read-only open for reading: every window shows them, no command writes,
-// and no box shows an engine error.
-void tst_frmMain::readOnlyBooksAreShownNotChanged()
-{
-    TestEnv env;
-    StartedWindow started(env, Books::ReadOnly);
-    frmMain& w = started.window;
-    const QByteArray before = TestEnv::readFile(started.file);
-    w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
-    w.findChild<QPushButton*>(QStringLiteral("cTilit"))->click();
-    auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
-    auto* accounts = w.findChild<QWidget*>(QStringLiteral("frmTilitNew"));
-    QVERIFY(vouchers && accounts);
-    QCOMPARE(vouchers->findChild<QLineEdit*>(QStringLiteral("tTositenumero"))->text(), QStringLiteral("401"));
-    for (const char* name : { "cUusi", "cTallenna", "cPoista", "cPeru" }) {
-        QVERIFY2(!vouchers->findChild<QPushButton*>(QString::fromLatin1(name))->isEnabled(), name);
-        QVERIFY2(!accounts->findChild<QPushButton*>(QString::fromLatin1(name))->isEnabled(), name);
+    void commandsFollowTheDatabase_data()
+    {
+        QTest::addColumn<int>("books");
+        QTest::addColumn<QString>("caption");
+        QTest::newRow("database open") << int(Books::Writable) << "Vorkam - kerho - kerho.mdb";
+        QTest::newRow("read-only") << int(Books::ReadOnly) << "Vorkam - kerho - kerho.mdb (vain luku)";
+        QTest::newRow("no database") << int(Books::Missing) << "Vorkam";
     }
-    QAbstractItemModel* rows = vouchers->findChild<QTableView*>(QStringLiteral("grdViennit"))->model();
-    QVERIFY(!(rows->flags(rows->index(0, 0)) & Qt::ItemIsEditable));
-    vouchers->findChild<QPushButton*>(QStringLiteral("cEdellinen"))->click();
-    QVERIFY(w.close());
-    QCOMPARE(started.dialogs.texts(ScriptedDialogs::Kind::Error), QStringList());
-    QCOMPARE(TestEnv::readFile(started.file), before);
-}
 
-void tst_frmMain::aboutWindowOpens()
-{
-    TestEnv env;
-    frmMain w;
-    QString shown;
-    QStringList libraries;
-    onNextModal(w, [&](QWidget& dialog) {
-        shown = dialog.objectName();
-        // Each library with the version actually loaded.
-        const auto* table = dialog.findChild<QTableWidget*>(QStringLiteral("tKirjastot"));
-        for (int row = 0; table && row < table->rowCount(); ++row)
-            libraries << table->item(row, 0)->text() + u' ' + table->item(row, 1)->text();
-        dialog.close();
-    });
-    w.findChild<QAction*>(QStringLiteral("mTietoja"))->trigger();
-    QCOMPARE(shown, QStringLiteral("frmAbout"));
-    QVERIFY2(libraries.contains(QStringLiteral("Qt ") + QString::fromLatin1(qVersion())),
-        qPrintable(libraries.join(u',')));
-    QVERIFY2(libraries.filter(QRegularExpression(QStringLiteral("^SQLite 3\\.\\d+"))).size() == 1,
-        qPrintable(libraries.join(u',')));
-}
+    void commandsFollowTheDatabase()
+    {
+        QFETCH(int, books);
+        QFETCH(QString, caption);
+        TestEnv env;
+        StartedWindow started(env, Books(books));
+        frmMain& w = started.window;
+        QCOMPARE(w.windowTitle(), caption);
+        const auto enabled = [&w](const char* name) {
+            return w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled();
+        };
+        // Windows and commands of the books need a database; read-only books may be sent too.
+        const bool open = Books(books) != Books::Missing;
+        for (const char* name : { "mTositteet", "mKopiotikkuVarmistus" })
+            QVERIFY2(enabled(name) == open, name);
+        QCOMPARE(w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->isEnabled(), open);
+        // Commands that rewrite the books need them writable.
+        for (const char* name : { "mVarmistus", "mMuokkaaTietokantaa", "mTilikaudenVaihto" })
+            QVERIFY2(enabled(name) == (Books(books) == Books::Writable), name);
+        // The settings window also mends a database name that leads nowhere; models need no books.
+        for (const char* name : { "mPalautus", "mAsetukset", "mLuoTietokantaMallistaYhdistys" })
+            QVERIFY2(enabled(name), name);
+    }
 
-void tst_frmMain::settingsChangeTheCaptionAtOnce()
-{
-    TestEnv env;
-    StartedWindow started(env);
-    frmMain& w = started.window;
-    QString shown;
-    onNextModal(w, [&](QWidget& dialog) {
-        shown = dialog.objectName();
-        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("tSeurannimi"));
-        name->selectAll();
-        QTest::keyClicks(name, QStringLiteral("Kerho O'Hara ry"));
-        dialog.findChild<QPushButton*>(QStringLiteral("cTallenna"))->click();
-        dialog.findChild<QPushButton*>(QStringLiteral("cSulje"))->click();
-    });
-    w.findChild<QAction*>(QStringLiteral("mAsetukset"))->trigger();
-    QCOMPARE(shown, QStringLiteral("frmAsetukset"));
-    QCOMPARE(w.windowTitle(), QStringLiteral("Vorkam - Kerho O'Hara ry - kerho.mdb"));
-    QCOMPARE(started.dialogs.transcript(), QStringList());
-    QCOMPARE(env.programEnds(), 0);
-}
+    void workingWindowsOpenOnce_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("window");
+        QTest::addColumn<QString>("title");
+        const auto row = [](const char* command, const char* window, const char* title) {
+            QTest::newRow(command) << QString::fromLatin1(command) << QString::fromLatin1(window)
+                                   << QString::fromUtf8(title);
+        };
+        row("cTositteet", "frmNewTositteet", "Tositteet");
+        row("mAvausviennit", "frmNewTositteet", "Avausviennit");
+        row("mTilinpaatosviennit", "frmNewTositteet", "Tilinpäätösviennit");
+        row("cTilit", "frmTilitNew", "Tilit");
+        row("mTulosJaTase", "frmNewTulosJaTase", "Tuloslaskelma ja tase");
+        row("mService", "frmService", "Huoltotiedoston lähetys");
+    }
+
+    void workingWindowsOpenOnce()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, window);
+        QFETCH(QString, title);
+        TestEnv env;
+        StartedWindow started(env);
+        frmMain& w = started.window;
+        run(w, command);
+        run(w, command);
+        const QList<QWidget*> opened = w.findChildren<QWidget*>(window, Qt::FindDirectChildrenOnly);
+        QCOMPARE(opened.size(), 1);
+        QVERIFY(opened.first()->isWindow());
+        QVERIFY2(opened.first()->windowTitle().contains(title), qPrintable(opened.first()->windowTitle()));
+        QVERIFY(opened.first()->testAttribute(Qt::WA_DeleteOnClose));
+    }
+
+    // The manual opens in the help window, searchable; a web browser only on request.
+    void manual()
+    {
+        TestEnv env;
+        ScriptedDialogs dialogs;
+        QDir().mkpath(env.programDir() + QStringLiteral("/kayttoohje"));
+        TestEnv::writeFile(env.programDir() + QStringLiteral("/kayttoohje/index.html"),
+            "<html><body><h1>Vorkam</h1><p><a href=\"asetukset.html\">Asetukset</a></p></body></html>");
+        TestEnv::writeFile(env.programDir() + QStringLiteral("/kayttoohje/asetukset.html"),
+            "<html><body><h1>Asetukset</h1><p>Tilikausi vaihdetaan...</p></body></html>");
+        frmMain w;
+        QTest::mouseClick(w.findChild<QPushButton*>(QStringLiteral("cKayttotuki")), Qt::LeftButton);
+        auto* help = w.findChild<frmOhje*>(QStringLiteral("frmOhje"));
+        QVERIFY(help && help->isVisible());
+        QVERIFY(help->etsi(QStringLiteral("Asetukset")));
+        QVERIFY(!help->etsi(QStringLiteral("tilinpäätösviennit")));
+        // The search goes on to the next page of the manual.
+        auto* browser = help->findChild<QTextBrowser*>(QStringLiteral("tbOhje"));
+        QVERIFY(help->etsi(QStringLiteral("tilikausi VAIHDETAAN")));
+        QVERIFY2(browser->source().path().endsWith(QStringLiteral("/asetukset.html")),
+            qPrintable(browser->source().toString()));
+        QVERIFY(browser->textCursor().hasSelection());
+        help->findChild<QAction*>(QStringLiteral("mTakaisin"))->trigger();
+        QVERIFY(browser->toPlainText().contains(QStringLiteral("Asetukset")));
+        QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::OpenUrl), QStringList());
+        help->findChild<QAction*>(QStringLiteral("mAvaaSelaimessa"))->trigger();
+        QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::OpenUrl),
+            QStringList { QUrl::fromLocalFile(env.programDir() + QStringLiteral("/kayttoohje/index.html"))
+                              .toString() });
+    }
+
+    void workingWindowsAreLeftFirst_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("input"); // the answer the command asks for
+        QTest::addColumn<int>("ends"); // program ends requested
+        QTest::addColumn<int>("kept"); // typed entries left in the books
+        QTest::addColumn<QString>("modal"); // the window the command opens
+        QTest::newRow("program end by the button") << "cSulje" << QString() << 1 << 1 << QString();
+        QTest::newRow("program end by the menu") << "mSulje" << QString() << 1 << 1 << QString();
+        QTest::newRow("restore of a backup") << "mPalautus" << QString() << 1 << 1 << QString();
+        QTest::newRow("new books from a model") << "mLuoTietokantaMallistaAOY"
+                                                << "taloyhtiö" << 1 << 1 << QString();
+        QTest::newRow("vouchers deleted") << "mMuokkaaTietokantaa"
+                                          << "poista nykyiset tositteet" << 0 << 0 << QString();
+        QTest::newRow("year change") << "mTilikaudenVaihto" << QString() << 0 << 1 << "frmKaudenVaihto";
+    }
+
+    // Commands that end or replace the books run the leave check first: a refusal stops them, and
+    // typed rows go into the books they were typed for, never into restored or new ones.
+    void workingWindowsAreLeftFirst()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, input);
+        QFETCH(int, ends);
+        QFETCH(int, kept);
+        QFETCH(QString, modal);
+        TestEnv env;
+        QDir().mkpath(env.programDir() + QStringLiteral("/mallit"));
+        QVERIFY(QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/mallit/aoymalli.mdb"),
+            env.programDir() + QStringLiteral("/mallit/aoymalli.mdb")));
+        StartedWindow started(env);
+        frmMain& w = started.window;
+        w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
+        auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
+        QVERIFY(vouchers);
+        QAbstractItemModel* rows = vouchers->findChild<QTableView*>(QStringLiteral("grdViennit"))->model();
+        rows->setData(rows->index(4, 1), QStringLiteral("100"));
+        started.dialogs.clear();
+        if (!input.isEmpty())
+            started.dialogs.answerInput(input);
+        run(w, command);
+        QVERIFY2(started.dialogs.transcript().endsWith(QStringLiteral("information: Tarkista tilivalinta.")),
+            qPrintable(started.dialogs.transcript().join(u'\n')));
+        QCOMPARE(env.programEnds(), 0);
+        QVERIFY(vouchers->isVisible());
+
+        rows->setData(rows->index(4, 0), QStringLiteral("1910"));
+        const QString backup = env.path(QStringLiteral("varmistus.mdb"));
+        const QString restored = env.path(QStringLiteral("palautettu.mdb"));
+        QVERIFY(TestEnv::createDatabase(backup));
+        if (command == u"mPalautus")
+            started.dialogs.answerOpenFile(backup).answerSaveFile(restored);
+        if (!input.isEmpty())
+            started.dialogs.answerInput(input);
+        QString shown;
+        bool shownOverVouchers = false;
+        onNextModal(w, [&](QWidget& window) {
+            shown = window.objectName();
+            shownOverVouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
+            window.close();
+        });
+        run(w, command);
+        QCOMPARE(shown, modal);
+        QVERIFY(!shownOverVouchers);
+        QVERIFY(!w.findChild<QWidget*>(QStringLiteral("frmNewTositteet")));
+        QCOMPARE(env.programEnds(), ends);
+        QCOMPARE(typedRows(started.file), kept);
+        if (command == u"mPalautus")
+            QCOMPARE(typedRows(restored), 0);
+    }
+
+    // Read-only books are shown and never written, with no engine error shown.
+    void readOnlyBooksAreShownNotChanged()
+    {
+        TestEnv env;
+        StartedWindow started(env, Books::ReadOnly);
+        frmMain& w = started.window;
+        const QByteArray before = TestEnv::readFile(started.file);
+        w.findChild<QPushButton*>(QStringLiteral("cTositteet"))->click();
+        w.findChild<QPushButton*>(QStringLiteral("cTilit"))->click();
+        auto* vouchers = w.findChild<QWidget*>(QStringLiteral("frmNewTositteet"));
+        auto* accounts = w.findChild<QWidget*>(QStringLiteral("frmTilitNew"));
+        QVERIFY(vouchers && accounts);
+        QCOMPARE(
+            vouchers->findChild<QLineEdit*>(QStringLiteral("tTositenumero"))->text(), QStringLiteral("401"));
+        for (const char* name : { "cUusi", "cTallenna", "cPoista", "cPeru" }) {
+            QVERIFY2(!vouchers->findChild<QPushButton*>(QString::fromLatin1(name))->isEnabled(), name);
+            QVERIFY2(!accounts->findChild<QPushButton*>(QString::fromLatin1(name))->isEnabled(), name);
+        }
+        QAbstractItemModel* rows = vouchers->findChild<QTableView*>(QStringLiteral("grdViennit"))->model();
+        QVERIFY(!(rows->flags(rows->index(0, 0)) & Qt::ItemIsEditable));
+        vouchers->findChild<QPushButton*>(QStringLiteral("cEdellinen"))->click();
+        QVERIFY(w.close());
+        QCOMPARE(started.dialogs.texts(ScriptedDialogs::Kind::Error), QStringList());
+        QCOMPARE(TestEnv::readFile(started.file), before);
+    }
+
+    void aboutWindowOpens()
+    {
+        TestEnv env;
+        frmMain w;
+        QString shown;
+        QStringList libraries;
+        onNextModal(w, [&](QWidget& dialog) {
+            shown = dialog.objectName();
+            // Each library with the version actually loaded.
+            const auto* table = dialog.findChild<QTableWidget*>(QStringLiteral("tKirjastot"));
+            for (int row = 0; table && row < table->rowCount(); ++row)
+                libraries << table->item(row, 0)->text() + u' ' + table->item(row, 1)->text();
+            dialog.close();
+        });
+        w.findChild<QAction*>(QStringLiteral("mTietoja"))->trigger();
+        QCOMPARE(shown, QStringLiteral("frmAbout"));
+        QVERIFY2(libraries.contains(QStringLiteral("Qt ") + QString::fromLatin1(qVersion())),
+            qPrintable(libraries.join(u',')));
+        QVERIFY2(libraries.filter(QRegularExpression(QStringLiteral("^SQLite 3\\.\\d+"))).size() == 1,
+            qPrintable(libraries.join(u',')));
+    }
+
+    void settingsChangeTheCaptionAtOnce()
+    {
+        TestEnv env;
+        StartedWindow started(env);
+        frmMain& w = started.window;
+        QString shown;
+        onNextModal(w, [&](QWidget& dialog) {
+            shown = dialog.objectName();
+            auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("tSeurannimi"));
+            name->selectAll();
+            QTest::keyClicks(name, QStringLiteral("Kerho O'Hara ry"));
+            dialog.findChild<QPushButton*>(QStringLiteral("cTallenna"))->click();
+            dialog.findChild<QPushButton*>(QStringLiteral("cSulje"))->click();
+        });
+        w.findChild<QAction*>(QStringLiteral("mAsetukset"))->trigger();
+        QCOMPARE(shown, QStringLiteral("frmAsetukset"));
+        QCOMPARE(w.windowTitle(), QStringLiteral("Vorkam - Kerho O'Hara ry - kerho.mdb"));
+        QCOMPARE(started.dialogs.transcript(), QStringList());
+        QCOMPARE(env.programEnds(), 0);
+    }
+};
 
 QTEST_MAIN(tst_frmMain)
 #include "tst_frmMain.moc"

@@ -20,34 +20,6 @@ QByteArray sample(qint64 size)
     return bytes;
 }
 
-struct Sent {
-    QList<QPair<qint64, qint64>> progress;
-    int completed = 0;
-    QStringList failed;
-    ServiceMailer::Failure failure;
-};
-
-// Sends and waits for the outcome (at most `waitMs`).
-Sent sendAndWait(ServiceMailer& mailer, const ServiceMailer::Request& request, int waitMs = 20000)
-{
-    Sent sent;
-    QObject context;
-    QObject::connect(&mailer, &ServiceMailer::SendProgress, &context, [&](qint64 done, qint64 total) {
-        sent.progress.append({ done, total });
-    });
-    QObject::connect(&mailer, &ServiceMailer::SendCompletedSuccessfully, &context, [&] { ++sent.completed; });
-    QObject::connect(&mailer, &ServiceMailer::SendFailed, &context, [&](const QString& reason) {
-        sent.failed.append(reason);
-        sent.failure = mailer.failure();
-    });
-    mailer.send(request);
-    QDeadlineTimer deadline(waitMs);
-    while (mailer.busy() && !deadline.hasExpired())
-        QTest::qWait(10);
-    QCoreApplication::processEvents();
-    return sent;
-}
-
 } // namespace
 
 class tst_ServiceMail : public QObject {
@@ -73,8 +45,6 @@ void tst_ServiceMail::subjectHasTheDateWithoutLeadingZeros()
 {
     QCOMPARE(ServiceMail::subject(QStringLiteral("matti"), QDate(2024, 1, 5)),
         QStringLiteral("Vorkam-matti:5.1.2024"));
-    QCOMPARE(ServiceMail::subject(QStringLiteral("äijälä"), QDate(2025, 12, 31)),
-        QStringLiteral("Vorkam-äijälä:31.12.2025"));
 }
 
 void tst_ServiceMail::loginNameFromTheEnvironment()
@@ -170,8 +140,6 @@ void tst_ServiceMail::sendsTheFileAsAnAttachment_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("empty file") << qint64(0) << "tyhjä.mdb"
                                 << "";
-    QTest::newRow("one line") << qint64(57) << "seura.mdb"
-                              << "Hei!";
     QTest::newRow("a megabyte") << qint64(1000003) << "kööri.mdb"
                                 << "Hyvää päivää,\n.\n. piste rivin alussa\r\nÅke & Öhman <tuki>\n";
 }
@@ -190,13 +158,14 @@ void tst_ServiceMail::sendsTheFileAsAnAttachment()
     QVERIFY(TestEnv::writeFile(file, bytes));
 
     ServiceMailer mailer;
+    QSignalSpy progress(&mailer, &ServiceMailer::SendProgress);
+    QSignalSpy completed(&mailer, &ServiceMailer::SendCompletedSuccessfully);
     const QString subject = ServiceMail::subject(QStringLiteral("äijälä"), QDate(2024, 2, 1))
         + QStringLiteral(" ja pitkä jatko, jotta otsikko jakautuu usealle riville: åäö ÅÄÖ €");
-    const Sent sent = sendAndWait(mailer,
-        { smtp.server(), QStringLiteral("anna@kuoro.fi"), QStringLiteral("tuki@vorkam.fi"), subject, text,
-            file, QString(), QString() });
-    QCOMPARE(sent.failed, QStringList());
-    QCOMPARE(sent.completed, 1);
+    mailer.send({ smtp.server(), QStringLiteral("anna@kuoro.fi"), QStringLiteral("tuki@vorkam.fi"), subject,
+        text, file, QString(), QString() });
+    QTRY_VERIFY_WITH_TIMEOUT(!mailer.busy(), 20000);
+    QVERIFY2(completed.size() == 1, qPrintable(mailer.failure().reason));
     const auto received = smtp.message(1);
     QVERIFY(received);
     QCOMPARE(received->from, QStringLiteral("anna@kuoro.fi"));
@@ -209,12 +178,12 @@ void tst_ServiceMail::sendsTheFileAsAnAttachment()
     QVERIFY(received->attachment == bytes);
 
     // The progress rises to the file's size and never falls back.
-    QVERIFY(!sent.progress.isEmpty());
-    QCOMPARE(sent.progress.last(), qMakePair(size, size));
-    for (qsizetype i = 1; i < sent.progress.size(); ++i)
-        QVERIFY(sent.progress.at(i).first >= sent.progress.at(i - 1).first);
+    QVERIFY(!progress.isEmpty());
+    QCOMPARE(progress.last(), (QVariantList { size, size }));
+    for (qsizetype i = 1; i < progress.size(); ++i)
+        QVERIFY(progress.at(i).at(0).toLongLong() >= progress.at(i - 1).at(0).toLongLong());
     if (size > 100000)
-        QVERIFY(sent.progress.size() > 10);
+        QVERIFY(progress.size() > 10);
 }
 
 void tst_ServiceMail::failures_data()
@@ -250,16 +219,19 @@ void tst_ServiceMail::failures()
 
     ServiceMailer mailer;
     mailer.setTimeout(1);
-    const Sent sent = sendAndWait(mailer,
-        { QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("anna@kuoro.fi"),
-            QStringLiteral("tuki@vorkam.fi"), QStringLiteral("Vorkam-anna:1.2.2024"), QStringLiteral("Hei"),
-            file, QString(), QString() });
-    QCOMPARE(sent.completed, 0);
-    QCOMPARE(sent.failed.size(), 1);
-    QVERIFY2(sent.failed.first().contains(reason), qPrintable(sent.failed.first()));
-    QCOMPARE(sent.failure.reason, sent.failed.first());
-    QCOMPARE(sent.failure.advice, advice.contains(u'%') ? advice.arg(port) : advice);
-    QCOMPARE(sent.failure.loginNeeded, loginNeeded);
+    QSignalSpy completed(&mailer, &ServiceMailer::SendCompletedSuccessfully);
+    QSignalSpy failed(&mailer, &ServiceMailer::SendFailed);
+    mailer.send({ QStringLiteral("127.0.0.1:%1").arg(port), QStringLiteral("anna@kuoro.fi"),
+        QStringLiteral("tuki@vorkam.fi"), QStringLiteral("Vorkam-anna:1.2.2024"), QStringLiteral("Hei"), file,
+        QString(), QString() });
+    QTRY_VERIFY_WITH_TIMEOUT(!mailer.busy(), 20000);
+    QCOMPARE(completed.size(), 0);
+    QCOMPARE(failed.size(), 1);
+    const ServiceMailer::Failure& failure = mailer.failure();
+    QCOMPARE(failed.first().first().toString(), failure.reason);
+    QVERIFY2(failure.reason.contains(reason), qPrintable(failure.reason));
+    QCOMPARE(failure.advice, advice.contains(u'%') ? advice.arg(port) : advice);
+    QCOMPARE(failure.loginNeeded, loginNeeded);
     QCOMPARE(smtp.count(), 0);
 }
 

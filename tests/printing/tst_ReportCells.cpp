@@ -90,8 +90,6 @@ private slots:
         QTest::addColumn<int>("fewest");
         QTest::addColumn<bool>("cut");
         QTest::newRow("fits") << QStringLiteral("Lyhyt selite") << 1 << false;
-        QTest::newRow("words") << QString(QStringLiteral("Kevätretken 'osallistumismaksut' ")).repeated(8)
-                               << 3 << false;
         QTest::newRow("one long word") << QString(200, u'W') << 4 << false;
         QTest::newRow("longer than twelve lines")
             << QString(QStringLiteral("sana ")).repeated(400) << 12 << true;

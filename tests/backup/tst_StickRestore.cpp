@@ -91,12 +91,12 @@ void tst_StickRestore::restoresOntoTheOpenBooks()
     QCOMPARE(marksIn(s.target), QStringList(QStringLiteral("kopiolla")));
 }
 
-// Which files are sound books is told by the damaged-file corpus; here the refusal's words.
+// Which files are sound books, and that both files keep their bytes, is told by the damaged-file
+// corpus; here the refusal's words.
 void tst_StickRestore::refusesWhatIsNotSoundBooks()
 {
     Setup s;
     s.existingTarget();
-    const QByteArray before = TestEnv::readFile(s.target);
     QVERIFY(TestEnv::writeFile(s.copy, "Kokouksen pöytäkirja\n"));
     ScriptedDialogs dialogs;
     QCOMPARE(StickRestore::restore(s.copy), StickRestore::Outcome::Failed);
@@ -107,7 +107,6 @@ void tst_StickRestore::refusesWhatIsNotSoundBooks()
                  + QStringLiteral(" ei voi palauttaa: se ei ole Vorkamin tietokanta tai se on vioittunut.")),
         qPrintable(errors.first()));
     QVERIFY(errors.first().endsWith(QStringLiteral("Mitään tiedostoa ei ole muutettu.")));
-    QCOMPARE(TestEnv::readFile(s.target), before);
     QCOMPARE(ProgramSettings::installation().Database, s.earlier);
 }
 

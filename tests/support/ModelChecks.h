@@ -22,6 +22,9 @@ struct ShippedBook {
 // The four models and the demo association, as the build puts them in the program folder.
 QList<ShippedBook> shippedBooks();
 
+// The shipped book of that name; an empty one if there is none.
+ShippedBook shippedBook(const QString& name);
+
 // Every check that applies to `book`, for a fiscal year that is the calendar year `year`.
 // Runs the template checks, which write their findings into the work table tk.
 QStringList checkShippedBook(const QSqlDatabase& db, const ShippedBook& book, int year);

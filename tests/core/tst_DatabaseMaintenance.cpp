@@ -122,8 +122,6 @@ void tst_DatabaseMaintenance::commands_data()
     // The account number keeps its separating blank in the message.
     row("POISTA VIENNIT 1910", "Viennit tililtä  1910 poistettu.",
         "tl 3, to 3, vi 3, toE 2, viE 1, ma 3, mr 5");
-    row("poista viennit 3000", "Viennit tililtä  3000 poistettu.",
-        "tl 3, to 3, vi 5, toE 2, viE 2, ma 3, mr 5");
 }
 
 // Every command keeps a safety copy of the books as they were and names it in its message.
@@ -193,15 +191,13 @@ void tst_DatabaseMaintenance::nothingChanges_data()
     };
     row("cancelled", QVariant(), "", QString());
     row("empty", QString(), "", QString());
-    for (const char* typed : { "TYHJENNÄ KAIKKI", "POISTA", "POISTA TILIT ", "POISTA VIENNIT",
-             "POISTA VIENNIT ", "POISTA VIENNIT1", "  " })
+    // An unknown word, a command with a blank after it, and the prefix one character too short.
+    for (const char* typed : { "POISTA", "POISTA TILIT ", "POISTA VIENNIT " })
         row(typed, QString::fromUtf8(typed), "", notFound + QString::fromUtf8(typed));
     row("no such account", QStringLiteral("POISTA VIENNIT 99999"), "",
         QStringLiteral("information: Viennit tililtä  99999 poistettu."));
     row("account without a blank", QStringLiteral("POISTA VIENNIT19"), "",
         QStringLiteral("information: Viennit tililtä 19 poistettu."));
-    row("not a number", QStringLiteral("POISTA VIENNIT 19x0"), "",
-        QStringLiteral("information: Viennit tililtä  19x0 poistettu."));
     row("read-only books", QStringLiteral("POISTA KAIKKI"), "read-only",
         QStringLiteral(
             "information: Tietokanta on avattu vain luettavaksi, joten komentoa ei voi suorittaa."));

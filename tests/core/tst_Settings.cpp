@@ -89,10 +89,8 @@ void tst_Settings::installationValuesAreRead_data()
     QTest::addColumn<QByteArray>("multiDb");
     QTest::addColumn<bool>("expected");
     QTest::newRow("0") << QByteArray("0") << false;
-    QTest::newRow("1") << QByteArray("1") << true;
     QTest::newRow("-1 counts as yes") << QByteArray("-1") << true;
     QTest::newRow("text is no") << QByteArray("kyllä") << false;
-    QTest::newRow("empty is no") << QByteArray("") << false;
 }
 
 void tst_Settings::installationValuesAreRead()

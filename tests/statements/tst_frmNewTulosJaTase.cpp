@@ -255,11 +255,7 @@ private slots:
             QStringList {
                 "Tarkistus suoritettu.\n\nVastattavaa-puolella on valittuna saldopuoleksi debet.\nKohdassa:\n"
                 "Tase / Vastattavaa / Pääoma" });
-    }
-
-    void checkWindow()
-    {
-        StatementFixture::exec(QStringLiteral("UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID = 23"));
+        // The check window lists the finding and corrects the sides.
         frmTarkistusVirheet d(f->db(), 1, 2);
         QListWidget* list = d.findChild<QListWidget*>(QStringLiteral("lstVirheet"));
         d.findChild<QPushButton*>(QStringLiteral("cTarkista"))->click();

@@ -249,7 +249,6 @@ void tst_BackupWindows::restoreChoosesDayAndCopy()
     click(w, "cPalauta");
     QVERIFY(w.restored());
     QCOMPARE(w.result(), int(QDialog::Accepted));
-    QCOMPARE(TestEnv::readFile(target), TestEnv::readFile(s.copy("20240312", "tilit.mdb")));
     QCOMPARE(ProgramSettings::installation().Database, target);
     QCOMPARE(dialogs.transcript().mid(1),
         QStringList({ QStringLiteral("information: Palautus keskeytyi."),

@@ -162,12 +162,11 @@ private slots:
         const QString books = env.path(QStringLiteral("demo1.mdb"));
         QVERIFY(ReportCommand::copyBuilt(QStringLiteral("demo1.mdb"), books));
         const auto journal = rows(env, books, { "paivakirja" });
-        QVERIFY(!journal.isEmpty());
         QStringList journalTotal;
         for (const QStringList& row : journal)
             if (row.first() == u"Yhteensä")
                 journalTotal = row;
-        QCOMPARE(journal.first(),
+        QCOMPARE(journal.value(0),
             (QStringList { "Tosite", "Päivä", "Tilinumero", "Tili / selite", "Debet", "Kredit" }));
         QCOMPARE(journalTotal.size(), 6);
         // The summary's labels stand apart from their numbers.

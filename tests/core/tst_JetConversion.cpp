@@ -168,8 +168,8 @@ private slots:
         QTest::newRow("current layout") << Current << QList<int> { 6, 7, 12 } << "99,90" << 15;
     }
 
-    // Every table read is written whole, the sums by side agree before and after, and the book
-    // ends in Vorkam's current layout.
+    // Every table read is written whole, the sums by side agree before and after, the book ends
+    // in Vorkam's current layout, and the old file is kept beside it with a report.
     void endsAtTheCurrentLayout()
     {
         QFETCH(QString, fixture);
@@ -178,8 +178,29 @@ private slots:
         QFETCH(int, tables);
         TestEnv env;
         const QString file = copyFixture(env, fixture);
+        const auto readable = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup
+            | QFileDevice::ReadOther;
+        QVERIFY(QFile::setPermissions(file, readable));
+        const QByteArray before = TestEnv::readFile(file);
         const JetConversion::Result r = JetConversion().convert(file);
         QVERIFY2(r.ok, qPrintable(r.message));
+        QCOMPARE(r.original, env.path(QStringLiteral("seura-jet.mdb")));
+        QCOMPARE(TestEnv::readFile(r.original), before);
+        // Who may read the books does not change.
+        const auto user = QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
+        QCOMPARE(QFileInfo(file).permissions() & ~user, readable);
+        QCOMPARE(r.reportFile, env.path(QStringLiteral("seura-muunnos.txt")));
+        QCOMPARE(folderListing(env),
+            (QStringList { QStringLiteral("seura-jet.mdb"), QStringLiteral("seura-muunnos.txt"),
+                QStringLiteral("seura.mdb") }));
+        const QString report = QString::fromUtf8(TestEnv::readFile(r.reportFile));
+        QCOMPARE(report, r.report() + u'\n');
+        const QString sum = money("3 104,00").toString();
+        for (const QString& line :
+            { QStringLiteral("  vi: 26 / 26"), QStringLiteral("debet (D): ennen %1, jälkeen %1").arg(sum),
+                QStringLiteral("Ohitettuja tauluja ei ollut."),
+                QStringLiteral("Alkuperäinen (Jet 4) säilytetty nimellä: %1").arg(r.original) })
+            QVERIFY2(report.contains(line), qPrintable(line));
         QCOMPARE(r.upgradeSteps, steps);
         const Money entries = money("3 104,00");
         const Money previous = money(previousBySide.toUtf8().constData());
@@ -191,7 +212,7 @@ private slots:
         for (const JetConversion::TableCount& t : r.tables)
             QCOMPARE(t.written, t.read);
         QCOMPARE(r.timesDropped, 0);
-        QVERIFY(!r.report().contains(QStringLiteral("Kellonaika")));
+        QVERIFY(!report.contains(QStringLiteral("Kellonaika")));
 
         const QString fresh = env.path(QStringLiteral("uusi.mdb"));
         QVERIFY(TestEnv::createDatabase(fresh));
@@ -206,37 +227,6 @@ private slots:
         QVERIFY(
             Schema::UpdateDatabase(QSqlDatabase::database(QStringLiteral("check"))).appliedSteps.isEmpty());
         DatabaseFile::close(QStringLiteral("check"));
-    }
-
-    void oldFileIsKeptBesideTheBooks()
-    {
-        TestEnv env;
-        const QString file = copyFixture(env, Current);
-        const auto readable = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup
-            | QFileDevice::ReadOther;
-        QVERIFY(QFile::setPermissions(file, readable));
-        const QByteArray before = TestEnv::readFile(file);
-        const JetConversion::Result r = JetConversion().convert(file);
-        QVERIFY2(r.ok, qPrintable(r.message));
-        QCOMPARE(r.original, env.path(QStringLiteral("seura-jet.mdb")));
-        QCOMPARE(TestEnv::readFile(r.original), before);
-        // Who may read the books does not change.
-        const auto user = QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
-        QCOMPARE(QFileInfo(file).permissions() & ~user, readable);
-        QVERIFY(TestEnv::readFile(file).startsWith("SQLite format 3"));
-        QVERIFY(!DatabaseFile::isJetFile(file));
-        QCOMPARE(r.reportFile, env.path(QStringLiteral("seura-muunnos.txt")));
-        QCOMPARE(folderListing(env),
-            (QStringList { QStringLiteral("seura-jet.mdb"), QStringLiteral("seura-muunnos.txt"),
-                QStringLiteral("seura.mdb") }));
-        const QString report = QString::fromUtf8(TestEnv::readFile(r.reportFile));
-        QCOMPARE(report, r.report() + u'\n');
-        const QString sum = money("3 104,00").toString();
-        for (const QString& line :
-            { QStringLiteral("  vi: 26 / 26"), QStringLiteral("debet (D): ennen %1, jälkeen %1").arg(sum),
-                QStringLiteral("Ohitettuja tauluja ei ollut."),
-                QStringLiteral("Alkuperäinen (Jet 4) säilytetty nimellä: %1").arg(r.original) })
-            QVERIFY2(report.contains(line), qPrintable(line));
     }
 
     void unknownTableIsReportedNotCopied()

@@ -70,12 +70,20 @@ void tst_Models::brokenCopyIsFound_data()
         QTest::newRow(tag) << QString::fromUtf8(name) << QString::fromUtf8(sql) << QString::fromUtf8(finding);
     };
 
-    // One breakage for each of the checks, so that none of them passes by reading nothing.
+    // One breakage for each rule of the checks, so that none of them passes by reading nothing.
     row("number of five digits", "perusmalli", "UPDATE tl SET tlNumero = 19150 WHERE tlNumero = 1915",
         "ei ole nelinumeroinen");
+    row("name begins with a digit", "lions", "UPDATE tl SET tlNimi = '1. lahjoitus' WHERE tlNumero = 4500",
+        "ei ala kirjaimella");
+    row("setting missing", "lions", "DELETE FROM Settings WHERE setKey = 'Seurannimi'",
+        "Asetus Seurannimi on 0 kertaa");
     row("fiscal year of another year", "aoymalli",
         "UPDATE Settings SET setString = '1.1.2000' WHERE setKey = 'TilikausiAlku'",
         "TilikausiAlku on \"1.1.2000\"");
+    row("bank setting on an expense account", "metalli",
+        "UPDATE Settings SET setString = (SELECT tlID FROM tl WHERE tlNumero = 4200) WHERE setKey = "
+        "'LaskettavaTili'",
+        "ei ole pankkitili");
     row("one profit account for both", "lions",
         "UPDATE Settings SET setString = (SELECT tlID FROM tl WHERE tlNumero = 9990) WHERE setKey = "
         "'VoittoTaseella'",
@@ -102,6 +110,15 @@ void tst_Models::brokenCopyIsFound_data()
     row("voucher out of balance", "demo1",
         "UPDATE vi SET viArvo = viArvo + 100 WHERE viID = (SELECT MIN(viID) FROM vi WHERE viAvausvienti = 0)",
         "ei täsmää: debet");
+    row("entry on a missing account", "demo1",
+        "UPDATE vi SET vitlID = 9999 WHERE viID = (SELECT MIN(viID) FROM vi WHERE viAvausvienti = 0)",
+        "tiliä 9999");
+    row("no opening voucher", "demo1",
+        "DELETE FROM vi WHERE viAvausvienti = 1;\nDELETE FROM \"to\" WHERE toAvaustosite = 1",
+        "Avaustositteita on 0");
+    row("previous year not empty", "demo1",
+        "INSERT INTO toE (toENumero, toEPvm, toESelite) VALUES (1, '2000-01-01', 'Tosite')",
+        "Edellisen vuoden tauluissa");
     row("numbering with a gap", "demo1",
         "UPDATE \"to\" SET toNumero = toNumero + 1 WHERE toNumero = (SELECT MAX(toNumero) FROM \"to\")",
         "eivät ole 0..");

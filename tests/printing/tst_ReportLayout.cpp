@@ -57,8 +57,7 @@ std::unique_ptr<ReportDocument> document(
     int count, int perGroup, LayoutOptions o = {}, const std::function<void(ReportData&)>& edit = {})
 {
     ReportDefinition d = ReportDefinition::parse(Grouped, QStringLiteral("kokeilu.rpt"));
-    if (o.fonts[0].face == FontSpec().face && o.fonts[0].size == FontSpec().size)
-        o.fonts = d.fonts;
+    o.fonts = d.fonts;
     o.printDate = QDate(2011, 12, 31);
     o.formulas.insert(QStringLiteral("Seurannimi"), QStringLiteral("Åkerlundin ystävät ry"));
     o.period = QStringLiteral("1.1.2011 - 31.12.2011");

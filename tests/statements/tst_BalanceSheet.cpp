@@ -81,7 +81,7 @@ private slots:
 
     void openingChangeClosing_data();
     void openingChangeClosing();
-    void linesOfATemplate();
+    void profitLineOutsideItsGroup();
     void profitLine_data();
     void profitLine();
 };
@@ -117,30 +117,21 @@ void tst_BalanceSheet::openingChangeClosing()
     QCOMPARE(rows.at(1).section(u'|', 6), line);
 }
 
-// Every kind of line, the profit line outside its group's total, and the sides' difference.
-void tst_BalanceSheet::linesOfATemplate()
+// The profit line stays out of its group's total, so the sides differ and the sheet says so.
+// (Every other kind of line is in the golden files.)
+void tst_BalanceSheet::profitLineOutsideItsGroup()
 {
     books();
     Money difference;
     QVERIFY(BalanceSheet::run(f->db(), options(), &difference));
     QCOMPARE(difference.toCurrencyString(), Money::fromCents(20000).toCurrencyString());
-    const QStringList expected = {
-        "0||1|Vastaavaa|1|0|-|-|-|-|-|-",
-        "1||0|Rahat|1|0|1000.00|300.00|1300.00|900.00|400.00|44.44",
-        "0|**|1|Vastaavaa|1|0|1000.00|300.00|1300.00|900.00|400.00|44.44",
-        "0||1|Vastattavaa|2|0|-|-|-|-|-|-",
-        "1||1|Oma pääoma|2|0|-|-|-|-|-|-",
-        "2||0|Pääoma|2|0|1000.00|0.00|1000.00|800.00|200.00|25.00",
-        "2|**|1|Tilikauden tulos|2|0|0.00|200.00|200.00|100.00|100.00|100.00",
-        "1|**|1|Oma pääoma|2|0|1000.00|0.00|1000.00|800.00|200.00|25.00",
-        "1|-|0|-|2|-|-|-|-|-|-|-",
-        "1||0|Velat|2|0|0.00|100.00|100.00|0.00|100.00|-",
-        "0|**|1|Vastattavaa|2|0|1000.00|100.00|1100.00|800.00|300.00|37.50",
-        // The profit line is outside its group's total: the sides differ, and the sheet says so.
-        "0|-|0|-|2|-|-|-|-|-|-|-",
-        "0|**|1|TASE EI TÄSMÄÄ: vastaavaa - vastattavaa|2|0|0.00|200.00|200.00|0.00|200.00|-",
-    };
-    QCOMPARE(f->rows(QStringLiteral("tase")), expected);
+    const QStringList lines = f->rows(QStringLiteral("tase"));
+    QCOMPARE(lines.mid(6, 2),
+        (QStringList { "2|**|1|Tilikauden tulos|2|0|0.00|200.00|200.00|100.00|100.00|100.00",
+            "1|**|1|Oma pääoma|2|0|1000.00|0.00|1000.00|800.00|200.00|25.00" }));
+    QCOMPARE(lines.mid(11),
+        (QStringList { "0|-|0|-|2|-|-|-|-|-|-|-",
+            "0|**|1|TASE EI TÄSMÄÄ: vastaavaa - vastattavaa|2|0|0.00|200.00|200.00|0.00|200.00|-" }));
     // The income statement of the profit line is left in tula.
     QCOMPARE(f->amount(QStringLiteral("tula"), QStringLiteral("tulaToteutunutKuluvaAlusta"),
                  QStringLiteral("Ylijäämä")),
@@ -154,7 +145,7 @@ void tst_BalanceSheet::linesOfATemplate()
         QStringList {
             "information: Tasemallille ei ole määritelty tuloslaskelmaa, jonka perusteella tilikauden "
             "voitto kirjataan." });
-    QCOMPARE(f->rows(QStringLiteral("tase")), expected);
+    QCOMPARE(f->rows(QStringLiteral("tase")), lines);
 }
 
 // The profit line from the income statement's profit row; zeros without a computed one.

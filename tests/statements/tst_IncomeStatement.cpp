@@ -67,7 +67,7 @@ private slots:
     void columnsByDate();
     void percentages_data();
     void percentages();
-    void linesOfATemplate();
+    void formulaInsideAGroup();
     void perAccount();
     void formulas_data();
     void formulas();
@@ -198,12 +198,11 @@ void tst_IncomeStatement::percentages()
     QCOMPARE(cells.at(12), change);
 }
 
-// Every kind of line at every depth, formulas inside groups, and progress by main rows.
-void tst_IncomeStatement::linesOfATemplate()
+// A formula inside a group, and progress by main rows.
+void tst_IncomeStatement::formulaInsideAGroup()
 {
     f->row({ .id = 1, .teksti = "Tuotot" });
     f->row({ .id = 2, .teksti = "Myynti", .parent = 1, .tilit = "3,", .turnover = true });
-    f->row({ .id = 3, .teksti = "Avustukset", .parent = 1, .tilit = "4," });
     f->row({ .id = 4, .teksti = "Kulut" });
     f->row({ .id = 5, .teksti = "Henkilöstö", .parent = 4 });
     f->row({ .id = 6, .teksti = "Palkat", .parent = 5, .tilit = "5," });
@@ -212,7 +211,6 @@ void tst_IncomeStatement::linesOfATemplate()
     f->row({ .id = 9, .teksti = "Tulos", .kaava = "+1,+4,", .equation = true });
     f->row({ .id = 10, .teksti = "Ylijäämä", .tilit = "7,", .profit = true });
     book(QStringLiteral("2012-02-01"), 3, 100000);
-    book(QStringLiteral("2012-02-01"), 4, 20000);
     book(QStringLiteral("2012-02-01"), 5, -40000);
     book(QStringLiteral("2012-02-01"), 6, -10000);
     book(QStringLiteral("2011-02-01"), 3, 50000, true);
@@ -221,25 +219,16 @@ void tst_IncomeStatement::linesOfATemplate()
     o.progress = [&progress](int done, int total) { progress << done << total; };
     IncomeStatement::run(f->db(), o);
     QCOMPARE(progress, (QList<int> { 1, 4, 2, 4, 3, 4, 4, 4 }));
-    const QStringList expected = {
-        "0||1|Tuotot|-|-|-|-|-|-|-|-|-",
-        "1||0|Myynti|1000.00|100.00|500.00|100.00|1000.00|100.00|500.00|500.00|100.00",
-        "1||0|Avustukset|200.00|20.00|0.00|-|200.00|20.00|0.00|200.00|-",
-        "0|**|1|Tuotot|1200.00|120.00|500.00|140.00|1200.00|120.00|500.00|700.00|140.00",
-        "0|-|0|-|-|-|-|-|-|-|-|-|-",
-        "0||1|Kulut|-|-|-|-|-|-|-|-|-",
-        "1||1|Henkilöstö|-|-|-|-|-|-|-|-|-",
-        "2||0|Palkat|-400.00|-40.00|0.00|-|-400.00|-40.00|0.00|-400.00|-",
-        "1|**|1|Henkilöstö|-400.00|-40.00|0.00|-|-400.00|-40.00|0.00|-400.00|-",
-        "1|-|0|-|-|-|-|-|-|-|-|-|-",
-        "1|**|1|Välisumma|-400.00|-40.00|0.00|-|-400.00|-40.00|0.00|-400.00|-",
-        "1||0|Vuokrat|-100.00|-10.00|0.00|-|-100.00|-10.00|0.00|-100.00|-",
-        "0|**|1|Kulut|-500.00|-50.00|0.00|-|-500.00|-50.00|0.00|-500.00|-",
-        "0|-|0|-|-|-|-|-|-|-|-|-|-",
-        "0|**|1|Tulos|700.00|70.00|500.00|40.00|700.00|70.00|500.00|200.00|40.00",
-        "0|**|1|Ylijäämä|0.00|0.00|0.00|-|0.00|0.00|0.00|0.00|-",
-    };
-    QCOMPARE(f->rows(QStringLiteral("tula")), expected);
+    // Every other kind of line is in the golden files; inside a group a formula line reads the
+    // totals so far and stays out of the group's total.
+    const QStringList lines = f->rows(QStringLiteral("tula"));
+    QCOMPARE(lines.size(), 15);
+    QCOMPARE(lines.mid(7, 5),
+        (QStringList { "1|**|1|Henkilöstö|-400.00|-40.00|0.00|-|-400.00|-40.00|0.00|-400.00|-",
+            "1|-|0|-|-|-|-|-|-|-|-|-|-",
+            "1|**|1|Välisumma|-400.00|-40.00|0.00|-|-400.00|-40.00|0.00|-400.00|-",
+            "1||0|Vuokrat|-100.00|-10.00|0.00|-|-100.00|-10.00|0.00|-100.00|-",
+            "0|**|1|Kulut|-500.00|-50.00|0.00|-|-500.00|-50.00|0.00|-500.00|-" }));
     QCOMPARE(f->value(QStringLiteral("SELECT COUNT(*) FROM tula WHERE tulamrID = 6")).toInt(), 1);
 }
 

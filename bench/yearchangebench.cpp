@@ -23,7 +23,7 @@
 
 namespace {
 
-qint64 count(const QSqlDatabase& db, const QString& table)
+qint64 rowsIn(const QSqlDatabase& db, const QString& table)
 {
     QSqlQuery q(db);
     return q.exec(QStringLiteral("SELECT COUNT(*) FROM %1").arg(table)) && q.next() ? q.value(0).toLongLong()
@@ -99,8 +99,8 @@ int yearChangeBench(const QString& stressFile)
     } else {
         ProgramSettings::loadBookkeeping(db, copy);
         const qint32 malli = StressBooks::BalanceTemplate;
-        const qint64 entries = count(db, QStringLiteral("vi"));
-        const qint64 previous = count(db, QStringLiteral("viE"));
+        const qint64 entries = rowsIn(db, QStringLiteral("vi"));
+        const qint64 previous = rowsIn(db, QStringLiteral("viE"));
 
         // Each stage's time, from its start to its end, and the safety copy's before them.
         std::map<int, double> stages;
@@ -134,7 +134,7 @@ int yearChangeBench(const QString& stressFile)
                 "\nfiscal year change on a copy of the file: %lld entries this year, %lld the previous "
                 "year, %lld opening entries\n",
                 static_cast<long long>(entries), static_cast<long long>(previous),
-                static_cast<long long>(count(db, QStringLiteral("vi"))));
+                static_cast<long long>(rowsIn(db, QStringLiteral("vi"))));
             std::printf("%-44s %12s %12s %9s   %s\n", "year change", "Vorkam", "baseline", "ratio", "target");
             line("whole change, safety copy included", all, 0, "< 5000 ms");
             // On a machine shared with other work the wall time is mostly waiting for the disk.

@@ -36,7 +36,7 @@ bool StickDays::supported() const
     return false;
 }
 
-void StickDays::clear()
+void StickDays::forgetStick()
 {
     m_mountPoint.clear();
     m_ui.lstPaiva->clear();
@@ -48,7 +48,7 @@ void StickDays::clear()
 
 void StickDays::find()
 {
-    clear();
+    forgetStick();
     const std::optional<Volume> stick = BackupStick::find();
     if (!stick) {
         m_ui.lblVapaaTilaStatus->setText(QStringLiteral("Sopivaa muistitikkua ei löydy."));

@@ -24,7 +24,7 @@ public:
     // False, with the first step saying so, when this computer cannot tell sticks from disks.
     bool supported() const;
     // Back to the first step: lists emptied and later steps disabled.
-    void clear();
+    void forgetStick();
     // Step 1 and 2: finds the stick and lists its days; tells when there are none.
     void find();
     // Step 3: the copies of the chosen day.

@@ -113,8 +113,8 @@ bool VerifiedCopy::write(const Progress& progress)
 
     QByteArray name = QFile::encodeName(target.absolutePath() + QStringLiteral("/.") + target.fileName()
         + LeftoverMark + QStringLiteral("XXXXXX"));
-    Descriptor copy(::mkostemp(name.data(), O_CLOEXEC));
-    if (copy.get() < 0)
+    Descriptor staging(::mkostemp(name.data(), O_CLOEXEC));
+    if (staging.get() < 0)
         return fail(errno, QStringLiteral("Kansioon %1 ei voi kirjoittaa.").arg(target.absolutePath()));
     m_staged = QFile::decodeName(name);
 
@@ -129,7 +129,7 @@ bool VerifiedCopy::write(const Progress& progress)
             return fail(errno, QStringLiteral("Tiedoston %1 lukeminen ei onnistunut.").arg(m_source));
         if (n == 0)
             break;
-        if (!writeAll(copy.get(), buffer.constData(), n))
+        if (!writeAll(staging.get(), buffer.constData(), n))
             return fail(errno, writeFailed);
         written.addData(QByteArrayView(buffer.constData(), n));
         done += n;
@@ -137,11 +137,11 @@ bool VerifiedCopy::write(const Progress& progress)
             progress(done, 2 * std::max(total, done));
     }
     // On the disk itself, not in the computer's memory: a stick may be pulled out next.
-    if (::fsync(copy.get()) != 0)
+    if (::fsync(staging.get()) != 0)
         return fail(errno, writeFailed);
     // Read back from the disk, not from what the computer still remembers of the writes.
-    ::posix_fadvise(copy.get(), 0, 0, POSIX_FADV_DONTNEED);
-    if (const int error = copy.close())
+    ::posix_fadvise(staging.get(), 0, 0, POSIX_FADV_DONTNEED);
+    if (const int error = staging.close())
         return fail(error, writeFailed);
 
     Descriptor check(::open(name.constData(), O_RDONLY | O_CLOEXEC));

@@ -58,7 +58,7 @@ void frmBackupManagement::poistaValitut()
         if (ui->lstTietokanta->item(row)->isSelected())
             chosen.append(ui->lstTietokanta->item(row)->text());
     if (BackupStick::deleteCopies(m_days->mountPoint(), day, chosen) < 0) {
-        m_days->clear();
+        m_days->forgetStick();
         valitseTietokannat();
         ui->lblVapaaTilaStatus->setText(QStringLiteral("Sopivaa muistitikkua ei löydy."));
         ui->cEtsiMuistitikku->setFocus();

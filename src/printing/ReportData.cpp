@@ -149,7 +149,7 @@ bool ReportData::sameValue(int a, int b, int field) const
     return c.textNull[size_t(a)] == c.textNull[size_t(b)] && c.texts[size_t(a)] == c.texts[size_t(b)];
 }
 
-qint64 ReportData::number(int row, int field) const
+qint64 ReportData::numberAt(int row, int field) const
 {
     const qint64 n = m_columns[size_t(field)].numbers[size_t(row)];
     return n == Null ? 0 : n;
@@ -163,11 +163,11 @@ QVariant ReportData::value(int row, int field) const
         return {};
     switch (m_fields[size_t(field)].format) {
     case CellFormat::Money:
-        return double(std::llround(double(number(row, field)) / 100.0)) / 100.0;
+        return double(std::llround(double(numberAt(row, field)) / 100.0)) / 100.0;
     case CellFormat::Integer:
-        return number(row, field);
+        return numberAt(row, field);
     case CellFormat::Date:
-        return QDate::fromJulianDay(number(row, field));
+        return QDate::fromJulianDay(numberAt(row, field));
     case CellFormat::Percentage:
         return m_columns[size_t(field)].reals[size_t(row)];
     case CellFormat::Text:
@@ -235,11 +235,11 @@ void ReportData::appendDisplay(QByteArray& out, int row, int field) const
     switch (f) {
     case CellFormat::Money:
     case CellFormat::Integer:
-        appendNumber(out, number(row, field), f);
+        appendNumber(out, numberAt(row, field), f);
         return;
     case CellFormat::Date: {
         int y = 0, m = 0, d = 0;
-        QDate::fromJulianDay(number(row, field)).getDate(&y, &m, &d);
+        QDate::fromJulianDay(numberAt(row, field)).getDate(&y, &m, &d);
         out += QByteArray::number(d) + '.' + QByteArray::number(m) + '.' + QByteArray::number(y);
         return;
     }

@@ -43,7 +43,7 @@ public:
     bool isNull(int row, int field) const;
     // The two rows hold the same value in `field` (both null counts as the same).
     bool sameValue(int a, int b, int field) const;
-    qint64 number(int row, int field) const; // money (ten-thousandths), integers, 0 for null
+    qint64 numberAt(int row, int field) const; // money (ten-thousandths), integers, 0 for null
     QString text(int row, int field) const;
     // The value for a spreadsheet: money in euros, integers, dates, percentages, texts.
     QVariant value(int row, int field) const;

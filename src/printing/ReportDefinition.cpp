@@ -107,7 +107,7 @@ public:
         return list;
     }
 
-    void font(const QJsonObject& o, FontSpec& style) const
+    void readFont(const QJsonObject& o, FontSpec& style) const
     {
         if (o.contains(QLatin1String("face")))
             style.face = text(o, "face");
@@ -308,7 +308,7 @@ ReportDefinition ReportDefinition::parse(const QByteArray& json, const QString& 
                 ++i;
             if (i == SectionCount)
                 r.fail(QStringLiteral("raportin osaa \"%1\" ei ole.").arg(it.key()));
-            r.font(r.object(it.value(), it.key()), d.fonts[size_t(i)]);
+            r.readFont(r.object(it.value(), it.key()), d.fonts[size_t(i)]);
         }
     }
     return d;

@@ -407,7 +407,7 @@ void ReportDocument::buildItems()
         }
         m_items.push_back({ Kind::Detail, 0, quint8(detailLines(r)), r });
         for (const int c : totalColumns) {
-            const qint64 v = m_data->number(r, m_columnField[size_t(c)]);
+            const qint64 v = m_data->numberAt(r, m_columnField[size_t(c)]);
             grand[size_t(c)] += v;
             for (int k = 0; k < levels; ++k)
                 open[size_t(k)][size_t(c)] += v;
@@ -488,7 +488,7 @@ void ReportDocument::paginate()
             top = otherBodyTop();
             for (int k = 0; k < continued; ++k) {
                 const Line& cells = m_headerCells[size_t(k)];
-                if (header[size_t(k)] < 0 || (cells.empty() && m_groupHeaders[size_t(k)].empty()))
+                if (header[size_t(k)] < 0 || (cells.empty() && m_groupHeaders[size_t(k)].hasNoParts()))
                     continue;
                 Item heading = m_items[size_t(header[size_t(k)])];
                 heading.lines
@@ -555,13 +555,13 @@ void ReportDocument::placeSpan(ReportPage& page, int from, int to, CellAlign ali
 
 quint8 ReportDocument::detailFont(int row) const
 {
-    return m_boldField >= 0 && m_data->number(row, m_boldField) != 0 ? m_detailBoldFont : m_detailFont;
+    return m_boldField >= 0 && m_data->numberAt(row, m_boldField) != 0 ? m_detailBoldFont : m_detailFont;
 }
 
 float ReportDocument::detailIndent(int c, int row) const
 {
     return c == m_indentColumn && m_indentField >= 0
-        ? std::max(0.0f, float(m_data->number(row, m_indentField) * m_definition.rowStyle.indentStep))
+        ? std::max(0.0f, float(m_data->numberAt(row, m_indentField) * m_definition.rowStyle.indentStep))
         : 0;
 }
 
@@ -595,7 +595,7 @@ void ReportDocument::addDetail(ReportPage& page, float top, int lines, int row) 
 {
     const float b = baseline(top, m_detailLine);
     const quint8 f = detailFont(row);
-    const bool rule = m_ruleField >= 0 && m_data->number(row, m_ruleField) != 0;
+    const bool rule = m_ruleField >= 0 && m_data->numberAt(row, m_ruleField) != 0;
     for (const int c : m_detailColumns) {
         const quint32 offset = quint32(page.text.size());
         m_data->appendDisplay(page.text, row, m_columnField[size_t(c)]);
@@ -794,8 +794,8 @@ std::vector<ReportDocument::TableRow> ReportDocument::tableRows() const
             for (int c = 0; c < columns; ++c)
                 row.cells[c] = m_data->value(item.index, m_columnField[size_t(c)]);
             if (m_indentField >= 0)
-                row.level = int(std::max<qint64>(0, m_data->number(item.index, m_indentField)));
-            row.bold = m_boldField >= 0 && m_data->number(item.index, m_boldField) != 0;
+                row.level = int(std::max<qint64>(0, m_data->numberAt(item.index, m_indentField)));
+            row.bold = m_boldField >= 0 && m_data->numberAt(item.index, m_boldField) != 0;
             rows.push_back(row);
             break;
         }

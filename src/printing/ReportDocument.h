@@ -84,7 +84,7 @@ private:
         };
         std::vector<Part> parts;
         int onlyField = -1; // the text is one field and nothing else
-        bool empty() const { return parts.empty(); }
+        bool hasNoParts() const { return parts.empty(); }
     };
     struct Cell {
         Template text;

@@ -232,8 +232,8 @@ std::shared_ptr<ReportData> fetch(
             for (size_t i = 0; i < running.size(); ++i) {
                 const Running& r = running[i];
                 if (first)
-                    sums[i] = r.start >= 0 ? data->number(row, r.start) : 0;
-                sums[i] += data->number(row, r.plus) - (r.minus >= 0 ? data->number(row, r.minus) : 0);
+                    sums[i] = r.start >= 0 ? data->numberAt(row, r.start) : 0;
+                sums[i] += data->numberAt(row, r.plus) - (r.minus >= 0 ? data->numberAt(row, r.minus) : 0);
                 data->setNumber(row, r.field, sums[i]);
             }
             ++row;

@@ -109,10 +109,10 @@ std::pair<QString, QString> fieldName(const Token& t)
     return { t.text.left(dot).trimmed(), t.text.mid(dot + 1).trimmed() };
 }
 
-FormulaField resolveField(const Token& t, const FieldResolver& resolve)
+FormulaField resolveField(const Token& t, const FieldResolver& lookUp)
 {
     const auto [table, field] = fieldName(t);
-    const std::optional<FormulaField> f = resolve(table, field);
+    const std::optional<FormulaField> f = lookUp(table, field);
     if (!f)
         throw ReportError(
             QStringLiteral("Kenttää {%1} ei ole raportin tiedoissa").arg(t.text) + at(t.pos) + u'.');

@@ -561,7 +561,7 @@ void frmNewTositteet::TositteidenTarkistus()
     } else {
         m_tarkistus = new frmTositeTarkistusVirheet(m_muokkaus->database(), korjaaOrvot(), this);
         m_tarkistus->setAttribute(Qt::WA_DeleteOnClose);
-        connect(m_tarkistus, &frmTositeTarkistusVirheet::avaaTosite, this, [this](qint32 toId) {
+        connect(m_tarkistus, &frmTositeTarkistusVirheet::voucherChosen, this, [this](qint32 toId) {
             sulkeEditori(true);
             if (m_muokkaus->lataa(toId) || m_muokkaus->tosite().ToId() == toId) {
                 activateWindow();

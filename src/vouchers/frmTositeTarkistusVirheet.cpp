@@ -71,5 +71,5 @@ void frmTositeTarkistusVirheet::valittu(QListWidgetItem* item)
 {
     const qint32 toId = item ? item->data(Qt::UserRole).toInt() : 0;
     if (toId != 0)
-        emit avaaTosite(toId);
+        emit voucherChosen(toId);
 }

@@ -21,7 +21,7 @@ public:
     void Tarkista();
 
 signals:
-    void avaaTosite(qint32 toId);
+    void voucherChosen(qint32 toId);
 
 private:
     void valittu(QListWidgetItem* item);

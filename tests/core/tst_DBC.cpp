@@ -2,7 +2,6 @@
 #include "core/DBC.h"
 #include "core/ProgramSettings.h"
 
-#include <QSqlQuery>
 #include <QTest>
 
 class tst_DBC : public QObject {
@@ -21,7 +20,6 @@ void tst_DBC::switchClosesAndReopensTwice()
     const QString b = env.path(QStringLiteral("b.mdb"));
     QVERIFY(TestEnv::createDatabase(a));
     QVERIFY(TestEnv::createDatabase(b));
-    withDatabase(b, [](QSqlDatabase& db) { QSqlQuery(db).exec(QStringLiteral("DELETE FROM tl")); });
 
     DBC& dbc = DBC::instance();
     ProgramSettings::installation().Database = a;
@@ -36,10 +34,7 @@ void tst_DBC::switchClosesAndReopensTwice()
     QVERIFY(switched.isOpen());
     QVERIFY(switched.connectionName() != firstName);
     QVERIFY(!QSqlDatabase::contains(firstName));
-    QSqlQuery q(switched);
-    QVERIFY(q.exec(QStringLiteral("SELECT COUNT(*) FROM tl")) && q.next());
-    QCOMPARE(q.value(0).toInt(), 0);
-    q.finish();
+    QCOMPARE(switched.databaseName(), b);
     // After a switch the connection is not marked open: the next call opens the file again.
     QVERIFY(!dbc.isOpen());
     QCOMPARE(dbc.openCount(), opens + 2);

@@ -151,13 +151,14 @@ private slots:
                 "question: Poistetaanko näytössä oleva rivi?", "question: Poistetaanko näytössä oleva malli?",
                 "information: Malli on suojattu, eikä sitä voi poistaa." }));
 
-        // A row goes and its siblings close the gap; a template goes with all its rows.
+        // A row goes and its siblings close the gap; a template goes with its own rows only.
         dialogs->answerYes();
         QVERIFY(TemplateEditor::remove(f->db(), Node::ofRow(20)));
         QCOMPARE(order(11), QStringLiteral("21:1 22:2"));
         dialogs->answerYes();
         QVERIFY(TemplateEditor::remove(f->db(), Node::ofTemplate(1)));
         QCOMPARE(StatementFixture::count(QStringLiteral("mr"), QStringLiteral("mrmaID = 1")), 0);
+        QCOMPARE(StatementFixture::count(QStringLiteral("mr")), 3);
         QCOMPARE(StatementFixture::count(QStringLiteral("ma")), 1);
     }
 

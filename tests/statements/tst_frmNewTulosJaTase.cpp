@@ -205,9 +205,6 @@ private slots:
         w->dropped(QStringLiteral("mr24"), QStringLiteral("mr20"));
         QCOMPARE(w->selectedKey(), QStringLiteral("mr24"));
         QCOMPARE(tree()->currentItem()->parent()->text(0), QStringLiteral("Vastaavaa"));
-        QCOMPARE(StatementFixture::value(QStringLiteral("SELECT mrBelongsToGroup FROM mr WHERE mrID = 24"))
-                     .toInt(),
-            20);
     }
 
     void accountsAreChosenByTicking()

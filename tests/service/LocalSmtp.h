@@ -57,8 +57,6 @@ public:
             m_process.waitForFinished(5000);
         }
     }
-    LocalSmtp(const LocalSmtp&) = delete;
-    LocalSmtp& operator=(const LocalSmtp&) = delete;
 
     bool running() const { return port > 0; }
     QString server() const { return QStringLiteral("127.0.0.1:%1").arg(port); }

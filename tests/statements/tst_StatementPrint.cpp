@@ -100,14 +100,6 @@ private slots:
         f.reset();
     }
 
-    void rowCount()
-    {
-        smallBooks();
-        QCOMPARE(StatementPrint::rowCount(f->db(), 1), 5);
-        QCOMPARE(StatementPrint::rowCount(f->db(), 2), 6);
-        QCOMPARE(StatementPrint::rowCount(f->db(), 3), 0);
-    }
-
     // The four printouts of a small association for a spring period, page by page: the report
     // file, the headings and the periods of the columns, the previous year beside this one.
     void printouts_data()

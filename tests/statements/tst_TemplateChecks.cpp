@@ -132,10 +132,6 @@ private slots:
                 findings[0].teksti);
             QCOMPARE(StatementFixture::value(QStringLiteral("SELECT tkParam FROM tk")).toString(),
                 findings[0].param);
-            QVERIFY(
-                TemplateChecks::reportText(findings).startsWith(QLatin1String("Tarkistus suoritettu.\n")));
-            QVERIFY(TemplateChecks::reportText(findings).contains(
-                QStringLiteral("\nKohdassa:\n") + findings[0].param));
         }
     }
 

@@ -74,7 +74,6 @@ void tst_frmKaudenVaihto::opens()
     QCOMPARE(items, (QStringList { "  0", "Aatteellinen tase 3", "Yhdistyksen tase 2" }));
     QCOMPARE(cmb->currentIndex(), -1);
     QVERIFY(child<QCheckBox>(w, "chkTeeAvausviennit")->isChecked());
-    QCOMPARE(child<QProgressBar>(w, "pBar")->maximum(), 6);
     QCOMPARE(dialogs.transcript(), QStringList());
 
     w.show();
@@ -137,7 +136,6 @@ void tst_frmKaudenVaihto::demoYearChange()
     QCOMPARE(w.result(), int(QDialog::Accepted));
     QVERIFY(!w.isVisible());
     QCOMPARE(bar, (QList<int> { 1, 2, 3, 4, 5, 6 }));
-    QCOMPARE(FiscalYearChange::nykyiset(), FiscalYearChange::seuraavat(vanhat));
 
     // Every account's opening balance is its closing balance, and the previous-year column
     // is the old current one, line by line.

@@ -31,29 +31,12 @@ bool ipv6(const QString& text)
     return inet_pton(AF_INET6, text.toLatin1().constData(), &address) == 1;
 }
 
-QByteArray crlfLines(const QString& text)
-{
-    QString t = text;
-    t.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    t.replace(u'\r', u'\n');
-    t.replace(QStringLiteral("\n"), QStringLiteral("\r\n"));
-    return t.toUtf8();
-}
-
 bool printableAscii(const QString& text)
 {
     for (const QChar c : text)
         if (c.unicode() < 0x20 || c.unicode() > 0x7e)
             return false;
     return true;
-}
-
-// The attachment's name for Content-Disposition: quoted when plain, else in RFC 2231 form.
-QByteArray fileNameParameter(const QString& name)
-{
-    if (printableAscii(name) && !name.contains(u'"') && !name.contains(u'\\'))
-        return "filename=\"" + name.toLatin1() + '"';
-    return "filename*=UTF-8''" + name.toUtf8().toPercentEncoding();
 }
 
 } // namespace
@@ -200,49 +183,38 @@ QByteArray encodeHeader(const QString& text)
     return out;
 }
 
-Message compose(const QString& sender, const QString& receiver, const QString& subject, const QString& text,
-    const QString& attachmentName, const QDateTime& now)
+QList<QByteArray> headers(
+    const QString& sender, const QString& receiver, const QString& subject, const QDateTime& now)
 {
     const QByteArray id = QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
-    const QByteArray boundary = "=_vorkam_" + id;
     const QByteArray date
         = QLocale::c().toString(now.toUTC(), QStringLiteral("ddd, d MMM yyyy hh:mm:ss")).toLatin1()
         + " +0000";
-    QByteArray head;
-    head += "Date: " + date + "\r\n";
-    head += "From: <" + sender.toUtf8() + ">\r\n";
-    head += "To: <" + receiver.toUtf8() + ">\r\n";
-    head += "Subject: " + encodeHeader(subject) + "\r\n";
-    head += "Message-ID: <" + id + "@vorkam>\r\n";
-    head += "MIME-Version: 1.0\r\n";
-    head += "Content-Type: multipart/mixed; boundary=\"" + boundary + "\"\r\n";
-    head += "\r\n";
-    head += "--" + boundary + "\r\n";
-    head += "Content-Type: text/plain; charset=UTF-8\r\n";
-    head += "Content-Transfer-Encoding: base64\r\n\r\n";
-    head += encodeLines(crlfLines(text));
-    head += "--" + boundary + "\r\n";
-    head += "Content-Type: application/octet-stream\r\n";
-    head += "Content-Transfer-Encoding: base64\r\n";
-    head += "Content-Disposition: attachment; " + fileNameParameter(attachmentName) + "\r\n\r\n";
-    return Message { head, "--" + boundary + "--\r\n" };
+    return {
+        "Date: " + date,
+        "From: <" + sender.toUtf8() + '>',
+        "To: <" + receiver.toUtf8() + '>',
+        "Subject: " + encodeHeader(subject),
+        "Message-ID: <" + id + "@vorkam>",
+    };
 }
 
-qint64 encodedSize(qint64 bytes)
+QByteArray textPart(const QString& text)
 {
-    const qint64 characters = (bytes + 2) / 3 * 4;
-    const qint64 lines = (characters + 75) / 76;
-    return characters + 2 * lines;
+    QString t = text;
+    t.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    t.replace(u'\r', u'\n');
+    t.replace(QStringLiteral("\n"), QStringLiteral("\r\n"));
+    return t.toUtf8();
 }
 
-QByteArray encodeLines(const QByteArray& bytes)
+QByteArray attachmentDisposition(const QString& fileName)
 {
-    const QByteArray base64 = bytes.toBase64();
-    QByteArray out;
-    out.reserve(base64.size() + base64.size() / 76 * 2 + 2);
-    for (qsizetype i = 0; i < base64.size(); i += 76)
-        out += base64.mid(i, 76) + "\r\n";
-    return out;
+    const QByteArray parameter
+        = printableAscii(fileName) && !fileName.contains(u'"') && !fileName.contains(u'\\')
+        ? "filename=\"" + fileName.toLatin1() + '"'
+        : "filename*=UTF-8''" + fileName.toUtf8().toPercentEncoding();
+    return "Content-Disposition: attachment; " + parameter;
 }
 
 Snapshot::Snapshot(const QSqlDatabase& db, const QString& booksPath, const QString& folder)

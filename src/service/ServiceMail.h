@@ -43,18 +43,14 @@ std::optional<Server> parseServer(const QString& smtp);
 // A header value in RFC 2047 form when it holds anything but printable ASCII.
 QByteArray encodeHeader(const QString& text);
 
-// The mail around one attachment: the headers, the text part and the attachment's part headers
-// (`head`), then the attachment's bytes in base64 lines, then `tail`.
-struct Message {
-    QByteArray head;
-    QByteArray tail;
-};
-Message compose(const QString& sender, const QString& receiver, const QString& subject, const QString& text,
-    const QString& attachmentName, const QDateTime& now);
-// The number of bytes that `bytes` of attachment take in base64 lines of 76 characters.
-qint64 encodedSize(qint64 bytes);
-// Base64 of `bytes` (a multiple of 57 bytes except at the end) as CRLF-ended 76-character lines.
-QByteArray encodeLines(const QByteArray& bytes);
+// The message's own headers (Date, From, To, Subject, Message-ID), each without its line end;
+// the mail library adds the MIME headers of the parts around them.
+QList<QByteArray> headers(
+    const QString& sender, const QString& receiver, const QString& subject, const QDateTime& now);
+// The mail's text with CRLF line ends, as its text part carries it.
+QByteArray textPart(const QString& text);
+// The attachment's Content-Disposition header: its name quoted when plain, else in RFC 2231 form.
+QByteArray attachmentDisposition(const QString& fileName);
 
 // A consistent copy of the books taken through the engine's backup into a private temporary
 // folder, under the books' own file name. The folder and the copy go with the object.

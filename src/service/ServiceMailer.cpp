@@ -14,67 +14,22 @@
 
 namespace {
 
-constexpr qint64 ChunkBytes = 57 * 1024; // whole base64 lines
-
-// The message as the server receives it: the head, the attachment in base64 lines, the tail.
-struct Reader {
-    QByteArray head;
-    QByteArray tail;
+// The attachment as the mail library reads it for its base64 part, counting what went out.
+struct Attachment {
     QFile file;
-    qint64 fileSize = 0;
-    qint64 fileSent = 0;
-    int phase = 0; // 0 head, 1 attachment, 2 tail, 3 done
-    QByteArray pending;
-    qsizetype pendingAt = 0;
+    qint64 size = 0;
+    qint64 sent = 0;
     bool readFailed = false;
-    // Told of the attachment's bytes read so far, at most every half per cent and at its end.
+    // Told of the bytes read so far, at most every half per cent and at the end.
     std::function<void(qint64 sent, qint64 total)> progress;
     qint64 reported = -1;
 
     void report()
     {
-        if (fileSent != reported && (fileSent == fileSize || fileSent - reported >= fileSize / 200 + 1)) {
-            reported = fileSent;
-            progress(fileSent, fileSize);
+        if (sent != reported && (sent == size || sent - reported >= size / 200 + 1)) {
+            reported = sent;
+            progress(sent, size);
         }
-    }
-
-    // Fills `pending` with the next piece; false at the end or on a read failure.
-    bool refill()
-    {
-        pending.clear();
-        pendingAt = 0;
-        while (pending.isEmpty()) {
-            switch (phase) {
-            case 0:
-                pending = head;
-                phase = 1;
-                break;
-            case 1: {
-                if (fileSent >= fileSize) {
-                    report();
-                    phase = 2;
-                    break;
-                }
-                const QByteArray chunk = file.read(std::min(ChunkBytes, fileSize - fileSent));
-                if (chunk.isEmpty()) {
-                    readFailed = true;
-                    return false;
-                }
-                fileSent += chunk.size();
-                pending = ServiceMail::encodeLines(chunk);
-                report();
-                break;
-            }
-            case 2:
-                pending = tail;
-                phase = 3;
-                break;
-            default:
-                return false;
-            }
-        }
-        return true;
     }
 };
 
@@ -112,7 +67,7 @@ struct ServiceMailer::Job {
     Request request;
     std::atomic<bool> cancelled { false };
     CURLM* multi = nullptr;
-    Reader reader;
+    Attachment attachment;
     int timeout = 30;
     // The connection's socket while it is open, so that a cancel can cut it: the mail library
     // waits for the server's last answer without looking at the stop request in time.
@@ -189,20 +144,17 @@ void ServiceMailer::run(std::shared_ptr<Job> job, quint64 generation)
         fail(QStringLiteral("Palvelimen nimi ei kelpaa: %1").arg(r.server), QString(), false);
         return;
     }
-    Reader& reader = job->reader;
-    reader.file.setFileName(r.attachment);
-    if (!reader.file.open(QIODevice::ReadOnly)) {
-        fail(reader.file.errorString(), QStringLiteral("Liitettä %1 ei voi lukea.").arg(r.attachment), false);
+    Attachment& attachment = job->attachment;
+    attachment.file.setFileName(r.attachment);
+    if (!attachment.file.open(QIODevice::ReadOnly)) {
+        fail(attachment.file.errorString(), QStringLiteral("Liitettä %1 ei voi lukea.").arg(r.attachment),
+            false);
         return;
     }
-    reader.fileSize = reader.file.size();
-    const ServiceMail::Message message = ServiceMail::compose(r.sender, r.receiver, r.subject, r.text,
-        QFileInfo(r.attachment).fileName(), QDateTime::currentDateTimeUtc());
-    reader.head = message.head;
-    reader.tail = message.tail;
+    attachment.size = attachment.file.size();
     // Posted as each piece is read: the last piece may be followed at once by a long wait for the
     // server's answer inside the mail library.
-    reader.progress = [this, generation](qint64 sent, qint64 total) {
+    attachment.progress = [this, generation](qint64 sent, qint64 total) {
         QMetaObject::invokeMethod(
             this,
             [this, generation, sent, total] {
@@ -211,6 +163,9 @@ void ServiceMailer::run(std::shared_ptr<Job> job, quint64 generation)
             },
             Qt::QueuedConnection);
     };
+    // The library never asks for the bytes of an empty file: all of it has gone out.
+    if (attachment.size == 0)
+        attachment.report();
 
     CURL* curl = curl_easy_init();
     char errors[CURL_ERROR_SIZE] = {};
@@ -220,13 +175,58 @@ void ServiceMailer::run(std::shared_ptr<Job> job, quint64 generation)
     const QByteArray user = r.userName.toUtf8();
     const QByteArray password = r.password.toUtf8();
     curl_slist* recipients = curl_slist_append(nullptr, to.constData());
+    curl_slist* headers = nullptr;
+    for (const QByteArray& header :
+        ServiceMail::headers(r.sender, r.receiver, r.subject, QDateTime::currentDateTimeUtc()))
+        headers = curl_slist_append(headers, header.constData());
+
+    // The message: the text, then the books as an attachment read piece by piece; the mail
+    // library writes the multipart form and the base64 lines.
+    curl_mime* mime = curl_mime_init(curl);
+    curl_mimepart* text = curl_mime_addpart(mime);
+    const QByteArray body = ServiceMail::textPart(r.text);
+    curl_mime_data(text, body.constData(), size_t(body.size()));
+    curl_mime_type(text, "text/plain; charset=UTF-8");
+    curl_mime_encoder(text, "base64");
+    using ReadFunction = size_t (*)(char*, size_t, size_t, void*);
+    const ReadFunction read = [](char* buffer, size_t size, size_t count, void* data) -> size_t {
+        auto* state = static_cast<Job*>(data);
+        if (state->cancelled)
+            return CURL_READFUNC_ABORT;
+        Attachment& a = state->attachment;
+        if (a.sent >= a.size) {
+            a.report();
+            return 0;
+        }
+        const qint64 n = a.file.read(buffer, std::min<qint64>(qint64(size * count), a.size - a.sent));
+        if (n <= 0) {
+            a.readFailed = true;
+            return CURL_READFUNC_ABORT;
+        }
+        a.sent += n;
+        a.report();
+        return size_t(n);
+    };
+    using SeekFunction = int (*)(void*, curl_off_t, int);
+    const SeekFunction seek = [](void* data, curl_off_t offset, int origin) -> int {
+        Attachment& a = static_cast<Job*>(data)->attachment;
+        if (origin != SEEK_SET || !a.file.seek(offset))
+            return CURL_SEEKFUNC_CANTSEEK;
+        a.sent = offset;
+        return CURL_SEEKFUNC_OK;
+    };
+    curl_mimepart* part = curl_mime_addpart(mime);
+    curl_mime_data_cb(part, curl_off_t(attachment.size), read, seek, nullptr, job.get());
+    curl_mime_type(part, "application/octet-stream");
+    curl_mime_encoder(part, "base64");
+    const QByteArray disposition = ServiceMail::attachmentDisposition(QFileInfo(r.attachment).fileName());
+    curl_mime_headers(part, curl_slist_append(nullptr, disposition.constData()), 1);
 
     curl_easy_setopt(curl, CURLOPT_URL, url.constData());
     curl_easy_setopt(curl, CURLOPT_MAIL_FROM, from.constData());
     curl_easy_setopt(curl, CURLOPT_MAIL_RCPT, recipients);
-    curl_easy_setopt(curl, CURLOPT_UPLOAD, 1L);
-    curl_easy_setopt(curl, CURLOPT_INFILESIZE_LARGE,
-        curl_off_t(reader.head.size() + ServiceMail::encodedSize(reader.fileSize) + reader.tail.size()));
+    curl_easy_setopt(curl, CURLOPT_HTTPHEADER, headers);
+    curl_easy_setopt(curl, CURLOPT_MIMEPOST, mime);
     curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, errors);
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
     // A server that does not answer fails the send instead of holding it forever.
@@ -243,28 +243,6 @@ void ServiceMailer::run(std::shared_ptr<Job> job, quint64 generation)
         curl_easy_setopt(curl, CURLOPT_USE_SSL,
             long(!user.isEmpty() && !server->local() ? CURLUSESSL_ALL : CURLUSESSL_TRY));
 
-    using ReadFunction = size_t (*)(char*, size_t, size_t, void*);
-    const ReadFunction read = [](char* buffer, size_t size, size_t count, void* data) -> size_t {
-        auto* state = static_cast<Job*>(data);
-        if (state->cancelled)
-            return CURL_READFUNC_ABORT;
-        Reader& out = state->reader;
-        size_t written = 0;
-        const size_t room = size * count;
-        while (written < room) {
-            if (out.pendingAt >= out.pending.size() && !out.refill())
-                break;
-            const size_t n = std::min(room - written, size_t(out.pending.size() - out.pendingAt));
-            memcpy(buffer + written, out.pending.constData() + out.pendingAt, n);
-            out.pendingAt += qsizetype(n);
-            written += n;
-        }
-        if (out.readFailed)
-            return CURL_READFUNC_ABORT;
-        return written;
-    };
-    curl_easy_setopt(curl, CURLOPT_READFUNCTION, read);
-    curl_easy_setopt(curl, CURLOPT_READDATA, job.get());
     using ProgressFunction = int (*)(void*, curl_off_t, curl_off_t, curl_off_t, curl_off_t);
     const ProgressFunction progress = [](void* data, curl_off_t, curl_off_t, curl_off_t, curl_off_t) -> int {
         return static_cast<Job*>(data)->cancelled ? 1 : 0;
@@ -319,9 +297,11 @@ void ServiceMailer::run(std::shared_ptr<Job> job, quint64 generation)
     curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &response);
     curl_multi_remove_handle(job->multi, curl);
     curl_easy_cleanup(curl);
+    curl_mime_free(mime);
+    curl_slist_free_all(headers);
     curl_slist_free_all(recipients);
-    const QString readError = reader.file.errorString();
-    reader.file.close();
+    const QString readError = attachment.file.errorString();
+    attachment.file.close();
 
     if (job->cancelled)
         return;
@@ -340,7 +320,7 @@ void ServiceMailer::run(std::shared_ptr<Job> job, quint64 generation)
     QString reason = QString::fromUtf8(errors).trimmed();
     if (reason.isEmpty())
         reason = QString::fromUtf8(curl_easy_strerror(result));
-    if (reader.readFailed)
+    if (attachment.readFailed)
         reason = QStringLiteral("Liitteen %1 lukeminen keskeytyi: %2").arg(r.attachment, readError);
     fail(reason, adviceFor(result, response, *server, job->timeout),
         result == CURLE_LOGIN_DENIED || response == 530);

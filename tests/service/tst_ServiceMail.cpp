@@ -32,7 +32,6 @@ private slots:
     void refusals();
     void servers_data();
     void servers();
-    void encodedSizeMatchesTheLines();
     void sendsTheFileAsAnAttachment_data();
     void sendsTheFileAsAnAttachment();
     void failures_data();
@@ -125,12 +124,6 @@ void tst_ServiceMail::servers()
     QFETCH(QString, url);
     const auto server = ServiceMail::parseServer(smtp);
     QCOMPARE(server ? QString::fromUtf8(server->url()) : QString(), url);
-}
-
-void tst_ServiceMail::encodedSizeMatchesTheLines()
-{
-    for (const qint64 size : { 0, 1, 2, 3, 56, 57, 58, 114, 1000 })
-        QCOMPARE(ServiceMail::encodedSize(size), qint64(ServiceMail::encodeLines(sample(size)).size()));
 }
 
 void tst_ServiceMail::sendsTheFileAsAnAttachment_data()

@@ -16,10 +16,11 @@
 #include "core/ProgramInfo.h"
 #include "core/ProgramSettings.h"
 #include "core/Schema.h"
+#include "printing/CsvWriter.h"
 #include "printing/PdfWriter.h"
 #include "printing/ReportEngine.h"
 #include "printing/ReportError.h"
-#include "printing/ReportExport.h"
+#include "printing/XlsxWriter.h"
 #include "statements/ProfitEntries.h"
 #include "vouchers/cTositeTarkistus.h"
 
@@ -345,8 +346,8 @@ int run(const Arguments& a)
                     PdfWriter::write(*document, a.output);
                     size = QStringLiteral("%1 sivua").arg(document->pageCount());
                 } else {
-                    const int rows = a.format == u"csv" ? ReportExport::writeCsv(*document, a.output)
-                                                        : ReportExport::writeXlsx(*document, a.output);
+                    const int rows = a.format == u"csv" ? CsvWriter::write(*document, a.output)
+                                                        : XlsxWriter::write(*document, a.output);
                     size = QStringLiteral("%1 riviä").arg(rows);
                 }
                 say(stdout,

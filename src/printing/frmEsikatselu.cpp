@@ -1,14 +1,15 @@
 #include "printing/frmEsikatselu.h"
 
 #include "core/Dialogs.h"
+#include "printing/CsvWriter.h"
 #include "printing/PdfWriter.h"
 #include "printing/PrintOptions.h"
 #include "printing/ReportDocument.h"
 #include "printing/ReportEngine.h"
 #include "printing/ReportError.h"
-#include "printing/ReportExport.h"
 #include "printing/ReportPageView.h"
 #include "printing/ReportRunner.h"
+#include "printing/XlsxWriter.h"
 #include "ui/WaitCursor.h"
 
 #include <QDir>
@@ -144,9 +145,9 @@ void frmEsikatselu::tallenna(const QString& muoto)
         if (muoto == u"pdf")
             ReportRunner::writePdf(this, *m_document, file);
         else if (muoto == u"csv")
-            ReportExport::writeCsv(*m_document, file);
+            CsvWriter::write(*m_document, file);
         else
-            ReportExport::writeXlsx(*m_document, file);
+            XlsxWriter::write(*m_document, file);
     } catch (const ReportError& e) {
         Dialogs::instance().error(e.text());
     } catch (const ReportCancelled&) {

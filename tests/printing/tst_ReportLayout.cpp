@@ -3,13 +3,14 @@
 #include "core/DBC.h"
 #include "core/Money.h"
 #include "core/ProgramSettings.h"
+#include "printing/CsvWriter.h"
 #include "printing/PageText.h"
 #include "printing/PdfWriter.h"
 #include "printing/ReportDocument.h"
 #include "printing/ReportEngine.h"
 #include "printing/ReportError.h"
-#include "printing/ReportExport.h"
 #include "printing/TextMetrics.h"
+#include "printing/XlsxWriter.h"
 
 #include <QDir>
 #include <QFile>
@@ -76,8 +77,8 @@ QStringList words(const QString& text)
 // The three writers of a report file.
 using Writer = void (*)(const ReportDocument&, const QString&);
 const Writer writers[] = { [](const ReportDocument& d, const QString& p) { PdfWriter::write(d, p); },
-    [](const ReportDocument& d, const QString& p) { ReportExport::writeCsv(d, p); },
-    [](const ReportDocument& d, const QString& p) { ReportExport::writeXlsx(d, p); } };
+    [](const ReportDocument& d, const QString& p) { CsvWriter::write(d, p); },
+    [](const ReportDocument& d, const QString& p) { XlsxWriter::write(d, p); } };
 
 // The text of the ReportError that `work` throws; empty when it throws none.
 QString refusal(const std::function<void()>& work)
@@ -342,8 +343,8 @@ private slots:
         const auto doc = document(9, 4);
         const QString csv = env.path(QStringLiteral("r.csv"));
         const QString xlsx = env.path(QStringLiteral("r.xlsx"));
-        ReportExport::writeCsv(*doc, csv);
-        ReportExport::writeXlsx(*doc, xlsx);
+        CsvWriter::write(*doc, csv);
+        XlsxWriter::write(*doc, xlsx);
 
         const QByteArray csvBytes = TestEnv::readFile(csv);
         QVERIFY(csvBytes.startsWith("\xEF\xBB\xBF"));
@@ -402,7 +403,7 @@ private slots:
         }
         // The reason in Finnish, never in the system's English alone; every writer opens its file
         // alike.
-        text = refusal([&] { ReportExport::writeCsv(*doc, locked + QStringLiteral("/r.csv")); });
+        text = refusal([&] { CsvWriter::write(*doc, locked + QStringLiteral("/r.csv")); });
         QVERIFY2(text.contains(QStringLiteral("Käyttöoikeus ei riitä"))
                 || text.contains(QStringLiteral("Tiedostoa tai kansiota ei löydy")),
             qPrintable(text));

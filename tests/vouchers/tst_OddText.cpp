@@ -5,11 +5,11 @@
 #include "core/Paths.h"
 #include "core/RecordText.h"
 #include "core/SettingsStore.h"
+#include "printing/CsvWriter.h"
 #include "printing/PageText.h"
 #include "printing/PdfWriter.h"
 #include "printing/ReportEngine.h"
 #include "printing/ReportError.h"
-#include "printing/ReportExport.h"
 #include "statements/cMalli.h"
 #include "statements/cMalliRivi.h"
 #include "vouchers/JournalPrinting.h"
@@ -253,7 +253,7 @@ void tst_OddText::everywhere()
         QVERIFY2(
             pages.contains(PageText::toUnicode(PageText::fromUnicode(selite.left(40)))), qPrintable(pages));
         const QString csv = f.env.path(QStringLiteral("paivakirja.csv"));
-        ReportExport::writeCsv(*doc, csv);
+        CsvWriter::write(*doc, csv);
         PdfWriter::write(*doc, f.env.path(QStringLiteral("paivakirja.pdf")));
         QVERIFY(QString::fromUtf8(TestEnv::readFile(csv)).contains(QString(selite).replace(u'"', "\"\"")));
         QVERIFY(QFile::exists(f.env.path(QStringLiteral("paivakirja.pdf"))));

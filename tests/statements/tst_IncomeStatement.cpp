@@ -61,10 +61,8 @@ private slots:
         f.reset();
     }
 
-    void sideRule_data();
-    void sideRule();
-    void columnsByDate_data();
-    void columnsByDate();
+    void amounts_data();
+    void amounts();
     void percentages_data();
     void percentages();
     void formulaInsideAGroup();
@@ -77,79 +75,54 @@ private slots:
     void damagedTemplatesFinish();
 };
 
-// Entries on the row's side add, the others subtract; an account not in the chart gives 0.
-void tst_IncomeStatement::sideRule_data()
+// Entries on the row's side add and the others subtract; the period (February 2012), the year to
+// date and the same a year earlier each take their own dates and tables.
+void tst_IncomeStatement::amounts_data()
 {
     QTest::addColumn<QString>("side");
     QTest::addColumn<QString>("tilit");
-    QTest::addColumn<QString>("type");
-    QTest::addColumn<qint64>("expected");
-    const auto row
-        = [](const char* tag, const char* side, const char* tilit, const char* type, qint64 cents) {
-              QTest::newRow(tag) << QString::fromLatin1(side) << QString::fromLatin1(tilit)
-                                 << QString::fromLatin1(type) << cents;
-          };
-    row("credit on a K row", "K", "3,", "K", 10000);
-    row("debit on a K row", "K", "3,", "D", -10000);
-    row("debit on a D row", "D", "3,", "D", 10000);
-    row("type in lower case", "K", "3,", "k", 10000);
-    row("unknown account", "K", "999,", "K", 0);
+    QTest::addColumn<QString>("type"); // of the entry on account 3
+    QTest::addColumn<QString>("pvm");
+    QTest::addColumn<bool>("previous");
+    QTest::addColumn<QList<qint64>>("expected"); // kuluva, alusta, edellinen, edellinen alusta
+    using L = QList<qint64>;
+    const auto row = [](const char* tag, const char* side, const char* tilit, const char* type,
+                         const char* pvm, bool previous, const L& expected) {
+        QTest::newRow(tag) << QString::fromLatin1(side) << QString::fromLatin1(tilit)
+                           << QString::fromLatin1(type) << QString::fromLatin1(pvm) << previous << expected;
+    };
+    row("credit on a K row", "K", "3,", "K", "2012-02-10", false, L { 100, 100, 0, 0 });
+    row("debit on a K row", "K", "3,", "D", "2012-02-10", false, L { -100, -100, 0, 0 });
+    row("debit on a D row", "D", "3,", "D", "2012-02-10", false, L { 100, 100, 0, 0 });
+    row("type in lower case", "K", "3,", "k", "2012-02-10", false, L { 100, 100, 0, 0 });
+    row("unknown account", "K", "999,", "K", "2012-02-10", false, L { 0, 0, 0, 0 });
+    row("before the period", "K", "3,", "K", "2012-01-15", false, L { 0, 100, 0, 0 });
+    row("first day", "K", "3,", "K", "2012-02-01", false, L { 100, 100, 0, 0 });
+    row("last day, a leap day", "K", "3,", "K", "2012-02-29", false, L { 100, 100, 0, 0 });
+    row("previous year's first day", "K", "3,", "K", "2011-02-01", true, L { 0, 0, 100, 100 });
+    row("previous year before it", "K", "3,", "K", "2011-01-31", true, L { 0, 0, 0, 100 });
+    // A period ending on 29 February ends on 28 February a year earlier.
+    row("previous year's last day", "K", "3,", "K", "2011-02-28", true, L { 0, 0, 100, 100 });
+    row("previous-year dates in this year's tables", "K", "3,", "K", "2011-02-01", false, L { 0, 0, 0, 0 });
 }
 
-void tst_IncomeStatement::sideRule()
+void tst_IncomeStatement::amounts()
 {
     QFETCH(QString, side);
     QFETCH(QString, tilit);
     QFETCH(QString, type);
-    QFETCH(qint64, expected);
-    f->row({ .id = 1, .teksti = "Rivi", .tilit = tilit, .side = side, .turnover = true });
-    const int to = f->voucher(QStringLiteral("2012-03-01"));
-    f->entry(to, 3, type, 10000);
-    f->entry(to, 1, type == u"D" ? QStringLiteral("K") : QStringLiteral("D"), 10000);
-    IncomeStatement::run(f->db(), options());
-    QCOMPARE(
-        f->amount(QStringLiteral("tula"), QStringLiteral("tulaToteutunutKuluva"), QStringLiteral("Rivi")),
-        expected);
-}
-
-// The period, the year to date and the same a year earlier, each from its own dates and tables.
-void tst_IncomeStatement::columnsByDate_data()
-{
-    QTest::addColumn<QDate>("start");
-    QTest::addColumn<QDate>("end");
-    QTest::addColumn<QString>("pvm");
-    QTest::addColumn<bool>("previous");
-    QTest::addColumn<QList<qint64>>("expected"); // kuluva, alusta, edellinen, edellinen alusta
-    const QDate march(2012, 3, 1);
-    const QDate may(2012, 5, 31);
-    using L = QList<qint64>;
-    QTest::newRow("before the period") << march << may << "2012-01-15" << false << L { 0, 100, 0, 0 };
-    QTest::newRow("first day") << march << may << "2012-03-01" << false << L { 100, 100, 0, 0 };
-    QTest::newRow("last day") << march << may << "2012-05-31" << false << L { 100, 100, 0, 0 };
-    QTest::newRow("previous year in the period")
-        << march << may << "2011-03-01" << true << L { 0, 0, 100, 100 };
-    QTest::newRow("previous year before it") << march << may << "2011-02-28" << true << L { 0, 0, 0, 100 };
-    QTest::newRow("previous-year dates in this year's tables")
-        << march << may << "2011-03-01" << false << L { 0, 0, 0, 0 };
-    // A period ending on 29 February ends on 28 February a year earlier.
-    QTest::newRow("leap day") << QDate(2012, 2, 1) << QDate(2012, 2, 29) << "2011-02-28" << true
-                              << L { 0, 0, 100, 100 };
-}
-
-void tst_IncomeStatement::columnsByDate()
-{
-    QFETCH(QDate, start);
-    QFETCH(QDate, end);
     QFETCH(QString, pvm);
     QFETCH(bool, previous);
     QFETCH(QList<qint64>, expected);
-    f->row({ .id = 1, .teksti = "Tuotot", .tilit = "3,", .turnover = true });
-    book(pvm, 3, 10000, previous);
-    IncomeStatement::run(f->db(), options(start, end));
+    f->row({ .id = 1, .teksti = "Rivi", .tilit = tilit, .side = side, .turnover = true });
+    const int to = f->voucher(pvm, previous);
+    f->entry(to, 3, type, 10000, previous);
+    f->entry(to, 1, type == u"D" ? QStringLiteral("K") : QStringLiteral("D"), 10000, previous);
+    IncomeStatement::run(f->db(), options(QDate(2012, 2, 1), QDate(2012, 2, 29)));
     QList<qint64> actual;
     for (const char* column : { "tulaToteutunutKuluva", "tulaToteutunutKuluvaAlusta",
              "tulaToteutunutEdellinen", "tulaToteutunutEdellinenAlusta" })
-        actual << f->amount(QStringLiteral("tula"), QString::fromLatin1(column), QStringLiteral("Tuotot"))
+        actual << f->amount(QStringLiteral("tula"), QString::fromLatin1(column), QStringLiteral("Rivi"))
                 / 100;
     QCOMPARE(actual, expected);
 }

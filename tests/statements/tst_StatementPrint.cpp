@@ -78,6 +78,18 @@ QString text(const ReportDocument& d)
     return text;
 }
 
+// The year's digits, and the year before's, written as letters: VVVV and EEEE, vv and ee in "MMyy".
+QString yearsAsLetters(QString printed, int year)
+{
+    printed.replace(QString::number(year), QStringLiteral("VVVV"))
+        .replace(QString::number(year - 1), QStringLiteral("EEEE"));
+    for (const auto& [y, letters] : { std::pair(year, "\\1vv"), std::pair(year - 1, "\\1ee") })
+        printed.replace(
+            QRegularExpression(QStringLiteral("\\b(\\d\\d)%1\\b").arg(y % 100, 2, 10, QLatin1Char('0'))),
+            QLatin1String(letters));
+    return printed;
+}
+
 } // namespace
 
 class tst_StatementPrint : public QObject {
@@ -100,27 +112,45 @@ private slots:
         f.reset();
     }
 
-    // The four printouts of a small association for a spring period, page by page: the report
-    // file, the headings and the periods of the columns, the previous year beside this one.
+    // Each statement printed wide and narrow: the small association for a spring period, with the
+    // previous year beside this one, and the demo for its year (the build's, so written as letters).
     void printouts_data()
     {
         QTest::addColumn<int>("kind");
         QTest::addColumn<bool>("wide");
+        QTest::addColumn<bool>("demo");
         QTest::addColumn<QString>("golden");
-        QTest::newRow("tula") << 1 << true << "tula_tuloste";
-        QTest::newRow("tulas") << 1 << false << "tulas_tuloste";
-        QTest::newRow("tase") << 2 << true << "tase_tuloste";
-        QTest::newRow("tases") << 2 << false << "tases_tuloste";
+        const std::tuple<const char*, int, bool> reports[]
+            = { { "tula", 1, true }, { "tulas", 1, false }, { "tase", 2, true }, { "tases", 2, false } };
+        for (const bool demo : { false, true })
+            for (const auto& [name, kind, wide] : reports) {
+                const QString golden = QLatin1String(name) + (demo ? "_demo_tuloste" : "_tuloste");
+                QTest::newRow(qPrintable(golden)) << kind << wide << demo << golden;
+            }
     }
     void printouts()
     {
         QFETCH(int, kind);
         QFETCH(bool, wide);
+        QFETCH(bool, demo);
         QFETCH(QString, golden);
-        smallBooks();
-        const auto d = print(kind, kind, wide, QDate(2012, 3, 1), QDate(2012, 5, 31));
-        QVERIFY(d);
-        VERIFY_GOLDEN(golden, text(*d));
+        QString printed;
+        if (demo) {
+            DBC::instance().SuljeDB();
+            QVERIFY(StatementFixture::openShipped(f->env, QStringLiteral("demo1.mdb")));
+            const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+            const QVariant id = StatementFixture::value(
+                QStringLiteral("SELECT MIN(maID) FROM ma WHERE maTyyppi = ?"), { kind });
+            const auto d = print(id.toInt(), kind, wide, s.TilikausiAlku, s.TilikausiLoppu);
+            QVERIFY(d);
+            printed = yearsAsLetters(text(*d), s.TilikausiAlku.year());
+        } else {
+            smallBooks();
+            const auto d = print(kind, kind, wide, QDate(2012, 3, 1), QDate(2012, 5, 31));
+            QVERIFY(d);
+            printed = text(*d);
+        }
+        VERIFY_GOLDEN(golden, printed);
     }
 
     // The report's rules: totals in bold with a rule above their amounts, captions indented by
@@ -149,48 +179,6 @@ private slots:
         QCOMPARE(detail->x - heading->x, 10.0f);
         QVERIFY(std::any_of(page.rules.begin(), page.rules.end(),
             [&](const PageRule& r) { return r.y1 < total->y && r.y1 > total->y - 14 && r.x2 >= total->x; }));
-    }
-
-    // The demo association's statements as printed, wide and narrow; its year is the build's,
-    // so the year's digits are written as letters before the comparison.
-    void demo_data()
-    {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<bool>("wide");
-        QTest::addColumn<QString>("golden");
-        QTest::newRow("tula") << 1 << true << "tula_demo_tuloste";
-        QTest::newRow("tulas") << 1 << false << "tulas_demo_tuloste";
-        QTest::newRow("tase") << 2 << true << "tase_demo_tuloste";
-        QTest::newRow("tases") << 2 << false << "tases_demo_tuloste";
-    }
-    void demo()
-    {
-        QFETCH(int, kind);
-        QFETCH(bool, wide);
-        QFETCH(QString, golden);
-        f.reset();
-        TestEnv env;
-        copyReports(env);
-        QVERIFY(StatementFixture::openShipped(env, QStringLiteral("demo1.mdb")));
-        const BookkeepingSettings& s = ProgramSettings::bookkeeping();
-        const int id
-            = StatementFixture::value(QStringLiteral("SELECT MIN(maID) FROM ma WHERE maTyyppi = ?"), { kind })
-                  .toInt();
-        const auto d = print(id, kind, wide, s.TilikausiAlku, s.TilikausiLoppu);
-        QVERIFY(d);
-        QString printed = text(*d);
-        const int year = s.TilikausiAlku.year();
-        printed.replace(QString::number(year), QStringLiteral("VVVV"))
-            .replace(QString::number(year - 1), QStringLiteral("EEEE"));
-        printed.replace(
-            QRegularExpression(QStringLiteral("\\b(\\d\\d)%1\\b").arg(year % 100, 2, 10, QLatin1Char('0'))),
-            QStringLiteral("\\1vv"));
-        printed.replace(
-            QRegularExpression(
-                QStringLiteral("\\b(\\d\\d)%1\\b").arg((year - 1) % 100, 2, 10, QLatin1Char('0'))),
-            QStringLiteral("\\1ee"));
-        VERIFY_GOLDEN(golden, printed);
-        DBC::instance().SuljeDB();
     }
 };
 

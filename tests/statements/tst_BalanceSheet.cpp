@@ -1,4 +1,3 @@
-#include "ScriptedDialogs.h"
 #include "StatementFixture.h"
 #include "core/DatabaseError.h"
 #include "statements/BalanceSheet.h"
@@ -61,21 +60,18 @@ class tst_BalanceSheet : public QObject {
     Q_OBJECT
 
     std::unique_ptr<StatementFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
 
 private slots:
     void init()
     {
         f = std::make_unique<StatementFixture>();
         QVERIFY(f->ok);
-        dialogs = std::make_unique<ScriptedDialogs>();
         chart();
         templates();
     }
     void cleanup()
     {
-        QVERIFY2(dialogs->failures().isEmpty(), qPrintable(dialogs->failures().join(u'\n')));
-        dialogs.reset();
+        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
         f.reset();
     }
 
@@ -139,9 +135,9 @@ void tst_BalanceSheet::profitLineOutsideItsGroup()
 
     // Without an income statement to take the profit from, the run is refused and the lines stay.
     f->exec(QStringLiteral("UPDATE ma SET maTulosMaID = 0 WHERE maID = 2"));
-    dialogs->clear();
+    f->dialogs.clear();
     QVERIFY(!BalanceSheet::run(f->db(), options()));
-    QCOMPARE(dialogs->transcript(),
+    QCOMPARE(f->dialogs.transcript(),
         QStringList {
             "information: Tasemallille ei ole määritelty tuloslaskelmaa, jonka perusteella tilikauden "
             "voitto kirjataan." });

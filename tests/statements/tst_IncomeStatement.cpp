@@ -1,4 +1,3 @@
-#include "ScriptedDialogs.h"
 #include "StatementFixture.h"
 #include "core/DatabaseError.h"
 #include "statements/IncomeStatement.h"
@@ -43,21 +42,18 @@ class tst_IncomeStatement : public QObject {
     Q_OBJECT
 
     std::unique_ptr<StatementFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
 
 private slots:
     void init()
     {
         f = std::make_unique<StatementFixture>();
         QVERIFY(f->ok);
-        dialogs = std::make_unique<ScriptedDialogs>();
         chart();
         f->malli(1, QStringLiteral("Tuloslaskelma"), 1);
     }
     void cleanup()
     {
-        QVERIFY2(dialogs->failures().isEmpty(), qPrintable(dialogs->failures().join(u'\n')));
-        dialogs.reset();
+        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
         f.reset();
     }
 
@@ -215,7 +211,7 @@ void tst_IncomeStatement::perAccount()
     book(QStringLiteral("2012-02-01"), 4, 20000);
     StatementOptions o = options();
     o.perAccount = true;
-    dialogs->clear();
+    f->dialogs.clear();
     IncomeStatement::run(f->db(), o);
     QStringList captions;
     for (const QString& line : f->rows(QStringLiteral("tula")))
@@ -271,7 +267,7 @@ void tst_IncomeStatement::apostropheInALookedUpCaption()
     f->row({ .id = 1, .teksti = "Jäsenten 'oma' toiminta", .tilit = "3," });
     f->row({ .id = 2, .teksti = "Tulos", .kaava = "+3,", .equation = true });
     f->row({ .id = 3, .teksti = "Kulut", .tilit = "5," });
-    dialogs->clear();
+    f->dialogs.clear();
     IncomeStatement::run(f->db(), options());
     QCOMPARE(f->count(QStringLiteral("tula")), 4);
     f->exec(QStringLiteral("UPDATE mr SET mrKaava = '+1,' WHERE mrID = 2"));
@@ -288,11 +284,11 @@ void tst_IncomeStatement::noTurnoverRow()
 {
     f->row({ .id = 1, .teksti = "Tuotot", .tilit = "3," });
     book(QStringLiteral("2012-02-01"), 3, 100000);
-    dialogs->clear();
+    f->dialogs.clear();
     IncomeStatement::run(f->db(), options());
     // The template has no profit row either: the profit entries are refused first, as they come
     // before the statement.
-    QCOMPARE(dialogs->transcript(),
+    QCOMPARE(f->dialogs.transcript(),
         (QStringList { "information: Voittotiliä ei ole määritelty tuloslaskelmaan.",
             "information: Liikevaihtoriviä ei ole määritelty.\nSuhdelukuja liikevaihtoon ei voida "
             "laskea ilman liikevaihtorivin määrittelyä." }));
@@ -322,7 +318,7 @@ void tst_IncomeStatement::damagedTemplatesFinish()
         f->row(r);
     book(QStringLiteral("2012-02-01"), 3, 100000);
     book(QStringLiteral("2012-02-01"), 4, 100000);
-    dialogs->clear();
+    f->dialogs.clear();
     IncomeStatement::run(f->db(), options());
     QCOMPARE(f->count(QStringLiteral("tula")), lines);
 }

@@ -1,4 +1,3 @@
-#include "ScriptedDialogs.h"
 #include "StatementFixture.h"
 #include "statements/BalanceSheet.h"
 #include "statements/IncomeStatement.h"
@@ -52,20 +51,17 @@ class tst_ProfitEntries : public QObject {
     Q_OBJECT
 
     std::unique_ptr<StatementFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
 
 private slots:
     void init()
     {
         f = std::make_unique<StatementFixture>();
         QVERIFY(f->ok);
-        dialogs = std::make_unique<ScriptedDialogs>();
         StatementFixture::smallAssociation();
     }
     void cleanup()
     {
-        QVERIFY2(dialogs->failures().isEmpty(), qPrintable(dialogs->failures().join(u'\n')));
-        dialogs.reset();
+        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
         f.reset();
     }
 

@@ -1,5 +1,4 @@
 #include "Golden.h"
-#include "ScriptedDialogs.h"
 #include "StatementFixture.h"
 #include "printing/ReportDocument.h"
 #include "printing/ReportEngine.h"
@@ -96,21 +95,15 @@ class tst_StatementPrint : public QObject {
     Q_OBJECT
 
     std::unique_ptr<StatementFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
 
 private slots:
     void init()
     {
         f = std::make_unique<StatementFixture>();
         QVERIFY(f->ok);
-        dialogs = std::make_unique<ScriptedDialogs>();
         copyReports(f->env);
     }
-    void cleanup()
-    {
-        dialogs.reset();
-        f.reset();
-    }
+    void cleanup() { f.reset(); }
 
     // Each statement printed wide and narrow: the small association for a spring period, with the
     // previous year beside this one, and the demo for its year (the build's, so written as letters).

@@ -1,4 +1,3 @@
-#include "ScriptedDialogs.h"
 #include "StatementFixture.h"
 #include "statements/TemplateChecks.h"
 
@@ -36,20 +35,17 @@ class tst_TemplateChecks : public QObject {
     Q_OBJECT
 
     std::unique_ptr<StatementFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
 
 private slots:
     void init()
     {
         f = std::make_unique<StatementFixture>();
         QVERIFY(f->ok);
-        dialogs = std::make_unique<ScriptedDialogs>();
         cleanPair();
     }
     void cleanup()
     {
-        QVERIFY2(dialogs->failures().isEmpty(), qPrintable(dialogs->failures().join(u'\n')));
-        dialogs.reset();
+        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
         f.reset();
     }
 
@@ -159,23 +155,23 @@ private slots:
         StatementFixture::exec(
             QStringLiteral("UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID IN (10, 11, 22, 23)"));
         StatementFixture::exec(QStringLiteral("UPDATE mr SET mrSaldoPuoli = 'K' WHERE mrID = 21"));
-        dialogs->answerNo();
+        f->dialogs.answerNo();
         QCOMPARE(TemplateChecks::korjaaSaldopuolet(f->db(), { 1, 2 }), std::nullopt);
         QCOMPARE(
             StatementFixture::value(QStringLiteral("SELECT mrSaldoPuoli FROM mr WHERE mrID = 10")).toString(),
             QStringLiteral("D"));
-        dialogs->answerYes();
+        f->dialogs.answerYes();
         QCOMPARE(TemplateChecks::korjaaSaldopuolet(f->db(), { 1, 2 }), std::optional<int>(5));
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information), QStringList { "Korjaukset tehty." });
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Information), QStringList { "Korjaukset tehty." });
         QCOMPARE(StatementFixture::value(QStringLiteral("SELECT GROUP_CONCAT(mrSaldoPuoli, '') FROM "
                                                         "(SELECT mrSaldoPuoli FROM mr ORDER BY mrID)"))
                      .toString(),
             QStringLiteral("KKKDDKK"));
         QCOMPARE(lines(TemplateChecks::run(f->db(), { 1, 2 })), QStringList());
-        dialogs->clear();
-        dialogs->answerYes();
+        f->dialogs.clear();
+        f->dialogs.answerYes();
         QCOMPARE(TemplateChecks::korjaaSaldopuolet(f->db(), { 0, 0 }), std::nullopt);
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information),
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Information),
             QStringList { "Valitse korjattava tulos- ja / tai tasemalli." });
     }
 };

@@ -1,4 +1,3 @@
-#include "ScriptedDialogs.h"
 #include "StatementFixture.h"
 #include "statements/TemplateEditor.h"
 
@@ -55,23 +54,20 @@ class tst_TemplateEditor : public QObject {
     Q_OBJECT
 
     std::unique_ptr<StatementFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
 
-    QStringList infos() const { return dialogs->texts(ScriptedDialogs::Kind::Information); }
+    QStringList infos() const { return f->dialogs.texts(ScriptedDialogs::Kind::Information); }
 
 private slots:
     void init()
     {
         f = std::make_unique<StatementFixture>();
         QVERIFY(f->ok);
-        dialogs = std::make_unique<ScriptedDialogs>();
         templates();
     }
     void cleanup()
     {
-        QVERIFY2(dialogs->failures().isEmpty(), qPrintable(dialogs->failures().join(u'\n')));
-        QCOMPARE(dialogs->remainingAnswers(), 0);
-        dialogs.reset();
+        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
+        QCOMPARE(f->dialogs.remainingAnswers(), 0);
         f.reset();
     }
 
@@ -138,12 +134,12 @@ private slots:
         QVERIFY(!TemplateEditor::remove(f->db(), Node {}));
         QVERIFY(!TemplateEditor::remove(f->db(), Node::root(1)));
         QVERIFY(!TemplateEditor::remove(f->db(), Node::ofRow(11)));
-        dialogs->answerNo();
+        f->dialogs.answerNo();
         QVERIFY(!TemplateEditor::remove(f->db(), Node::ofRow(20)));
-        dialogs->answerYes();
+        f->dialogs.answerYes();
         QVERIFY(!TemplateEditor::remove(f->db(), Node::ofTemplate(2)));
         QCOMPARE(all(), before);
-        QCOMPARE(dialogs->transcript(),
+        QCOMPARE(f->dialogs.transcript(),
             (QStringList { "information: Valitse poistettava rivi luettelosta!",
                 "information: Valitse poistettavaksi malli tai mallin rivi!",
                 "information: Ryhmää, jolla on alaryhmiä, ei voi poistaa.\nPoista ensin poistettavan ryhmän "
@@ -152,10 +148,10 @@ private slots:
                 "information: Malli on suojattu, eikä sitä voi poistaa." }));
 
         // A row goes and its siblings close the gap; a template goes with its own rows only.
-        dialogs->answerYes();
+        f->dialogs.answerYes();
         QVERIFY(TemplateEditor::remove(f->db(), Node::ofRow(20)));
         QCOMPARE(order(11), QStringLiteral("21:1 22:2"));
-        dialogs->answerYes();
+        f->dialogs.answerYes();
         QVERIFY(TemplateEditor::remove(f->db(), Node::ofTemplate(1)));
         QCOMPARE(StatementFixture::count(QStringLiteral("mr"), QStringLiteral("mrmaID = 1")), 0);
         QCOMPARE(StatementFixture::count(QStringLiteral("mr")), 3);
@@ -238,13 +234,13 @@ private slots:
         QCOMPARE(TemplateEditor::chooseAccounts(false, true, QStringLiteral("3,"), V {}), std::nullopt);
         QCOMPARE(infos().last(),
             QStringLiteral("Poista ensin mallin suojaus poistaaksesi tämän ryhmän tilivalinnat."));
-        dialogs->answerNo();
+        f->dialogs.answerNo();
         QCOMPARE(TemplateEditor::chooseAccounts(false, false, QStringLiteral("3,"), V {}), std::nullopt);
-        dialogs->answerYes();
+        f->dialogs.answerYes();
         QCOMPARE(TemplateEditor::chooseAccounts(false, false, QStringLiteral("3,"), V {}),
             std::optional<QString>(QString()));
         // Clearing a group's old accounts is allowed: that is how a mistake is put right.
-        dialogs->answerYes();
+        f->dialogs.answerYes();
         QCOMPARE(TemplateEditor::chooseAccounts(true, false, QStringLiteral("3,"), V {}),
             std::optional<QString>(QString()));
     }

@@ -1,4 +1,3 @@
-#include "ScriptedDialogs.h"
 #include "StatementFixture.h"
 #include "statements/frmNewTulosJaTase.h"
 #include "statements/frmTarkistusVirheet.h"
@@ -68,7 +67,6 @@ class tst_frmNewTulosJaTase : public QObject {
     Q_OBJECT
 
     std::unique_ptr<StatementFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
     std::unique_ptr<frmNewTulosJaTase> w;
 
     template <typename T> T* child(const char* name) const { return w->findChild<T*>(QLatin1String(name)); }
@@ -80,7 +78,6 @@ private slots:
     {
         f = std::make_unique<StatementFixture>();
         QVERIFY(f->ok);
-        dialogs = std::make_unique<ScriptedDialogs>();
         books();
         w = std::make_unique<frmNewTulosJaTase>(f->db());
         w->QWidget::show();
@@ -92,9 +89,8 @@ private slots:
         if (w)
             w->close();
         w.reset();
-        QVERIFY2(dialogs->failures().isEmpty(), qPrintable(dialogs->failures().join(u'\n')));
-        QCOMPARE(dialogs->remainingAnswers(), 0);
-        dialogs.reset();
+        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
+        QCOMPARE(f->dialogs.remainingAnswers(), 0);
         f.reset();
     }
 
@@ -161,15 +157,15 @@ private slots:
         QVERIFY(w->selectNode(QStringLiteral("mr10")));
         QTest::keyClicks(child<QLineEdit>("tNimi"), QStringLiteral(" ja avustukset"));
         QCOMPARE(tree()->currentItem()->text(0), QStringLiteral("Tuotot ja avustukset"));
-        dialogs->answerNo();
+        f->dialogs.answerNo();
         QVERIFY(w->selectNode(QStringLiteral("mr11")));
         QCOMPARE(
-            dialogs->texts(ScriptedDialogs::Kind::Question), QStringList { "Tallennetaanko muutokset?" });
+            f->dialogs.texts(ScriptedDialogs::Kind::Question), QStringList { "Tallennetaanko muutokset?" });
         QVERIFY(w->selectNode(QStringLiteral("mr10")));
         QCOMPARE(tree()->currentItem()->text(0), QStringLiteral("Tuotot"));
         // Yes saves the change.
         QTest::keyClicks(child<QLineEdit>("tNimi"), QStringLiteral(" ja avustukset"));
-        dialogs->answerYes();
+        f->dialogs.answerYes();
         QVERIFY(w->selectNode(QStringLiteral("mr11")));
         QCOMPARE(
             StatementFixture::value(QStringLiteral("SELECT mrTeksti FROM mr WHERE mrID = 10")).toString(),
@@ -188,7 +184,7 @@ private slots:
         QCOMPARE(tree()->currentItem()->parent()->indexOfChild(tree()->currentItem()), 0);
         // The node above takes the selection.
         QVERIFY(w->selectNode(QStringLiteral("mr24")));
-        dialogs->answerYes();
+        f->dialogs.answerYes();
         QTest::keyClick(tree(), Qt::Key_Delete);
         QCOMPARE(StatementFixture::count(QStringLiteral("mr"), QStringLiteral("mrID = 24")), 0);
         QCOMPARE(w->selectedKey(), QStringLiteral("mr23"));
@@ -248,7 +244,7 @@ private slots:
         StatementFixture::exec(QStringLiteral("UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID = 23"));
         QVERIFY(w->selectNode(QStringLiteral("ma2")));
         child<QAction>("mTarkistaTilikartta")->trigger();
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information),
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Information),
             QStringList {
                 "Tarkistus suoritettu.\n\nVastattavaa-puolella on valittuna saldopuoleksi debet.\nKohdassa:\n"
                 "Tase / Vastattavaa / Pääoma" });
@@ -260,14 +256,14 @@ private slots:
         QCOMPARE(list->item(0)->text(),
             QStringLiteral("Vastattavaa-puolella on valittuna saldopuoleksi debet. -- "
                            "Tarkista: Tase / Vastattavaa / Pääoma"));
-        dialogs->answerYes();
+        f->dialogs.answerYes();
         d.findChild<QAction*>(QStringLiteral("mKorjausSaldopuoli"))->trigger();
         QCOMPARE(list->count(), 1);
         QCOMPARE(list->item(0)->text(), QStringLiteral("Tarkistus suoritettu virheettömästi."));
         // Both templates are needed.
         d.findChild<QComboBox*>(QStringLiteral("cmbTase"))->setCurrentIndex(0);
         d.findChild<QPushButton*>(QStringLiteral("cTarkista"))->click();
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information).last(),
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Information).last(),
             QStringLiteral("Valitse tarkistettava tulos- ja tasemalli."));
     }
 
@@ -278,7 +274,7 @@ private slots:
         combo->setCurrentIndex(0);
         emit combo->activated(0);
         click("cTulosta");
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information),
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Information),
             QStringList {
                 "Tasemallille ei ole määritelty tuloslaskelmaa, jonka perusteella tilikauden voitto "
                 "kirjataan." });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ScriptedDialogs.h"
 #include "TestEnv.h"
 #include "core/DBC.h"
 #include "core/ProgramSettings.h"
@@ -18,7 +19,8 @@
 #include <limits>
 #include <utility>
 
-// An empty association database for 2012 (previous 2011), with writers and work-table readers.
+// An empty association database for 2012 (previous 2011) with scripted dialogs, writers and
+// work-table readers.
 class StatementFixture final {
 public:
     StatementFixture()
@@ -240,5 +242,6 @@ public:
     }
 
     TestEnv env;
+    ScriptedDialogs dialogs;
     bool ok = false;
 };

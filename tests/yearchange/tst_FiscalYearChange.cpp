@@ -1,4 +1,3 @@
-#include "ScriptedDialogs.h"
 #include "StatementFixture.h"
 #include "core/Dates.h"
 #include "core/Paths.h"
@@ -114,14 +113,13 @@ void tst_FiscalYearChange::dates()
         d << QDate::fromString(day, QStringLiteral("d.M.yyyy"));
     F f;
     QVERIFY(f.ok);
-    ScriptedDialogs dialogs;
     setYears(d[0], d[1], d[2], d[3]);
     PrintOptions::current().alkupvm = QDate(2011, 5, 1);
     PrintOptions::current().loppupvm = QDate(2011, 5, 31);
 
     FiscalYearChange vaihto(F::db());
     QVERIFY(vaihto.suorita(0, false));
-    QCOMPARE(dialogs.transcript(), QStringList());
+    QCOMPARE(f.dialogs.transcript(), QStringList());
     const FiscalYearChange::Kaudet k = FiscalYearChange::nykyiset();
     QCOMPARE(text(k), expected);
     QCOMPARE(PrintOptions::current().alkupvm, k.alku);
@@ -177,13 +175,12 @@ void tst_FiscalYearChange::refusals()
     else if (!setup.isEmpty())
         QVERIFY(F::exec(setup));
     const QStringList before = books();
-    ScriptedDialogs dialogs;
     FiscalYearChange vaihto(F::db());
     bool asked = false;
     vaihto.setVahvistus([&](const FiscalYearChange::Kaudet&) { return asked = true; });
     QVERIFY(!vaihto.suorita(malli < 0 ? std::nullopt : std::optional<qint32>(malli), true));
     QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    const QStringList transcript = dialogs.transcript();
+    const QStringList transcript = f.dialogs.transcript();
     QCOMPARE(transcript.size(), 1);
     QVERIFY2(transcript.first().startsWith(shown) && transcript.first().contains(detail),
         qPrintable(transcript.first()));
@@ -213,7 +210,6 @@ void tst_FiscalYearChange::openingEntries()
     const QString all = QStringLiteral("1 = 1");
     const QStringList entriesBefore = rows(entries.arg(QStringLiteral("vi"), all));
     const QStringList vouchersBefore = rows(vouchers.arg(QStringLiteral("to"), all));
-    ScriptedDialogs dialogs;
     QStringList stages;
     FiscalYearChange vaihto(F::db());
     vaihto.setEdistyminen([&](const QString& teksti, int) {
@@ -221,7 +217,7 @@ void tst_FiscalYearChange::openingEntries()
             stages << teksti;
     });
     QVERIFY(vaihto.suorita(2, true));
-    QCOMPARE(dialogs.transcript(), QStringList());
+    QCOMPARE(f.dialogs.transcript(), QStringList());
 
     // The safety copy comes first and is named in the status.
     const QString copy = QFileInfo(vaihto.varmuuskopio()).fileName();
@@ -267,7 +263,6 @@ void tst_FiscalYearChange::withoutOpeningEntries()
     booksOf2011();
     F::exec(QStringLiteral("INSERT INTO tase (taseteksti) VALUES ('vanha')"));
     const int entries = F::count(QStringLiteral("vi"));
-    ScriptedDialogs dialogs;
     QVERIFY(FiscalYearChange(F::db()).suorita(2, false));
     QCOMPARE(F::count(QStringLiteral("viE")), entries);
     QCOMPARE(F::count(QStringLiteral("\"to\"")) + F::count(QStringLiteral("vi")), 0);
@@ -318,23 +313,22 @@ void tst_FiscalYearChange::failureLeavesBooks()
         QDir().mkpath(QFileInfo(folder).absolutePath());
         QVERIFY(TestEnv::writeFile(folder, "ei kansio"));
     }
-    ScriptedDialogs dialogs;
     FiscalYearChange vaihto(F::db());
     vaihto.setEdistyminen([&](const QString& teksti, int valmiina) {
         if (teksti == FiscalYearChange::vaiheTeksti(stage) && valmiina == stage)
             throw std::runtime_error("keskeytetty");
     });
     QVERIFY(!vaihto.suorita(2, true));
-    QCOMPARE(dialogs.transcript().size(), 1);
-    QVERIFY2(dialogs.texts(ScriptedDialogs::Kind::Error).value(0).startsWith(error),
-        qPrintable(dialogs.transcript().join(u'\n')));
+    QCOMPARE(f.dialogs.transcript().size(), 1);
+    QVERIFY2(f.dialogs.texts(ScriptedDialogs::Kind::Error).value(0).startsWith(error),
+        qPrintable(f.dialogs.transcript().join(u'\n')));
     QCOMPARE(QFileInfo::exists(vaihto.varmuuskopio()), failure != u"no safety copy");
     F::exec(QStringLiteral("PRAGMA max_page_count = 1073741823"));
     QCOMPARE(books(), before);
     QCOMPARE(F::count(QStringLiteral("tase")), 0);
     // Nothing is left half-done: the next try goes through.
     QFile::remove(folder);
-    dialogs.clear();
+    f.dialogs.clear();
     FiscalYearChange uudestaan(F::db());
     QVERIFY(uudestaan.suorita(2, true));
     QCOMPARE(FiscalYearChange::nykyiset().alku, QDate(2012, 1, 1));

@@ -61,7 +61,6 @@ void tst_frmKaudenVaihto::opens()
     F::malli(1, QStringLiteral("Tuloslaskelma"), 1);
     F::malli(2, QStringLiteral("Yhdistyksen tase"), 2, 1);
     F::malli(3, QStringLiteral("Aatteellinen tase"), 2, 1);
-    ScriptedDialogs dialogs;
     frmKaudenVaihto w(F::db());
     QCOMPARE(label(w, "lblTilikausiAlku"), QStringLiteral("1.3.2011"));
     QCOMPARE(label(w, "lblTilikausiLoppu"), QStringLiteral("29.2.2012"));
@@ -74,11 +73,11 @@ void tst_frmKaudenVaihto::opens()
     QCOMPARE(items, (QStringList { "  0", "Aatteellinen tase 3", "Yhdistyksen tase 2" }));
     QCOMPARE(cmb->currentIndex(), -1);
     QVERIFY(child<QCheckBox>(w, "chkTeeAvausviennit")->isChecked());
-    QCOMPARE(dialogs.transcript(), QStringList());
+    QCOMPARE(f.dialogs.transcript(), QStringList());
 
     w.show();
     QTest::mouseClick(child<QPushButton>(w, "cTilikaudenvaihto"), Qt::LeftButton);
-    QCOMPARE(dialogs.transcript(),
+    QCOMPARE(f.dialogs.transcript(),
         QStringList {
             QStringLiteral("information: Valitse tasemalli, jonka mukaan kirjataan avausviennit!") });
     QVERIFY(w.isVisible());

@@ -209,7 +209,9 @@ int main(int argc, char** argv)
         // Speed over safety while writing a throw-away file; the finished file is a normal one.
         ok = ok && q.exec(QStringLiteral("PRAGMA journal_mode=OFF"))
             && q.exec(QStringLiteral("PRAGMA synchronous=OFF"));
-        ok = ok && Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok;
+        if (ok)
+            Schema::createCoreTables(db);
+        ok = ok && Schema::UpdateDatabase(db).ok;
         ok = ok && db.transaction();
         QSqlQuery a(db);
         ok = ok

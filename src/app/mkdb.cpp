@@ -45,9 +45,11 @@ int main(int argc, char* argv[])
         db.setDatabaseName(temp);
         if (!db.open())
             return fail(db.lastError().text());
-        QString error;
-        if (!Schema::createCoreTables(db, &error))
-            return fail(error);
+        try {
+            Schema::createCoreTables(db);
+        } catch (const DatabaseError& e) {
+            return fail(e.text());
+        }
         const Schema::UpgradeResult upgrade = Schema::UpdateDatabase(db);
         if (!upgrade.ok)
             return fail(upgrade.error);

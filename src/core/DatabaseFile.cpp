@@ -1,6 +1,7 @@
 #include "core/DatabaseFile.h"
-#include "core/ErrorText.h"
 
+#include "core/DatabaseError.h"
+#include "core/ErrorText.h"
 #include "core/PageRecovery.h"
 #include "core/Schema.h"
 #include "core/ScopedConnection.h"
@@ -169,7 +170,12 @@ OpenResult open(const QString& path, const QString& connectionName, bool readOnl
                 q.exec(QStringLiteral("PRAGMA cell_size_check=ON"));
                 q.finish();
                 // The reports' work tables live beside the books, never in them.
-                Schema::createWorkTables(db);
+                try {
+                    Schema::createWorkTables(db);
+                } catch (const DatabaseError& e) {
+                    result = failure(
+                        DbError::Failed, e.message(QStringLiteral("Raporttien työtauluja ei voitu tehdä.")));
+                }
             }
         }
         if (!result)
@@ -269,15 +275,20 @@ bool integrityOk(const QString& path)
 }
 
 // Empty core tables where the repair found none, so that the books open; the report tells
-// what they held.
-void addMissingCoreTables(const QString& path)
+// what they held. The engine's words when they could not be made.
+QString addMissingCoreTables(const QString& path)
 {
     ScopedConnection connection(path);
     if (!connection.isOpen())
-        return;
-    const QStringList missing = Schema::missingCoreTables(connection.db());
-    if (!missing.isEmpty())
-        Schema::createCoreTables(connection.db(), missing);
+        return ErrorText::technical(connection.db().lastError().text());
+    try {
+        const QStringList missing = Schema::missingCoreTables(connection.db());
+        if (!missing.isEmpty())
+            Schema::createCoreTables(connection.db(), missing);
+    } catch (const DatabaseError& e) {
+        return e.text();
+    }
+    return QString();
 }
 
 } // namespace
@@ -347,7 +358,12 @@ RepairResult repairInto(const QString& source, const QString& target)
             return repair;
         }
         repair.unplaced = qint64(rows.unplaced.size());
-        addMissingCoreTables(target);
+        const QString notMade = addMissingCoreTables(target);
+        if (!notMade.isEmpty()) {
+            QFile::remove(target);
+            repair.result = failure(DbError::Failed, notMade);
+            return repair;
+        }
     }
     repair.byCompaction = copied;
 

@@ -190,7 +190,14 @@ QHash<QString, QSet<QString>> currentLayout()
     QHash<QString, QSet<QString>> layout;
     ScopedConnection memory(QStringLiteral(":memory:"));
     QSqlDatabase& db = memory.db();
-    if (memory.isOpen() && Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok)
+    if (!memory.isOpen())
+        return layout;
+    try {
+        Schema::createCoreTables(db);
+    } catch (const DatabaseError&) {
+        return layout; // then every field of the old file is listed as one Vorkam lacks
+    }
+    if (Schema::UpdateDatabase(db).ok)
         for (const QString& table : Schema::tableNames())
             layout.insert(table.toLower(), fieldsOf(db, table));
     return layout;
@@ -393,13 +400,10 @@ JetConversion::Result JetConversion::convert(const QString& path) const
             Sql::run(db, QStringLiteral("PRAGMA synchronous=FULL")).finish();
             {
                 Transaction transaction(db);
-                QString error;
-                if (!Schema::createCoreTables(db, &error))
-                    throw DatabaseError(error);
+                Schema::createCoreTables(db);
                 for (const JetTable& table : jet.tables) {
-                    if (Schema::tableMissing(db, table.name)
-                        && !Schema::createUpgradeTable(db, table.name, &error))
-                        throw DatabaseError(error);
+                    if (Schema::tableMissing(db, table.name))
+                        Schema::createUpgradeTable(db, table.name);
                     // Fields of the old file that the new table lacks are added, so nothing is left
                     // behind; a later upgrade step finds them there.
                     const QSet<QString> present = fieldsOf(db, table.name);
@@ -429,9 +433,8 @@ JetConversion::Result JetConversion::convert(const QString& path) const
                         Sql::exec(insert);
                     }
                     insert.finish();
-                    if (table.lastCounter > 0
-                        && !Schema::reserveIds(db, table.name, table.lastCounter, &error))
-                        throw DatabaseError(error);
+                    if (table.lastCounter > 0)
+                        Schema::reserveIds(db, table.name, table.lastCounter);
                     const qint64 written
                         = Sql::scalar(db, QStringLiteral("SELECT COUNT(*) FROM %1").arg(quoted(table.name)))
                               .toLongLong();

@@ -1,5 +1,7 @@
 #include "core/Schema.h"
 
+#include "core/DatabaseError.h"
+
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QStringList>
@@ -253,26 +255,15 @@ private:
 
 namespace Schema {
 
-bool createCoreTables(const QSqlDatabase& db, QString* error)
-{
-    return createCoreTables(db, QStringList(), error);
-}
-
-bool createCoreTables(const QSqlDatabase& db, const QStringList& only, QString* error)
+void createCoreTables(const QSqlDatabase& db, const QStringList& only)
 {
     for (const char* sql : CoreTables) {
         // "CREATE TABLE name (" or "CREATE TABLE \"to\" (": the name is the third word.
         const QString name = QString::fromLatin1(sql).section(u' ', 2, 2).remove(u'"');
         if (!only.isEmpty() && !only.contains(name, Qt::CaseInsensitive))
             continue;
-        QSqlQuery q(db);
-        if (!q.exec(QString::fromLatin1(sql))) {
-            if (error)
-                *error = q.lastError().text();
-            return false;
-        }
+        Sql::run(db, QString::fromLatin1(sql)).finish();
     }
-    return true;
 }
 
 bool tableMissing(const QSqlDatabase& db, const QString& table)
@@ -319,52 +310,31 @@ QStringList tableNames()
     return names;
 }
 
-bool createUpgradeTable(const QSqlDatabase& db, const QString& table, QString* error)
+void createUpgradeTable(const QSqlDatabase& db, const QString& table)
 {
-    for (const CreateTable* t : UpgradeTables) {
-        if (table.compare(QLatin1String(t->table), Qt::CaseInsensitive) != 0)
-            continue;
-        QSqlQuery q(db);
-        if (q.exec(QString::fromLatin1(t->sql)))
-            return true;
-        if (error)
-            *error = q.lastError().text();
-        return false;
-    }
-    if (error)
-        *error = QStringLiteral("Taulua %1 ei ole Vorkamin rakenteessa.").arg(table);
-    return false;
+    for (const CreateTable* t : UpgradeTables)
+        if (table.compare(QLatin1String(t->table), Qt::CaseInsensitive) == 0) {
+            Sql::run(db, QString::fromLatin1(t->sql)).finish();
+            return;
+        }
+    throw DatabaseError(QStringLiteral("Taulua %1 ei ole Vorkamin rakenteessa.").arg(table));
 }
 
-bool reserveIds(const QSqlDatabase& db, const QString& table, qint64 lastUsed, QString* error)
+void reserveIds(const QSqlDatabase& db, const QString& table, qint64 lastUsed)
 {
     // SQLite keeps the last number of an AUTOINCREMENT key in sqlite_sequence.
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("UPDATE sqlite_sequence SET seq = max(seq, ?) WHERE name = ?"));
-    q.addBindValue(lastUsed);
-    q.addBindValue(table);
-    bool ok = q.exec();
-    if (ok && q.numRowsAffected() == 0) {
-        q.prepare(QStringLiteral("INSERT INTO sqlite_sequence (name, seq) VALUES (?, ?)"));
-        q.addBindValue(table);
-        q.addBindValue(lastUsed);
-        ok = q.exec();
-    }
-    if (!ok && error)
-        *error = q.lastError().text();
-    return ok;
+    QSqlQuery q = Sql::run(db, QStringLiteral("UPDATE sqlite_sequence SET seq = max(seq, ?) WHERE name = ?"),
+        { lastUsed, table });
+    if (q.numRowsAffected() == 0)
+        Sql::run(
+            db, QStringLiteral("INSERT INTO sqlite_sequence (name, seq) VALUES (?, ?)"), { table, lastUsed })
+            .finish();
 }
 
-bool createWorkTables(const QSqlDatabase& db, QString* error)
+void createWorkTables(const QSqlDatabase& db)
 {
-    QSqlQuery q(db);
     for (const char* sql : WorkTables)
-        if (!q.exec(QString::fromLatin1(sql))) {
-            if (error)
-                *error = q.lastError().text();
-            return false;
-        }
-    return true;
+        Sql::run(db, QString::fromLatin1(sql)).finish();
 }
 
 QString querySql(const QString& name)

@@ -9,10 +9,9 @@
 namespace Schema {
 
 // Creates the core tables of the oldest layout (tl, to, toE, vi, viE, ma, mr, tula, tase),
-// as every model database has them. UpdateDatabase adds the rest.
-bool createCoreTables(const QSqlDatabase& db, QString* error = nullptr);
-// Only the named ones of them, in the oldest layout (a repair's stand-in for lost tables).
-bool createCoreTables(const QSqlDatabase& db, const QStringList& only, QString* error = nullptr);
+// as every model database has them, or only the named ones of them (a repair's stand-in for
+// lost tables). UpdateDatabase adds the rest. Throws DatabaseError.
+void createCoreTables(const QSqlDatabase& db, const QStringList& only = {});
 
 bool tableMissing(const QSqlDatabase& db, const QString& table);
 bool fieldMissing(const QSqlDatabase& db, const QString& table, const QString& field);
@@ -24,16 +23,16 @@ QStringList missingCoreTables(const QSqlDatabase& db);
 // Every table of the current layout: the core tables, then those the upgrade creates.
 QStringList tableNames();
 // Creates one of the tables the upgrade creates (tk, Settings, tlSaldot, tlTarkastelut,
-// tpPohjat, vipPohjat) in its current layout; false for any other name or a failed statement.
-bool createUpgradeTable(const QSqlDatabase& db, const QString& table, QString* error = nullptr);
+// tpPohjat, vipPohjat) in its current layout. Throws DatabaseError, also for any other name.
+void createUpgradeTable(const QSqlDatabase& db, const QString& table);
 // Makes the automatic numbering of `table` continue after `lastUsed` at least, so that
-// numbers given before (and perhaps deleted since) are not given again.
-bool reserveIds(const QSqlDatabase& db, const QString& table, qint64 lastUsed, QString* error = nullptr);
+// numbers given before (and perhaps deleted since) are not given again. Throws DatabaseError.
+void reserveIds(const QSqlDatabase& db, const QString& table, qint64 lastUsed);
 
 // The reports' work tables (tula, tase, tk, tlSaldot, tlTarkastelut and the ledger's balances)
 // as TEMP tables of this connection, which hide the file's tables of the same names. Reading
-// books only, this writes nothing to the file. Harmless when they exist.
-bool createWorkTables(const QSqlDatabase& db, QString* error = nullptr);
+// books only, this writes nothing to the file. Harmless when they exist. Throws DatabaseError.
+void createWorkTables(const QSqlDatabase& db);
 
 struct UpgradeResult {
     bool ok = true;

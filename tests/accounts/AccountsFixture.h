@@ -21,8 +21,10 @@ struct AccountsFixture {
     AccountsFixture()
     {
         bool ok = false;
-        withDatabase(file,
-            [&](QSqlDatabase& db) { ok = Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok; });
+        withDatabase(file, [&](QSqlDatabase& db) {
+            Schema::createCoreTables(db);
+            ok = Schema::UpdateDatabase(db).ok;
+        });
         if (!ok)
             qFatal("cannot create the test database");
         ProgramSettings::installation().Database = file;

@@ -19,7 +19,8 @@ bool createFixture(const QString& file)
 {
     bool ok = false;
     withDatabase(file, [&](QSqlDatabase& db) {
-        ok = Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok;
+        Schema::createCoreTables(db);
+        ok = Schema::UpdateDatabase(db).ok;
         const char* const rows[] = {
             "INSERT INTO tl (tlID, tlNumero, tlNimi, tlKuvaus) VALUES (1, 1910, 'Pankkitili', ' '), "
             "(2, 3000, 'Jäsenmaksut', ' '), (3, 4000, 'Kahvikulut', ' ')",

@@ -26,8 +26,10 @@ public:
     StatementFixture()
     {
         const QString file = env.path(QStringLiteral("data/tilinpaatos.mdb"));
-        withDatabase(file,
-            [this](QSqlDatabase& db) { ok = Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok; });
+        withDatabase(file, [this](QSqlDatabase& db) {
+            Schema::createCoreTables(db);
+            ok = Schema::UpdateDatabase(db).ok;
+        });
         ProgramSettings::installation().Database = file;
         ok = ok && DBC::instance().AvaaDB().isOpen();
         BookkeepingSettings& s = ProgramSettings::bookkeeping();

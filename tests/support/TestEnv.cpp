@@ -64,9 +64,8 @@ bool TestEnv::createDatabase(const QString& file, Layout layout)
 {
     bool ok = false;
     withDatabase(file, [&](QSqlDatabase& db) {
-        ok = Schema::createCoreTables(db);
-        if (ok && layout == Layout::Current)
-            ok = Schema::UpdateDatabase(db).ok;
+        Schema::createCoreTables(db);
+        ok = layout == Layout::Oldest || Schema::UpdateDatabase(db).ok;
         QSqlQuery q(db);
         ok = ok && db.transaction();
         ok = ok

@@ -18,8 +18,10 @@ public:
     VoucherFixture()
     {
         const QString file = env.path(QStringLiteral("data/vouchers.mdb"));
-        withDatabase(file,
-            [this](QSqlDatabase& db) { ok = Schema::createCoreTables(db) && Schema::UpdateDatabase(db).ok; });
+        withDatabase(file, [this](QSqlDatabase& db) {
+            Schema::createCoreTables(db);
+            ok = Schema::UpdateDatabase(db).ok;
+        });
         ProgramSettings::installation().Database = file;
         ok = ok && DBC::instance().AvaaDB().isOpen();
         ProgramSettings::bookkeeping().TilikausiAlku = QDate(2011, 1, 1);

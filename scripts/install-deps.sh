@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite qt6-charts-dev
   libqt6opengl6-dev libgl-dev fonts-liberation sqlite3 libsqlite3-dev clang-format libhpdf-dev libxlsxwriter-dev zlib1g-dev
   libfreetype-dev qt6-translations-l10n mdbtools-dev libblkid-dev poppler-utils unzip python3 dpkg-dev desktop-file-utils appstream libcurl4-openssl-dev
-  python3-aiosmtpd "$@")
+  python3-aiosmtpd mdbtools dosfstools openssl "$@")
 
 missing=()
 for p in "${packages[@]}"; do

@@ -1,6 +1,7 @@
 #include "core/DatabaseCopy.h"
 
 #include "core/ErrorText.h"
+#include "core/FileOps.h"
 #include "core/Paths.h"
 
 #include <QDir>
@@ -107,8 +108,8 @@ OpenResult backup(const QSqlDatabase& db, const QString& target)
         result = failure(DbError::Failed, describe(rc, copy));
     if (sqlite3_close(copy) != SQLITE_OK && result)
         result = failure(DbError::Failed, describe(SQLITE_IOERR, nullptr));
-    // The rename does not replace a file that appeared meanwhile.
-    if (result && !QFile::rename(temp, target))
+    // The rename does not replace a file that appeared meanwhile; the copy's folder is flushed.
+    if (result && !FileOps::instance().rename(temp, target))
         result = failure(QFileInfo::exists(target) ? DbError::FileExists : DbError::Failed,
             QStringLiteral("Valmista kopiota ei voitu nimetä nimelle %1.").arg(target));
     if (!result)

@@ -59,6 +59,19 @@ QString pragmaValue(const QSqlDatabase& db, const QString& pragma)
 
 // Rollback journal beside the file (asking for the mode it already has writes nothing) and full
 // synchronisation, each read back. Gives "" when both hold, otherwise the message.
+std::atomic<bool> damage { false };
+
+void logError(void*, int code, const char*)
+{
+    const int primary = code & 0xff;
+    if (primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB)
+        damage = true;
+}
+
+} // namespace
+
+namespace DatabaseFile {
+
 QString durableWrites(const QSqlDatabase& db)
 {
     QString mode = pragmaValue(db, QStringLiteral("journal_mode"));
@@ -72,19 +85,6 @@ QString durableWrites(const QSqlDatabase& db)
                           "Tekninen tieto: journal_mode %1, synchronous %2")
         .arg(mode.isEmpty() ? QStringLiteral("?") : mode, sync.isEmpty() ? QStringLiteral("?") : sync);
 }
-
-std::atomic<bool> damage { false };
-
-void logError(void*, int code, const char*)
-{
-    const int primary = code & 0xff;
-    if (primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB)
-        damage = true;
-}
-
-} // namespace
-
-namespace DatabaseFile {
 
 bool isReadOnly(const QString& path)
 {

@@ -43,6 +43,11 @@ OpenResult examine(const QString& path);
 // On failure the connection is removed again.
 OpenResult open(const QString& path, const QString& connectionName, bool readOnly = false, bool check = true);
 
+// Sets the books' connection to write durably (a rollback journal deleted at each commit, and
+// every commit on the disk before it returns) and reads both settings back. Empty when they
+// took; otherwise the Finnish refusal to write, with the values the engine gave.
+QString durableWrites(const QSqlDatabase& db);
+
 // Closes and removes a connection made by open().
 void close(const QString& connectionName);
 

@@ -396,8 +396,8 @@ JetConversion::Result JetConversion::convert(const QString& path) const
         try {
             if (!connection.isOpen())
                 throw DatabaseError(ErrorText::technical(db.lastError().text()));
-            Sql::run(db, QStringLiteral("PRAGMA journal_mode=DELETE")).finish();
-            Sql::run(db, QStringLiteral("PRAGMA synchronous=FULL")).finish();
+            if (const QString refusal = DatabaseFile::durableWrites(db); !refusal.isEmpty())
+                throw DatabaseError(refusal);
             {
                 Transaction transaction(db);
                 Schema::createCoreTables(db);

@@ -73,6 +73,7 @@ private slots:
     void restoreReplacesAfterQuestion();
     void restoreCanBeStopped();
     void restoreRefusesNonDatabase();
+    void replacedBooksAreFlushedAroundTheRename();
 };
 
 // The work files' names replace the last character, whatever the extension (seura.md2, seura.md3).
@@ -248,4 +249,36 @@ void tst_DatabaseCommands::restoreRefusesNonDatabase()
 }
 
 QTEST_GUILESS_MAIN(tst_DatabaseCommands)
+// A power cut right after a step must find the old books or the whole new ones: the new file is
+// flushed while the books are still the old ones, and their folder once the books are the new.
+void tst_DatabaseCommands::replacedBooksAreFlushedAroundTheRename()
+{
+    TestEnv env;
+    ScriptedDialogs dialogs;
+    Books books(env);
+    QStringList flushes; // "file" or "folder", with whether the books were new at that moment
+    FileOps::instance().flush = [&](const QString& path) {
+        flushes << (QFileInfo(path).isDir() ? QStringLiteral("folder ") : QStringLiteral("file "))
+                + (TestEnv::readFile(books.file) == books.bytes ? QStringLiteral("old")
+                                                                : QStringLiteral("new"));
+        return true;
+    };
+    const auto flushedAround = [&] {
+        return flushes.indexOf(QStringLiteral("file old")) >= 0
+            && flushes.indexOf(QStringLiteral("folder new")) > flushes.indexOf(QStringLiteral("file old"));
+    };
+    QVERIFY(DatabaseCommands::backupAndReorganize());
+    QVERIFY2(flushedAround(), qPrintable(flushes.join(u", ")));
+
+    DBC::instance().SuljeDB();
+    for (const auto& step : { FileOps::instance().copy, FileOps::instance().replace }) {
+        books.bytes = TestEnv::readFile(books.file);
+        const QString other = env.path(QStringLiteral("toinen.mdb"));
+        QVERIFY(TestEnv::writeFile(other, books.bytes + "+"));
+        flushes.clear();
+        QVERIFY(step(other, books.file));
+        QVERIFY2(flushedAround(), qPrintable(flushes.join(u", ")));
+    }
+}
+
 #include "tst_DatabaseCommands.moc"

@@ -309,6 +309,10 @@ QString RepairResult::report() const
             QStringLiteral("Lisäksi %1 riviä, joiden taulua ei voitu päätellä, on tallessa taulussa %2.")
                 .arg(unplaced)
                 .arg(UnplacedTable));
+    if (!skipped.isEmpty())
+        lines.append(
+            QStringLiteral("Vioittuneen tiedoston rakenteita, joita Vorkam ei tunne, ei tehty uudelleen: %1.")
+                .arg(skipped.join(QStringLiteral(", "))));
     return lines.join(u'\n');
 }
 
@@ -358,6 +362,7 @@ RepairResult repairInto(const QString& source, const QString& target)
             return repair;
         }
         repair.unplaced = qint64(rows.unplaced.size());
+        repair.skipped = rows.skipped;
         const QString notMade = addMissingCoreTables(target);
         if (!notMade.isEmpty()) {
             QFile::remove(target);

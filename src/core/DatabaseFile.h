@@ -3,6 +3,7 @@
 #include <QList>
 #include <QSqlDatabase>
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 // What went wrong with a database file. The first three steer the same branches as the
@@ -69,6 +70,8 @@ struct RepairResult {
     OpenResult result;
     QList<TableCount> counts;
     qint64 unplaced = 0;
+    // Schema objects of the damaged file not made again ("trigger name").
+    QStringList skipped;
     bool byCompaction = false;
     explicit operator bool() const { return bool(result); }
     // Per table, what the damaged file held and what the repaired one holds, in Finnish.

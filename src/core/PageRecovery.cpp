@@ -4,6 +4,7 @@
 #include "core/Transaction.h"
 
 #include <QHash>
+#include <QRegularExpression>
 #include <QSet>
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -12,10 +13,38 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <sqlite3.h>
 
 namespace PageRecovery {
 
 namespace {
+
+// One CREATE statement of a table, an index or a view that names the object its schema row
+// names. A trigger, a virtual table or text with more after the statement is not run.
+bool recognised(const QString& type, const QString& name, const QString& sql)
+{
+    static const QRegularExpression create(
+        QStringLiteral("^\\s*CREATE\\s+(TABLE|UNIQUE\\s+INDEX|INDEX|VIEW)\\s+(?:IF\\s+NOT\\s+EXISTS\\s+)?"
+                       "(?:\"((?:[^\"]|\"\")*)\"|\\[([^\\]]*)\\]|`([^`]*)`|(\\w+))"),
+        QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch m = create.match(sql);
+    if (!m.hasMatch())
+        return false;
+    const QString kind = m.captured(1).toUpper();
+    const bool kindMatches = type == u"table" ? kind == u"TABLE"
+        : type == u"index"                    ? kind.endsWith(u"INDEX")
+                                              : type == u"view" && kind == u"VIEW";
+    QString named = m.captured(2).replace(QStringLiteral("\"\""), QStringLiteral("\""));
+    for (int i = 3; i <= 5 && named.isEmpty(); ++i)
+        named = m.captured(i);
+    if (!kindMatches || named.compare(name, Qt::CaseInsensitive) != 0)
+        return false;
+    const QByteArray text = sql.toUtf8();
+    for (qsizetype at = text.indexOf(';'); at >= 0; at = text.indexOf(';', at + 1))
+        if (sqlite3_complete(text.left(at + 1).constData()))
+            return text.mid(at + 1).trimmed().isEmpty();
+    return true;
+}
 
 constexpr quint8 InteriorTable = 0x05;
 constexpr quint8 LeafTable = 0x0D;
@@ -330,12 +359,18 @@ private:
             const QString sql = row.values.at(4).toString();
             if (sql.isEmpty())
                 continue;
+            if (name.startsWith(QLatin1String("sqlite_")) && type != u"table")
+                continue;
+            if (!recognised(type, name, sql)) {
+                result.skipped.append(type + u' ' + name);
+                continue;
+            }
             if (type == u"table") {
                 const quint32 root = quint32(row.values.at(3).toLongLong());
                 const int columns = columnCount(sql);
                 if (columns > 0)
                     result.tables.push_back(Table { name, sql, root, columns, {}, 0 });
-            } else if (!name.startsWith(QLatin1String("sqlite_"))) {
+            } else {
                 result.otherSql.append(sql);
             }
         }

@@ -32,8 +32,11 @@ struct Result {
     // The schema table could be read.
     bool schemaRead = false;
     std::vector<Table> tables;
-    // Other schema objects (indexes, views, triggers) by their SQL, in schema order.
+    // The indexes and views by their SQL, in schema order.
     QStringList otherSql;
+    // Schema objects not made again ("trigger name"): only one plain CREATE statement of a
+    // table, an index or a view, naming the object its row names, is run from a damaged file.
+    QStringList skipped;
     // Rows of table pages that no table could be told to own.
     std::vector<Row> unplaced;
     int pageSize = 0;

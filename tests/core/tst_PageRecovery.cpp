@@ -97,6 +97,41 @@ private slots:
         if (damage == u"none" || damage == u"header")
             QCOMPARE(recovered, original);
     }
+
+    // Schema text read from a damaged file is run only when it is one plain CREATE of the
+    // table, index or view its row names: a trigger, or text that goes on after the statement,
+    // is left out and named in the result.
+    void onlyPlainCreatesAreRun()
+    {
+        TestEnv env;
+        const QString file = env.path(QStringLiteral("seura.mdb"));
+        QVERIFY(TestEnv::createDatabase(file));
+        withDatabase(file, [](QSqlDatabase& db) {
+            QSqlQuery q(db);
+            QVERIFY(q.exec(QStringLiteral("CREATE VIEW tilit AS SELECT tlNumero FROM tl")));
+            QVERIFY(q.exec(QStringLiteral("CREATE TRIGGER t AFTER INSERT ON tl BEGIN DELETE FROM vi; END")));
+            QVERIFY(q.exec(QStringLiteral("CREATE INDEX i ON tl(tlNimi)")));
+            QVERIFY(q.exec(QStringLiteral("PRAGMA writable_schema = ON")));
+            QVERIFY(q.exec(
+                QStringLiteral("UPDATE sqlite_master SET sql = sql || '; DROP TABLE vi' WHERE name = 'i'")));
+        });
+        const PageRecovery::Result read = PageRecovery::read(TestEnv::readFile(file));
+        QCOMPARE(read.skipped, (QStringList { QStringLiteral("trigger t"), QStringLiteral("index i") }));
+        const QString target = env.path(QStringLiteral("korjattu.mdb"));
+        QString error;
+        QVERIFY2(PageRecovery::write(read, target, QStringLiteral("loydetyt"), &error), qPrintable(error));
+        QStringList made;
+        withDatabase(target, [&](QSqlDatabase& db) {
+            QSqlQuery q(db);
+            QVERIFY(q.exec(QStringLiteral(
+                "SELECT type || ' ' || name FROM sqlite_master WHERE name IN ('t', 'i', 'tilit', 'vi')")));
+            while (q.next())
+                made << q.value(0).toString();
+        });
+        made.sort();
+        QCOMPARE(made, (QStringList { QStringLiteral("table vi"), QStringLiteral("view tilit") }));
+        QCOMPARE(dump(target).value(QStringLiteral("vi")), dump(file).value(QStringLiteral("vi")));
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_PageRecovery)

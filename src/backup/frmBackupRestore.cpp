@@ -82,7 +82,8 @@ void frmBackupRestore::palauta()
         ui->cSulje->setEnabled(false);
         ui->cPalauta->setEnabled(false);
         ui->pbEdistyminen->setValue(0);
-        // No wait cursor: the restore asks its questions on the way; the bar shows the copying.
+        // No wait cursor: the restore asks its questions on the way; the bar shows the copying, and
+        // the conversion of an old-format copy sets the cursor for its own time.
         outcome = StickRestore::restore(copy, [this](qint64 done, qint64 total) {
             ui->pbEdistyminen->setValue(total > 0 ? int(done * 100 / total) : 100);
             QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);

@@ -17,8 +17,6 @@ class tst_StickBackup : public QObject {
     Q_OBJECT
 
 private slots:
-    void freeSpaceMustExceedTheBooks_data();
-    void freeSpaceMustExceedTheBooks();
     void copyHoldsTheBooksAsClosedAndReplacesTheDaysFirst();
     void failedCopyLeavesNothingLikeABackup_data();
     void failedCopyLeavesNothingLikeABackup();
@@ -42,25 +40,6 @@ struct Setup {
 };
 
 } // namespace
-
-void tst_StickBackup::freeSpaceMustExceedTheBooks_data()
-{
-    QTest::addColumn<qint64>("extra");
-    QTest::addColumn<bool>("ready");
-    QTest::newRow("exactly the books' size") << qint64(0) << false;
-    QTest::newRow("one byte more") << qint64(1) << true;
-}
-
-void tst_StickBackup::freeSpaceMustExceedTheBooks()
-{
-    QFETCH(qint64, extra);
-    QFETCH(bool, ready);
-    Setup s;
-    StickBackup backup(s.books);
-    s.drives.volume(0).freeBytes = QFileInfo(s.books).size() + extra;
-    QCOMPARE(backup.find(), ready ? StickBackup::Found::Ready : StickBackup::Found::NoSpace);
-    QCOMPARE(backup.stick().mountPoint, s.stick);
-}
 
 void tst_StickBackup::copyHoldsTheBooksAsClosedAndReplacesTheDaysFirst()
 {

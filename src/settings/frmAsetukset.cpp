@@ -6,7 +6,6 @@
 #include "core/Dialogs.h"
 #include "core/MailServerQuery.h"
 #include "ui/EnterAsTab.h"
-#include "ui/WaitCursor.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -90,7 +89,21 @@ frmAsetukset::frmAsetukset(const QSqlDatabase& db, QWidget* parent)
     (writable ? static_cast<QWidget*>(ui->tSeurannimi) : ui->tDatabase)->setFocus();
 }
 
-frmAsetukset::~frmAsetukset() = default;
+// What the name service answered, handed from the asking thread to the window's.
+struct MailServerAnswer {
+    MailServerQuery::Result result;
+};
+
+frmAsetukset::~frmAsetukset()
+{
+    // The name service answers within seconds; the window waits for it rather than leave a
+    // thread behind that writes into a closed window.
+    if (m_mailServerQuery) {
+        m_mailServerQuery->disconnect(this);
+        m_mailServerQuery->wait();
+        delete m_mailServerQuery;
+    }
+}
 
 void frmAsetukset::fillAccounts()
 {
@@ -248,12 +261,30 @@ void frmAsetukset::valitseTietokanta()
 
 void frmAsetukset::haePalvelin()
 {
-    MailServerQuery::Result found;
-    {
-        const WaitCursor wait;
-        found = MailServerQuery::find(ui->tEmail->text());
-    }
-    const std::optional<QString> server = MailServerQuery::offer(found);
+    if (m_mailServerQuery)
+        return;
+    // The window stays usable while the name service is asked; the button waits for the answer.
+    const QString address = ui->tEmail->text();
+    m_mailServerAnswer = std::make_shared<MailServerAnswer>();
+    m_mailServerQuery = QThread::create(
+        [answer = m_mailServerAnswer, address] { answer->result = MailServerQuery::find(address); });
+    connect(m_mailServerQuery, &QThread::finished, this, [this, address] { mailServerFound(address); });
+    ui->cHaePalvelin->setEnabled(false);
+    ui->cHaePalvelin->setCursor(Qt::BusyCursor);
+    m_mailServerQuery->start();
+}
+
+void frmAsetukset::mailServerFound(const QString& address)
+{
+    m_mailServerQuery->wait();
+    delete m_mailServerQuery;
+    m_mailServerQuery = nullptr;
+    ui->cHaePalvelin->setEnabled(true);
+    ui->cHaePalvelin->unsetCursor();
+    // An address changed meanwhile is asked again, not answered for the old one.
+    if (ui->tEmail->text() != address)
+        return;
+    const std::optional<QString> server = MailServerQuery::offer(m_mailServerAnswer->result);
     if (!server)
         return;
     ui->tSMTP->setText(*server);

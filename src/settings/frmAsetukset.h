@@ -4,6 +4,7 @@
 
 #include <QDialog>
 #include <QSqlDatabase>
+#include <QThread>
 #include <functional>
 #include <memory>
 
@@ -22,6 +23,8 @@ public:
     ~frmAsetukset() override;
 
     // Runs before a newly chosen database replaces the one in use; false stops the save.
+    // The mail server is being asked from the name service (off the window's thread).
+    bool askingMailServer() const { return m_mailServerQuery != nullptr; }
     void setBeforeDatabaseChange(std::function<bool()> check) { m_beforeDatabaseChange = std::move(check); }
     // The last save changed the database: the program is to end.
     bool databaseChanged() const { return m_databaseChanged; }
@@ -40,6 +43,7 @@ private:
     void fillFonts(const QString& current, const QString& size);
     void valitseTietokanta();
     void haePalvelin();
+    void mailServerFound(const QString& address);
 
     std::unique_ptr<Ui::frmAsetukset> ui;
     QSqlDatabase m_db;
@@ -47,4 +51,6 @@ private:
     SettingsForm m_stored;
     std::function<bool()> m_beforeDatabaseChange;
     bool m_databaseChanged = false;
+    QThread* m_mailServerQuery = nullptr;
+    std::shared_ptr<struct MailServerAnswer> m_mailServerAnswer;
 };

@@ -229,10 +229,21 @@ void tst_frmAsetukset::mailServerQuery()
     Books books(env);
     frmAsetukset w(books.db());
     type(w, "tEmail", QStringLiteral("anna@kuoro.fi"));
+    // The name service is asked off the window's thread: the window answers the keyboard
+    // meanwhile, and the button waits for the answer.
+    QSemaphore gate;
+    resolver.gate = &gate;
     dialogs.answerYes();
     child<QPushButton>(w, "cHaePalvelin")->click();
+    QVERIFY(w.askingMailServer());
+    QVERIFY(!child<QPushButton>(w, "cHaePalvelin")->isEnabled());
+    type(w, "tSeurannimi", QStringLiteral("Kuoro ry"));
+    QCOMPARE(text(w, "tSeurannimi"), QStringLiteral("Kuoro ry"));
+    gate.release();
+    QTRY_VERIFY(!w.askingMailServer());
     QCOMPARE(text(w, "tSMTP"), QStringLiteral("posti.kuoro.fi"));
     QCOMPARE(resolver.asked, QList<QByteArray> { "kuoro.fi" });
+    QVERIFY(child<QPushButton>(w, "cHaePalvelin")->isEnabled());
 }
 
 void tst_frmAsetukset::withoutBooksOnlyTheDatabaseCanChange()

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QPair>
+#include <QSemaphore>
 
 // A name service for tests: answers every MX query with one scripted reply and records the
 // domains asked. Installs itself for its lifetime, so no test ever asks the network.
@@ -17,9 +18,13 @@ public:
 
     Reply reply;
     QList<QByteArray> asked;
+    // Set: each answer waits until the test releases the gate, as a slow name service would.
+    QSemaphore* gate = nullptr;
 
     Reply queryMx(const QByteArray& domain) override
     {
+        if (gate)
+            gate->acquire();
         asked.append(domain);
         return reply;
     }

@@ -137,13 +137,23 @@ void tst_BackupStick::removableFromTheKernel()
 
 void tst_BackupStick::realVolumeOfAnImage()
 {
-    // The system's own list against a real FAT file system: only where images can be mounted.
+    // The system's own list against a real FAT file system on a loop device: only where the
+    // administrator runs the test, a loop device is free and the kernel mounts FAT.
     if (::geteuid() != 0)
         QSKIP("Mounting a disk image needs the administrator's rights.");
     const QString mkfs = QStandardPaths::findExecutable(QStringLiteral("mkfs.fat"),
         { QStringLiteral("/usr/sbin"), QStringLiteral("/sbin"), QStringLiteral("/usr/bin") });
     if (mkfs.isEmpty())
         QSKIP("mkfs.fat (dosfstools) is not installed.");
+    // The tool's output, and whether it succeeded.
+    const auto run = [](const QString& program, const QStringList& args) {
+        QProcess p;
+        p.setProcessChannelMode(QProcess::MergedChannels);
+        p.start(program, args);
+        const bool ok
+            = p.waitForFinished(60000) && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
+        return std::make_pair(ok, QString::fromLocal8Bit(p.readAll()).trimmed());
+    };
     QTemporaryDir dir;
     const QString image = dir.path() + QStringLiteral("/tikku.img");
     const QString mountPoint = dir.path() + QStringLiteral("/KOPIOTIKKU");
@@ -151,14 +161,25 @@ void tst_BackupStick::realVolumeOfAnImage()
     QFile file(image);
     QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(4 * 1024 * 1024));
     file.close();
-    // The tools' own words, if any, go to the test's output.
-    if (QProcess::execute(mkfs, { QStringLiteral("-n"), QStringLiteral("KOPIOTIKKU"), image }) != 0)
-        QSKIP("The image could not be made.");
-    if (QProcess::execute(
-            QStringLiteral("mount"), { QStringLiteral("-o"), QStringLiteral("loop"), image, mountPoint })
-        != 0)
-        QSKIP("This machine cannot mount a FAT image.");
-    const auto unmount = qScopeGuard([&] { QProcess::execute(QStringLiteral("umount"), { mountPoint }); });
+    const auto [made, mkfsSaid] = run(mkfs, { QStringLiteral("-n"), QStringLiteral("KOPIOTIKKU"), image });
+    QVERIFY2(made, qPrintable(mkfsSaid));
+    const auto attached
+        = run(QStringLiteral("losetup"), { QStringLiteral("--find"), QStringLiteral("--show"), image });
+    if (!attached.first)
+        QSKIP(qPrintable(QStringLiteral("no loop device: ") + attached.second));
+    const QString device = attached.second;
+    const auto detach = qScopeGuard([&] {
+        run(QStringLiteral("losetup"), { QStringLiteral("--detach"), device });
+    });
+    const auto [mounted, mountSaid]
+        = run(QStringLiteral("mount"), { QStringLiteral("-t"), QStringLiteral("vfat"), device, mountPoint });
+    if (!mounted)
+        QSKIP(qPrintable(
+            (TestEnv::readFile(QStringLiteral("/proc/filesystems")).contains("vfat")
+                    ? QStringLiteral("the kernel would not mount the image: ")
+                    : QStringLiteral("the kernel has no vfat file system (not in /proc/filesystems): "))
+            + mountSaid));
+    const auto unmount = qScopeGuard([&] { run(QStringLiteral("umount"), { mountPoint }); });
 
     const QList<Volume> volumes = SystemDrives().volumes();
     const auto it = std::find_if(

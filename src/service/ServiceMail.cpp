@@ -9,6 +9,8 @@
 #include <QUuid>
 
 #include <arpa/inet.h>
+#include <pwd.h>
+#include <unistd.h>
 
 namespace {
 
@@ -43,23 +45,29 @@ bool printableAscii(const QString& text)
 
 namespace ServiceMail {
 
-QString loginName()
+QString userName(const QString& gecos, const QString& login)
 {
-    for (const char* variable : { "USER", "LOGNAME" }) {
-        const QString name = qEnvironmentVariable(variable).trimmed();
-        if (!name.isEmpty())
-            return name;
-    }
-    return QDir::home().dirName();
+    const QString real = gecos.section(u',', 0, 0).trimmed();
+    return real.isEmpty() ? login.trimmed() : real;
 }
 
-QString subject(const QString& loginName, const QDate& today)
+QString userName()
 {
-    return QStringLiteral("Vorkam-%1:%2.%3.%4")
-        .arg(loginName)
-        .arg(today.day())
-        .arg(today.month())
-        .arg(today.year());
+    const passwd* record = getpwuid(getuid());
+    if (!record)
+        return QString::number(getuid());
+    return userName(QString::fromLocal8Bit(record->pw_gecos), QString::fromLocal8Bit(record->pw_name));
+}
+
+QString subject(const QString& userName, const QString& association, const QDate& today)
+{
+    const QString dated = QStringLiteral("Vorkam-%1:%2.%3.%4")
+                              .arg(userName)
+                              .arg(today.day())
+                              .arg(today.month())
+                              .arg(today.year());
+    const QString name = association.trimmed();
+    return name.isEmpty() ? dated : dated + u' ' + name;
 }
 
 bool isAddress(const QString& address)

@@ -14,10 +14,14 @@ class QSqlDatabase;
 // address, the message around the attached books, and the snapshot of the books that is sent.
 namespace ServiceMail {
 
-// The user's login name for the subject: $USER, else $LOGNAME, else the home folder's name.
-QString loginName();
-// "Vorkam-" + login name + ":" + the date as d.M.yyyy, without leading zeros.
-QString subject(const QString& loginName, const QDate& today);
+// The user's name for the subject, from the system's user record: the real name (the GECOS
+// field up to its first comma), else the login name.
+QString userName();
+// The rule of userName() on the fields of a user record.
+QString userName(const QString& gecos, const QString& login);
+// "Vorkam-" + user name + ":" + the date as d.M.yyyy, without leading zeros, then a blank and
+// the association's name when it has one.
+QString subject(const QString& userName, const QString& association, const QDate& today);
 
 // A plain address: one "@" with something on both sides, no blanks, a dot-free or dotted
 // domain of letters, digits, "-" and ".".

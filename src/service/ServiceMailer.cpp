@@ -46,7 +46,13 @@ QString adviceFor(CURLcode code, long response, const ServiceMail::Server& serve
     case CURLE_OPERATION_TIMEDOUT:
         return QStringLiteral("Palvelin ei vastannut %1 sekunnissa.").arg(timeout);
     case CURLE_LOGIN_DENIED:
-        return QStringLiteral("Palvelin ei hyväksynyt käyttäjätunnusta tai salasanaa.");
+        return QStringLiteral(
+            "Palvelin ilmoitti, että käyttäjätunnus tai salasana on väärä. Tarkista ne ja lähetä uudelleen.");
+    case CURLE_PEER_FAILED_VERIFICATION:
+        return QStringLiteral(
+            "Palvelimen %1 varmennetta ei voitu todentaa, joten yhteys ei ole luotettava. Tarkista SMTP "
+            "palvelimen nimi asetuksista.")
+            .arg(server.host);
     case CURLE_USE_SSL_FAILED:
         return QStringLiteral("Palvelin ei tarjoa salattua yhteyttä: salasanaa ei lähetetä salaamatta.");
     default:
@@ -69,6 +75,7 @@ struct ServiceMailer::Job {
     CURLM* multi = nullptr;
     Attachment attachment;
     int timeout = 30;
+    QByteArray caFile;
     // The connection's socket while it is open, so that a cancel can cut it: the mail library
     // waits for the server's last answer without looking at the stop request in time.
     std::mutex socketLock;
@@ -92,6 +99,7 @@ void ServiceMailer::send(const Request& request)
     m_job = std::make_shared<Job>();
     m_job->request = request;
     m_job->timeout = m_timeout;
+    m_job->caFile = QFile::encodeName(m_caFile);
     m_job->multi = curl_multi_init();
     const quint64 generation = ++m_generation;
     m_worker = std::thread([this, job = m_job, generation] { run(job, generation); });
@@ -234,6 +242,8 @@ void ServiceMailer::run(std::shared_ptr<Job> job, quint64 generation)
     curl_easy_setopt(curl, CURLOPT_SERVER_RESPONSE_TIMEOUT, long(job->timeout));
     curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT, 1L);
     curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, long(job->timeout));
+    if (!job->caFile.isEmpty())
+        curl_easy_setopt(curl, CURLOPT_CAINFO, job->caFile.constData());
     if (!user.isEmpty()) {
         curl_easy_setopt(curl, CURLOPT_USERNAME, user.constData());
         curl_easy_setopt(curl, CURLOPT_PASSWORD, password.constData());

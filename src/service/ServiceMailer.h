@@ -37,6 +37,10 @@ public:
     void setTimeout(int seconds) { m_timeout = seconds; }
     int timeout() const { return m_timeout; }
 
+    // The certificates a server's certificate is checked against instead of the system's:
+    // a PEM file; empty for the system's.
+    void setTrustedCertificates(const QString& caFile) { m_caFile = caFile; }
+
     // Starts the send and returns at once. Not while another is running.
     void send(const Request& request);
     // Stops a running send and waits until its thread has ended; no signal follows.
@@ -60,5 +64,6 @@ private:
     std::shared_ptr<Job> m_job;
     quint64 m_generation = 0; // touched on the owning thread only
     int m_timeout = 30;
+    QString m_caFile;
     Failure m_failure;
 };

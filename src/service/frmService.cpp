@@ -89,7 +89,8 @@ void frmService::send()
     request.server = smtp;
     request.sender = sender;
     request.receiver = receiver;
-    request.subject = ServiceMail::subject(ServiceMail::loginName(), QDate::currentDate());
+    request.subject = ServiceMail::subject(
+        ServiceMail::userName(), ProgramSettings::bookkeeping().Seurannimi, QDate::currentDate());
     request.text = ui->tMessage->toPlainText();
     request.attachment = m_snapshot->path();
     if (!ui->tUserName->isHidden()) {

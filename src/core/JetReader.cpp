@@ -92,16 +92,17 @@ public:
         for (const CatalogTable& t : tables) {
             const auto known = std::find_if(wanted.begin(), wanted.end(),
                 [&t](const QString& w) { return w.compare(t.name, Qt::CaseInsensitive) == 0; });
-            if (known == wanted.end()) {
+            if (!wanted.isEmpty() && known == wanted.end()) {
                 m_books.unknownTables.append(t.name);
                 continue;
             }
-            if (seen.contains(*known))
+            const QString name = wanted.isEmpty() ? t.name : *known;
+            if (seen.contains(name, Qt::CaseInsensitive))
                 return fail(JetReader::Problem::Damaged,
                     QStringLiteral("taulu %1 on tiedoston luettelossa kahdesti").arg(t.name));
-            seen.append(*known);
+            seen.append(name);
             JetTable table;
-            table.name = *known;
+            table.name = name;
             if (!readTable(t.definitionPage, table))
                 return false;
             m_books.tables.append(table);

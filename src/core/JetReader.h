@@ -43,7 +43,8 @@ public:
     };
 
     // Reads the tables named in `wanted` (names compared without regard to case) with every
-    // row; other user tables are only listed by name.
+    // row; other user tables are only listed by name. An empty `wanted` reads every user table
+    // under its own name.
     static Result read(const QString& path, const QStringList& wanted);
 
     // The first page decoded; nullopt-like Problem::NotJet when it is no Jet header.
@@ -52,7 +53,7 @@ public:
     // How long the reading program may take before it is stopped, for a file of `bytes`.
     static int timeLimitMs(qint64 bytes);
 
-    // The reading program: vorkam_jetread FILE PAGES CODEPAGE TABLE… reads the file and writes
+    // The reading program: vorkam_jetread FILE PAGES CODEPAGE [TABLE…] reads the file and writes
     // the reply on its standard output. Never returns; the exit status is 0 when it has
     // written the reply.
     [[noreturn]] static void runHelper(int argc, char** argv);

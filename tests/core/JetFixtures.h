@@ -12,7 +12,10 @@
 namespace JetFixtures {
 
 inline QString path(const QString& name) { return QStringLiteral(VORKAM_SHARED_DIR "/fixtures/jet/") + name; }
-inline bool present() { return QFile::exists(path(QStringLiteral("seura-jet4.mdb"))); }
+inline bool present(const QString& name = QStringLiteral("seura-jet4.mdb"))
+{
+    return QFile::exists(path(name));
+}
 
 constexpr int PageSize = 4096;
 

@@ -277,6 +277,8 @@ private slots:
         row("cut inside a page", "cut", "vajaa");
         row("the entries' page garbled", "garbled", "vioittunut");
         row("another program's database", "foreign", "ei ole yhdistyksen kirjanpito");
+        row("another program's Jet 3 file", "northwind-jet3.mdb", "ei ole yhdistyksen kirjanpito");
+        row("another program's Jet 4 file", "dates-jet4.mdb", "ei ole yhdistyksen kirjanpito");
         row("password", "password", "salasanalla");
         row("no room on the disk", "full", "tarpeeksi tilaa");
         row("read-only folder", "read-only folder", "ei voi kirjoittaa");
@@ -303,6 +305,11 @@ private slots:
         } else if (damage == u"foreign") {
             // Without the accounts' table what is left is not an association's books.
             QVERIFY(renameTable(bytes, QStringLiteral("tl"), QStringLiteral("xy")));
+        } else if (damage.endsWith(u".mdb")) {
+            if (!JetFixtures::present(damage))
+                QSKIP(
+                    qPrintable(QStringLiteral("The sample file %1 is not beside the project.").arg(damage)));
+            bytes = TestEnv::readFile(JetFixtures::path(damage));
         } else if (damage == u"password") {
             bytes = JetFixtures::withPassword(bytes, "seura");
         } else if (damage == u"full") {

@@ -3,8 +3,13 @@
 // the books are then opened as Vorkam opens them and must pass the engine's integrity check and
 // hold exactly what they held before the operation or what they hold after it.
 //
-//   vorkam_powercut [--trials N] [--operation NAME] [--seed S]   runs the trials
-//   vorkam_powercut --child NAME WORLD                           performs one operation
+// A killed process is not yet a power cut: the kernel still writes what the process left in its
+// cache. With --cache the child runs with the pagecache library preloaded, and after the kill
+// every file and folder is put back as it was at its last flush, as a disk that kept nothing
+// unflushed would show it.
+//
+//   vorkam_powercut [--trials N] [--operation NAME] [--seed S] [--cache]   runs the trials
+//   vorkam_powercut --child NAME WORLD                                     performs one operation
 //
 // Exits non-zero when any trial finds the books damaged or in a third state.
 
@@ -29,6 +34,7 @@
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
+#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -42,6 +48,8 @@
 
 #include <cstdio>
 #include <functional>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -356,6 +364,70 @@ bool copyTree(const QString& from, const QString& to)
     return true;
 }
 
+quint64 inodeOf(const QString& path)
+{
+    struct stat st { };
+    return ::lstat(QFile::encodeName(path).constData(), &st) == 0 ? quint64(st.st_ino) : 0;
+}
+
+// What a power cut leaves when the disk kept only what was flushed: every folder and file the
+// cache log saw changed since its last flush is put back as it was then (pagecache.c).
+void loseUnflushed(const QString& root, const QString& log)
+{
+    QMap<QString, QString> folders; // folder -> its names at its last flush; parents sort first
+    QHash<quint64, QString> files; // inode -> its content at its last flush
+    QFile in(log);
+    if (!in.open(QIODevice::ReadOnly))
+        return;
+    for (const QByteArray& line : in.readAll().split('\n')) {
+        const QList<QByteArray> f = line.split('\t');
+        if (f.size() == 3 && f[0] == "C" && !files.contains(f[1].toULongLong()))
+            files.insert(f[1].toULongLong(), QFile::decodeName(f[2]));
+        else if (f.size() == 2 && f[0] == "S")
+            files.remove(f[1].toULongLong());
+        else if (f.size() == 3 && f[0] == "L" && !folders.contains(QFile::decodeName(f[1])))
+            folders.insert(QFile::decodeName(f[1]), QFile::decodeName(f[2]));
+        else if (f.size() == 2 && f[0] == "SD")
+            folders.remove(QFile::decodeName(f[1]));
+    }
+    for (auto it = folders.cbegin(); it != folders.cend(); ++it) {
+        const QDir folder(it.key());
+        if (!folder.exists()) // lost with its parent's names
+            continue;
+        QFile listing(it.value());
+        QHash<QString, QList<QByteArray>> kept;
+        if (listing.open(QIODevice::ReadOnly))
+            for (const QByteArray& line : listing.readAll().split('\n'))
+                if (const QList<QByteArray> f = line.split('\t'); f.size() >= 2)
+                    kept.insert(QFile::decodeName(f[1]), f);
+        for (const QFileInfo& e :
+            folder.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot))
+            if (!kept.contains(e.fileName()))
+                e.isDir() && !e.isSymLink() ? QDir(e.filePath()).removeRecursively()
+                                            : QFile::remove(e.filePath());
+        for (auto k = kept.cbegin(); k != kept.cend(); ++k) {
+            const QString path = folder.filePath(k.key());
+            if (k.value()[0] == "D") {
+                folder.mkpath(k.key());
+            } else if (k.value().size() == 4 && inodeOf(path) != k.value()[2].toULongLong()) {
+                QFile::remove(path);
+                ::link(k.value()[3].constData(), QFile::encodeName(path).constData());
+            }
+        }
+    }
+    if (files.isEmpty())
+        return;
+    QDirIterator walk(root, QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
+    while (walk.hasNext()) {
+        const QString path = walk.next();
+        if (const auto saved = files.constFind(inodeOf(path)); saved != files.cend()) {
+            QFile from(*saved), to(path);
+            if (from.open(QIODevice::ReadOnly) && to.open(QIODevice::WriteOnly | QIODevice::Truncate))
+                to.write(from.readAll());
+        }
+    }
+}
+
 struct Tally {
     int trials = 0;
     int before = 0;
@@ -367,10 +439,11 @@ struct Tally {
 
 class Trials {
 public:
-    Trials(const QString& program, int trials, quint32 seed)
+    Trials(const QString& program, int trials, quint32 seed, bool cache)
         : m_program(program)
         , m_trials(trials)
         , m_random(seed)
+        , m_cache(cache)
     {
     }
 
@@ -414,8 +487,9 @@ public:
         QTextStream out(stdout);
         // The whole operation once, for the state after it and its duration.
         const World finished = fresh(QStringLiteral("valmis-") + QLatin1String(op.name));
+        const QString log = m_dir.path() + QStringLiteral("/valimuisti.log");
         QProcess p;
-        start(p, op, finished);
+        start(p, op, finished, log);
         if (!p.waitForFinished(600000) || p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0) {
             out << op.name << ": toiminto ei onnistu: " << p.readAllStandardError() << Qt::endl;
             return false;
@@ -429,12 +503,14 @@ public:
             return false;
         }
         QDir(finished.root).removeRecursively();
+        QFile::remove(log);
+        QDir(log + QStringLiteral(".d")).removeRecursively();
 
         bool ok = true;
         for (int i = 0; i < m_trials; ++i) {
             const World w = fresh(QStringLiteral("koe"));
             QProcess c;
-            start(c, op, w);
+            start(c, op, w, log);
             // The cut lands anywhere from the start of the operation to a little past its
             // measured end.
             const qint64 delay = qint64(m_random.bounded(quint32(tally.micros * 11 / 10 + 1)));
@@ -445,8 +521,18 @@ public:
             c.kill();
             c.waitForFinished(60000);
             ++tally.trials;
-            if (c.exitStatus() == QProcess::CrashExit)
+            if (c.exitStatus() == QProcess::CrashExit) {
                 ++tally.cut;
+            } else if (c.exitCode() != 0) {
+                ++tally.other;
+                ok = false;
+                out << op.name << " koe " << i + 1
+                    << ": toiminto päättyi virheeseen: " << c.readAllStandardError() << Qt::endl;
+            }
+            if (m_cache)
+                loseUnflushed(w.root, log);
+            QFile::remove(log);
+            QDir(log + QStringLiteral(".d")).removeRecursively();
             const QString verdict = check(w, afterDump, op, tally);
             if (!verdict.isEmpty()) {
                 ok = false;
@@ -460,14 +546,25 @@ public:
 private:
     World fresh(const QString& name)
     {
-        const World w { m_dir.path() + u'/' + name };
+        const World w { QFileInfo(m_dir.path()).canonicalFilePath() + u'/' + name };
         QDir(w.root).removeRecursively();
         copyTree(m_base.root, w.root);
         return w;
     }
 
-    void start(QProcess& p, const Operation& op, const World& w)
+    // With a cache log, the child's changes are watched by the pagecache library.
+    void start(QProcess& p, const Operation& op, const World& w, const QString& cacheLog = QString())
     {
+        if (m_cache && !cacheLog.isEmpty()) {
+            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+            env.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(VORKAM_PAGECACHE));
+            env.insert(QStringLiteral("VORKAM_CACHE_ROOT"), w.root);
+            env.insert(QStringLiteral("VORKAM_CACHE_LOG"), cacheLog);
+            // The sanitizers' runtime need not come first when the library is preloaded.
+            env.insert(QStringLiteral("ASAN_OPTIONS"),
+                env.value(QStringLiteral("ASAN_OPTIONS")) + QStringLiteral(":verify_asan_link_order=0"));
+            p.setProcessEnvironment(env);
+        }
         p.setProcessChannelMode(QProcess::SeparateChannels);
         p.start(m_program, { QStringLiteral("--child"), QLatin1String(op.name), w.root });
         p.waitForStarted();
@@ -507,6 +604,7 @@ private:
     QString m_program;
     int m_trials;
     QRandomGenerator m_random;
+    bool m_cache;
     QTemporaryDir m_dir;
     World m_base;
     QByteArray m_beforeDump;
@@ -526,8 +624,11 @@ int main(int argc, char** argv)
     quint32 seed = QRandomGenerator::global()->generate();
     QString only;
     QString demo = QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb");
+    const bool cache = args.contains(QStringLiteral("--cache"));
     for (int i = 1; i + 1 < args.size(); i += 2) {
-        if (args[i] == u"--trials")
+        if (args[i] == u"--cache")
+            --i;
+        else if (args[i] == u"--trials")
             trials = args[i + 1].toInt();
         else if (args[i] == u"--operation")
             only = args[i + 1];
@@ -542,8 +643,9 @@ int main(int argc, char** argv)
     }
 
     QTextStream out(stdout);
-    out << "siemen " << seed << ", " << trials << " koetta toimintoa kohden" << Qt::endl;
-    Trials t(app.applicationFilePath(), trials, seed);
+    out << "siemen " << seed << ", " << trials << " koetta toimintoa kohden"
+        << (cache ? ", välimuistin flushaamaton sisältö menetetään" : ", prosessi tapetaan") << Qt::endl;
+    Trials t(app.applicationFilePath(), trials, seed, cache);
     if (!t.prepare(demo)) {
         out << "Lähtötilanteen kirjoja ei voitu tehdä: " << demo << Qt::endl;
         return 2;

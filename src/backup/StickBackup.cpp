@@ -4,6 +4,7 @@
 #include "core/DBC.h"
 #include "core/DatabaseFile.h"
 #include "core/ErrorText.h"
+#include "core/FileOps.h"
 
 #include <QDir>
 #include <QFile>
@@ -19,10 +20,11 @@
 
 namespace {
 
+// The compacted file over the books, flushed before and its folder after (FileOps::replace).
 int renameFile(const QString& from, const QString& to)
 {
-    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0 ? 0
-                                                                                                    : errno;
+    errno = 0;
+    return FileOps::instance().replace(from, to) ? 0 : (errno != 0 ? errno : EIO);
 }
 
 int makeTemporaryName(const QString& folder, const QString& prefix, QString* name)
@@ -36,15 +38,6 @@ int makeTemporaryName(const QString& folder, const QString& prefix, QString* nam
     std::remove(pattern.constData());
     *name = QFile::decodeName(pattern);
     return 0;
-}
-
-void syncFolder(const QString& folder)
-{
-    const int fd = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
 }
 
 // The engine's check of a database file, without changing it.
@@ -200,7 +193,6 @@ StickBackup::Compacted StickBackup::compact()
             + ErrorText::system(error);
         return result;
     }
-    syncFolder(books.absolutePath());
     result.ok = true;
     result.text = QStringLiteral("5. Tiivistys onnistui. Varmuuskopio on muistitikulla ja tietokanta on "
                                  "tiivistetty. Voit sulkea ikkunan.");

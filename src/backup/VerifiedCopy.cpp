@@ -1,6 +1,7 @@
 #include "backup/VerifiedCopy.h"
 
 #include "core/ErrorText.h"
+#include "core/FileOps.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -169,14 +170,12 @@ bool VerifiedCopy::commit()
 {
     if (m_staged.isEmpty())
         return false;
-    if (std::rename(QFile::encodeName(m_staged).constData(), QFile::encodeName(m_target).constData()) != 0)
-        return fail(errno, QStringLiteral("Kopiota ei voitu nimetä nimelle %1.").arg(m_target));
+    // Flushed, renamed over the target, and the new name flushed with its folder.
+    errno = 0;
+    if (!FileOps::instance().replace(m_staged, m_target))
+        return fail(
+            errno != 0 ? errno : EIO, QStringLiteral("Kopiota ei voitu nimetä nimelle %1.").arg(m_target));
     m_staged.clear();
-    // The new name reaches the disk too.
-    const Descriptor folder(::open(QFile::encodeName(QFileInfo(m_target).absolutePath()).constData(),
-        O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.get() >= 0)
-        ::fsync(folder.get());
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "core/DatabaseError.h"
 #include "core/ErrorText.h"
+#include "core/Transaction.h"
 
 #include <QSqlDriver>
 #include <QSqlError>
@@ -24,6 +25,7 @@ void exec(QSqlQuery& q)
 {
     if (!q.exec())
         throw DatabaseError(ErrorText::technical(q.lastError().text()));
+    Transaction::settle(q.driver());
 }
 
 QSqlQuery run(const QSqlDatabase& db, const QString& sql, const QVariantList& values)

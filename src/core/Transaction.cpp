@@ -2,11 +2,17 @@
 #include "core/ErrorText.h"
 
 #include "core/DatabaseError.h"
+#include "core/FileOps.h"
 
+#include <QFileInfo>
 #include <QHash>
 #include <QList>
+#include <QMutex>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
+
+#include <sqlite3.h>
 
 namespace {
 
@@ -84,6 +90,29 @@ void Transaction::onRollback(const QSqlDatabase& db, std::weak_ptr<void> owner, 
     it->levels.last().append(UndoStep { std::move(owner), std::move(undo) });
 }
 
+void Transaction::settle(const QSqlDriver* driver)
+{
+    const QVariant handle = driver ? driver->handle() : QVariant();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0)
+        return;
+    sqlite3* db = *static_cast<sqlite3* const*>(handle.constData());
+    unsigned version = 0;
+    if (!db || !sqlite3_get_autocommit(db)
+        || sqlite3_file_control(db, "main", SQLITE_FCNTL_DATA_VERSION, &version) != SQLITE_OK)
+        return;
+    static QMutex lock;
+    static QHash<sqlite3*, unsigned> seen;
+    {
+        const QMutexLocker locker(&lock);
+        const auto known = seen.find(db);
+        if (known != seen.end() && *known == version)
+            return;
+        seen.insert(db, version);
+    }
+    if (const char* file = sqlite3_db_filename(db, "main"); file && *file)
+        FileOps::instance().flush(QFileInfo(QString::fromUtf8(file)).absolutePath());
+}
+
 bool Transaction::commit()
 {
     if (!m_active)
@@ -101,6 +130,7 @@ bool Transaction::commit()
         if (ok) {
             m_active = false;
             states().remove(m_db.connectionName());
+            settle(m_db.driver());
             return true;
         }
     } else {

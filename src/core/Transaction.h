@@ -12,6 +12,8 @@
 // Objects that remember what a write did (a record's new key, its clean flag) register an
 // undo step with onRollback(), so that after a rollback no object claims a row that does
 // not exist.
+class QSqlDriver;
+
 class Transaction final {
 public:
     // Begins the transaction or the savepoint; throws DatabaseError when the database refuses.
@@ -25,6 +27,12 @@ public:
     bool commit();
     // As commit(), but throws DatabaseError with the engine's text.
     void commitOrThrow();
+
+    // After a commit, and after a statement that ran outside any transaction: when the main
+    // database file changed, flushes its folder. The engine ends a commit by deleting its
+    // journal and does not flush the folder after, so a power cut could bring the journal back
+    // and roll committed work back.
+    static void settle(const QSqlDriver* driver);
     // Rolls back now; safe to call more than once.
     void rollback();
 

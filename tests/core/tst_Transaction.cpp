@@ -1,7 +1,9 @@
 #include "TestEnv.h"
 #include "core/DatabaseError.h"
+#include "core/FileOps.h"
 #include "core/Transaction.h"
 
+#include <QFileInfo>
 #include <QSqlQuery>
 #include <QTest>
 
@@ -117,6 +119,40 @@ private slots:
         Transaction t(db);
         t.rollback();
         QVERIFY(!ran);
+    }
+
+    // A change of the books' file reaches the disk with its folder, so that the engine's
+    // deleted journal cannot come back after a power cut and roll it back: after a commit and
+    // after a write outside any transaction, never after a read or a change of a TEMP table.
+    void committedChangesFlushTheFolder()
+    {
+        int flushes = 0;
+        FileOps::instance().flush = [&](const QString& path) {
+            flushes += path == QFileInfo(db.databaseName()).absolutePath();
+            return true;
+        };
+        const auto flushed = [&](const std::function<void()>& step) {
+            flushes = 0;
+            step();
+            return flushes;
+        };
+        Sql::run(db, QStringLiteral("CREATE TEMP TABLE w (v INTEGER)"));
+        QCOMPARE(flushed([&] { insert(1); }), 1);
+        QCOMPARE(flushed([&] { rows(); }), 0);
+        QCOMPARE(flushed([&] { Sql::run(db, QStringLiteral("INSERT INTO w (v) VALUES (1)")); }), 0);
+        QCOMPARE(flushed([&] {
+            Transaction t(db);
+            insert(2);
+            insert(3);
+            QCOMPARE(flushes, 0);
+            t.commitOrThrow();
+        }),
+            1);
+        QCOMPARE(flushed([&] {
+            Transaction t(db);
+            insert(4);
+        }),
+            0);
     }
 };
 

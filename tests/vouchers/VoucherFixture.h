@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ScriptedDialogs.h"
 #include "TestEnv.h"
 #include "core/DBC.h"
 #include "core/ProgramSettings.h"
@@ -10,20 +11,24 @@
 #include <QSqlQuery>
 #include <QTest>
 #include <QVariant>
+#include <memory>
 
 // A private, empty association database of the current layout, opened as the program's
-// database, with small helpers to put rows in and read them back.
+// database, with small helpers to put rows in and read them back. A database that cannot be
+// made stops the program, so a broken fixture never passes as a result.
 class VoucherFixture final {
 public:
     VoucherFixture()
     {
         const QString file = env.path(QStringLiteral("data/vouchers.mdb"));
-        withDatabase(file, [this](QSqlDatabase& db) {
+        bool ok = false;
+        withDatabase(file, [&ok](QSqlDatabase& db) {
             Schema::createCoreTables(db);
             ok = Schema::UpdateDatabase(db).ok;
         });
         ProgramSettings::installation().Database = file;
-        ok = ok && DBC::instance().AvaaDB().isOpen();
+        if (!ok || !DBC::instance().AvaaDB().isOpen())
+            qFatal("cannot create the voucher test database");
         ProgramSettings::bookkeeping().TilikausiAlku = QDate(2011, 1, 1);
         ProgramSettings::bookkeeping().TilikausiLoppu = QDate(2011, 12, 31);
         ProgramSettings::bookkeeping().LaskettavaTili = 0;
@@ -77,6 +82,17 @@ public:
         return value(QStringLiteral("SELECT MAX(toID) FROM \"to\"")).toInt();
     }
 
+    // A voucher with `raw` on the debit of one account and the credit of another.
+    static int addBalanced(int numero, int debet, int kredit, qint64 raw = 1000000,
+        const QString& pvm = QStringLiteral("2011-03-01"), const QString& selite = QStringLiteral("Tosite"),
+        const QString& kind = QString())
+    {
+        const int id = addTosite(numero, kind, pvm, selite);
+        addVienti(id, debet, QStringLiteral("D"), raw);
+        addVienti(id, kredit, QStringLiteral("K"), raw);
+        return id;
+    }
+
     static int addVienti(int toId, int tlId, const QString& tyyppi, qint64 raw)
     {
         exec(QStringLiteral(
@@ -118,5 +134,27 @@ public:
     }
 
     TestEnv env;
-    bool ok = false;
+};
+
+// The state of a voucher test class between init() and cleanup(): a fresh database in its own
+// folders and, unless the test shows no message, scripted dialogs.
+class VoucherCase {
+protected:
+    std::unique_ptr<VoucherFixture> f;
+    std::unique_ptr<ScriptedDialogs> dialogs;
+
+    void start(bool withDialogs = true)
+    {
+        f = std::make_unique<VoucherFixture>();
+        if (withDialogs)
+            dialogs = std::make_unique<ScriptedDialogs>();
+    }
+    // Fails the test on a message that no script expected.
+    void finish()
+    {
+        const QStringList failures = dialogs ? dialogs->failures() : QStringList();
+        dialogs.reset();
+        f.reset();
+        QCOMPARE(failures, QStringList());
+    }
 };

@@ -1,4 +1,3 @@
-#include "ScriptedDialogs.h"
 #include "VoucherFixture.h"
 #include "vouchers/VoucherEditor.h"
 
@@ -19,11 +18,9 @@ const QString CheckAccounts = QStringLiteral("information: Tarkista tilivalinta.
 } // namespace
 
 // The rules of editing vouchers, without a window.
-class tst_VoucherEditor : public QObject {
+class tst_VoucherEditor : public QObject, VoucherCase {
     Q_OBJECT
 
-    std::unique_ptr<VoucherFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
     int pankki = 0, velat = 0, myynti = 0; // 1910 Pankkitili, 2250 Muut velat, 3000 Myyntituotot
 
     std::unique_ptr<VoucherEditor> open(Laji laji = Laji::Tavallinen)
@@ -41,19 +38,12 @@ class tst_VoucherEditor : public QObject {
 private slots:
     void init()
     {
-        f = std::make_unique<VoucherFixture>();
-        QVERIFY(f->ok);
+        start();
         pankki = f->addTili(1910, QStringLiteral("Pankkitili"));
         velat = f->addTili(2250, QStringLiteral("Muut velat"));
         myynti = f->addTili(3000, QStringLiteral("Myyntituotot"));
-        dialogs = std::make_unique<ScriptedDialogs>();
     }
-    void cleanup()
-    {
-        QCOMPARE(dialogs->failures(), QStringList());
-        dialogs.reset();
-        f.reset();
-    }
+    void cleanup() { finish(); }
 
     void newVoucherIsNumberedAndStoredAtOnce_data()
     {

@@ -57,7 +57,6 @@ private slots:
         QFETCH(QString, typed);
         QFETCH(int, numero);
         VoucherFixture f;
-        QVERIFY(f.ok);
         QHash<int, int> ids;
         for (const auto& [n, nimi] :
             std::initializer_list<std::pair<int, const char*>> { { 3100, "Myyntituotot B" },

@@ -2,13 +2,11 @@
 #include "vouchers/VoucherSearch.h"
 
 #include <QTest>
-#include <memory>
 
 // Finding vouchers by an entry amount and by a word of the description.
-class tst_VoucherSearch : public QObject {
+class tst_VoucherSearch : public QObject, VoucherCase {
     Q_OBJECT
 
-    std::unique_ptr<VoucherFixture> f;
     int tili = 0;
 
     QStringList found(const QString& arvo, const QString& selite, QString* yhteenveto = nullptr)
@@ -27,8 +25,7 @@ class tst_VoucherSearch : public QObject {
 private slots:
     void init()
     {
-        f = std::make_unique<VoucherFixture>();
-        QVERIFY(f->ok);
+        start(false);
         tili = f->addTili(1910, QStringLiteral("Pankkitili"));
         const int vuokra
             = f->addTosite(1, {}, QStringLiteral("2011-03-05"), QStringLiteral("Toimiston vuokra maaliskuu"));
@@ -43,7 +40,7 @@ private slots:
             = f->addTosite(-1, {}, QStringLiteral("2011-01-01"), QStringLiteral("Toimiston vuokra"));
         f->addVienti(kantaja, tili, QStringLiteral("D"), 125000);
     }
-    void cleanup() { f.reset(); }
+    void cleanup() { finish(); }
 
     void search_data()
     {

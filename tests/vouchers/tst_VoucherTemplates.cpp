@@ -1,4 +1,3 @@
-#include "ScriptedDialogs.h"
 #include "VoucherFixture.h"
 #include "vouchers/VoucherEditor.h"
 #include "vouchers/VoucherTemplateEditor.h"
@@ -6,34 +5,24 @@
 #include "vouchers/cTositePohjat.h"
 
 #include <QTest>
-#include <memory>
 
 using Puoli = VoucherEditor::Puoli;
 
 // Voucher templates: the records, the template window's rules, and a voucher from a template.
-class tst_VoucherTemplates : public QObject {
+class tst_VoucherTemplates : public QObject, VoucherCase {
     Q_OBJECT
 
-    std::unique_ptr<VoucherFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
     int pankki = 0, vuokra = 0, kassa = 0;
 
 private slots:
     void init()
     {
-        f = std::make_unique<VoucherFixture>();
-        QVERIFY(f->ok);
-        dialogs = std::make_unique<ScriptedDialogs>();
+        start();
         pankki = f->addTili(1910, QStringLiteral("Pankkitili"));
         kassa = f->addTili(1900, QStringLiteral("Kassa"));
         vuokra = f->addTili(7100, QStringLiteral("Vuokrat"));
     }
-    void cleanup()
-    {
-        QCOMPARE(dialogs->failures(), QStringList());
-        dialogs.reset();
-        f.reset();
-    }
+    void cleanup() { finish(); }
 
     // No quick select is stored as NULL, which no number finds.
     void quickSelectRoundTrip()

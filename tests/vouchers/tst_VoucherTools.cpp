@@ -1,5 +1,4 @@
 #include "Controls.h"
-#include "ScriptedDialogs.h"
 #include "VoucherFixture.h"
 #include "vouchers/frmNewTositteet.h"
 #include "vouchers/frmTositepohja.h"
@@ -14,7 +13,6 @@
 #include <QTest>
 #include <QTimer>
 #include <functional>
-#include <memory>
 
 using Laji = frmNewTositteet::Laji;
 
@@ -41,19 +39,14 @@ void onModal(std::function<void(QWidget&)> work)
 } // namespace
 
 // The voucher window's tools through their windows, by keyboard where the user would type.
-class tst_VoucherTools : public QObject {
+class tst_VoucherTools : public QObject, VoucherCase {
     Q_OBJECT
 
-    std::unique_ptr<VoucherFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
     int pankki = 0, vuokra = 0;
 
     int balanced(int numero, const QString& selite, qint64 raw = 1000000)
     {
-        const int id = f->addTosite(numero, {}, QStringLiteral("2011-03-01"), selite);
-        f->addVienti(id, vuokra, QStringLiteral("D"), raw);
-        f->addVienti(id, pankki, QStringLiteral("K"), raw);
-        return id;
+        return f->addBalanced(numero, vuokra, pankki, raw, QStringLiteral("2011-03-01"), selite);
     }
     int addPohja(const QString& nimi, const QVariant& pikavalinta)
     {
@@ -79,18 +72,11 @@ class tst_VoucherTools : public QObject {
 private slots:
     void init()
     {
-        f = std::make_unique<VoucherFixture>();
-        QVERIFY(f->ok);
-        dialogs = std::make_unique<ScriptedDialogs>();
+        start();
         pankki = f->addTili(1910, QStringLiteral("Pankkitili"));
         vuokra = f->addTili(7100, QStringLiteral("Vuokrat"));
     }
-    void cleanup()
-    {
-        QCOMPARE(dialogs->failures(), QStringList());
-        dialogs.reset();
-        f.reset();
-    }
+    void cleanup() { finish(); }
 
     void findingsOpenTheirVoucher()
     {

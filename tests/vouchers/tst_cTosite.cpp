@@ -4,7 +4,6 @@
 #include "vouchers/cTosite.h"
 
 #include <QTest>
-#include <memory>
 
 namespace {
 
@@ -18,18 +17,12 @@ struct Row {
 
 Q_DECLARE_METATYPE(QList<Row>)
 
-class tst_cTosite : public QObject {
+class tst_cTosite : public QObject, VoucherCase {
     Q_OBJECT
 
-    std::unique_ptr<VoucherFixture> f;
-
 private slots:
-    void init()
-    {
-        f = std::make_unique<VoucherFixture>();
-        QVERIFY(f->ok);
-    }
-    void cleanup() { f.reset(); }
+    void init() { start(false); }
+    void cleanup() { finish(); }
 
     void numbering_data()
     {

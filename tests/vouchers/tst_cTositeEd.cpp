@@ -2,7 +2,6 @@
 #include "vouchers/cTositeEd.h"
 
 #include <QTest>
-#include <memory>
 
 using Pairs = QList<QPair<int, int>>; // (toEID, toENumero)
 
@@ -25,18 +24,12 @@ void addViE(int key, int toId, const QString& tyyppi)
 
 } // namespace
 
-class tst_cTositeEd : public QObject {
+class tst_cTositeEd : public QObject, VoucherCase {
     Q_OBJECT
 
-    std::unique_ptr<VoucherFixture> f;
-
 private slots:
-    void init()
-    {
-        f = std::make_unique<VoucherFixture>();
-        QVERIFY(f->ok);
-    }
-    void cleanup() { f.reset(); }
+    void init() { start(false); }
+    void cleanup() { finish(); }
 
     // The previous year's keys are made by the program (largest + 1); its numbering counts every
     // row, whatever the kind or sign.

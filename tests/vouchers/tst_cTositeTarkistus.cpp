@@ -1,16 +1,12 @@
-#include "ScriptedDialogs.h"
 #include "VoucherFixture.h"
 #include "vouchers/cTositeTarkistus.h"
 
 #include <QTest>
-#include <memory>
 
 // The voucher check: which faults give a finding, in what order, and what the repair removes.
-class tst_cTositeTarkistus : public QObject {
+class tst_cTositeTarkistus : public QObject, VoucherCase {
     Q_OBJECT
 
-    std::unique_ptr<VoucherFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
     int pankki = 0, myynti = 0;
 
     QStringList lines(bool korjaa = true)
@@ -23,26 +19,20 @@ class tst_cTositeTarkistus : public QObject {
     // A balanced voucher of 100 € on two existing accounts.
     int balanced(int numero, const QString& pvm = QStringLiteral("2011-03-01"), const QString& kind = {})
     {
-        const int id = f->addTosite(numero, kind, pvm);
-        f->addVienti(id, pankki, QStringLiteral("D"), 1000000);
-        f->addVienti(id, myynti, QStringLiteral("K"), 1000000);
-        return id;
+        return f->addBalanced(numero, pankki, myynti, 1000000, pvm, QStringLiteral("Tosite"), kind);
     }
 
 private slots:
     void init()
     {
-        f = std::make_unique<VoucherFixture>();
-        QVERIFY(f->ok);
-        dialogs = std::make_unique<ScriptedDialogs>();
+        start();
         pankki = f->addTili(1910, QStringLiteral("Pankkitili"));
         myynti = f->addTili(3000, QStringLiteral("Myyntituotot"));
     }
     void cleanup()
     {
         QCOMPARE(dialogs->shown().size(), 0);
-        dialogs.reset();
-        f.reset();
+        finish();
     }
 
     void dates_data()

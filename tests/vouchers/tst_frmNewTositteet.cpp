@@ -1,5 +1,4 @@
 #include "Controls.h"
-#include "ScriptedDialogs.h"
 #include "VoucherFixture.h"
 #include "vouchers/frmNewTositteet.h"
 
@@ -42,29 +41,20 @@ void typeCell(const QString& typed)
 } // namespace
 
 // The voucher window's wiring to the editing rules: keyboard, focus after a refusal, cell editors.
-class tst_frmNewTositteet : public QObject {
+class tst_frmNewTositteet : public QObject, VoucherCase {
     Q_OBJECT
 
-    std::unique_ptr<VoucherFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
     int pankki = 0, myynti = 0;
 
 private slots:
     void init()
     {
-        f = std::make_unique<VoucherFixture>();
-        QVERIFY(f->ok);
+        start();
         pankki = f->addTili(1910, QStringLiteral("Pankkitili"));
         f->addTili(2250, QStringLiteral("Muut velat"));
         myynti = f->addTili(3000, QStringLiteral("Myyntituotot"));
-        dialogs = std::make_unique<ScriptedDialogs>();
     }
-    void cleanup()
-    {
-        QCOMPARE(dialogs->failures(), QStringList());
-        dialogs.reset();
-        f.reset();
-    }
+    void cleanup() { finish(); }
 
     void typingAVoucherWithTheKeyboard()
     {

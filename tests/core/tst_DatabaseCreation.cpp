@@ -77,14 +77,11 @@ void tst_DatabaseCreation::names_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("name"); // empty: refused
-    const auto row = [](const char* tag, const char* typed, const char* name) {
-        QTest::newRow(tag) << QString::fromUtf8(typed) << QString::fromUtf8(name);
-    };
-    row("eight, an apostrophe", "O'Brien1", "O'Brien1");
-    row("twelve letters cut", "Hiihtoseuraa", "Hiihtose");
-    row("blank at the cut", "abcdefg hij", "abcdefg");
-    row(".MDB typed", "SEURA.MDB", "SEURA");
-    row("characters of two code units", "😀😀😀😀😀😀😀😀😀", "😀😀😀😀😀😀😀😀");
+    textRow("eight, an apostrophe", "O'Brien1", "O'Brien1");
+    textRow("twelve letters cut", "Hiihtoseuraa", "Hiihtose");
+    textRow("blank at the cut", "abcdefg hij", "abcdefg");
+    textRow(".MDB typed", "SEURA.MDB", "SEURA");
+    textRow("characters of two code units", "😀😀😀😀😀😀😀😀😀", "😀😀😀😀😀😀😀😀");
     // Refused: nothing left (also once .mdb is cut), a refused character, a hidden file, two dots,
     // a control character.
     for (const char* refused : { "   ", ".mdb", "a/b", ".piilo", "a..b", "seu\nra" })

@@ -271,20 +271,17 @@ private slots:
     {
         QTest::addColumn<QString>("damage");
         QTest::addColumn<QString>("message");
-        const auto row = [](const char* tag, const char* damage, const char* message) {
-            QTest::newRow(tag) << QString::fromUtf8(damage) << QString::fromUtf8(message);
-        };
-        row("cut inside a page", "cut", "vajaa");
-        row("the entries' page garbled", "garbled", "vioittunut");
-        row("another program's database", "foreign", "ei ole yhdistyksen kirjanpito");
-        row("another program's Jet 3 file", "northwind-jet3.mdb", "ei ole yhdistyksen kirjanpito");
-        row("another program's Jet 4 file", "dates-jet4.mdb", "ei ole yhdistyksen kirjanpito");
-        row("password", "password", "salasanalla");
-        row("no room on the disk", "full", "tarpeeksi tilaa");
-        row("read-only folder", "read-only folder", "ei voi kirjoittaa");
-        row("already converted", "sqlite", "ei ole vanhan muodon");
-        row("the old file cannot be kept", "copy fails", "Alkuperäistä tiedostoa ei voitu tallentaa");
-        row("the new book cannot take its place", "replace fails",
+        textRow("cut inside a page", "cut", "vajaa");
+        textRow("the entries' page garbled", "garbled", "vioittunut");
+        textRow("another program's database", "foreign", "ei ole yhdistyksen kirjanpito");
+        textRow("another program's Jet 3 file", "northwind-jet3.mdb", "ei ole yhdistyksen kirjanpito");
+        textRow("another program's Jet 4 file", "dates-jet4.mdb", "ei ole yhdistyksen kirjanpito");
+        textRow("password", "password", "salasanalla");
+        textRow("no room on the disk", "full", "tarpeeksi tilaa");
+        textRow("read-only folder", "read-only folder", "ei voi kirjoittaa");
+        textRow("already converted", "sqlite", "ei ole vanhan muodon");
+        textRow("the old file cannot be kept", "copy fails", "Alkuperäistä tiedostoa ei voitu tallentaa");
+        textRow("the new book cannot take its place", "replace fails",
             "Muunnettua kirjanpitoa ei voitu tallentaa");
     }
 

@@ -1,3 +1,4 @@
+#include "TestEnv.h"
 #include "printing/ReportError.h"
 #include "printing/ReportFormulas.h"
 #include "printing/SectionFonts.h"
@@ -38,26 +39,23 @@ private slots:
         QTest::addColumn<QString>("formula");
         QTest::addColumn<QString>("sql");
         QTest::addColumn<QString>("values");
-        const auto row = [](const char* tag, const char* formula, const char* sql, const char* values) {
-            QTest::newRow(tag) << QString::fromUtf8(formula) << QString::fromUtf8(sql)
-                               << QString::fromUtf8(values);
-        };
-        row("journal, ordinary vouchers",
+        textRow("journal, ordinary vouchers",
             "({to.toPvm} <= Date(2011,12,31) AND {to.toPvm} >= Date(2011,1,1)) AND {to.toNumero} >= 0 AND "
             "{to.toAvaustosite} = False AND {to.toPaatostosite} = False",
             R"(("to"."toPvm" <= ? AND "to"."toPvm" >= ?) AND "to"."toNumero" >= ? AND ("to"."toAvaustosite" = 0) AND ("to"."toPaatostosite" = 0))",
             "2011-12-31|2011-01-01|0");
-        row("keywords in any case, NOT, truth values compared",
+        textRow("keywords in any case, NOT, truth values compared",
             "not {to.toNumero} < 0 and {to.toPaatostosite} <> True or {to.toAvaustosite} = true",
             R"(NOT ("to"."toNumero" < ?) AND ("to"."toPaatostosite" = 0) OR ("to"."toAvaustosite" <> 0))",
             "0");
-        row("a yes/no field alone, truth values alone", "{tl.tlPrint} OR False OR True",
+        textRow("a yes/no field alone, truth values alone", "{tl.tlPrint} OR False OR True",
             R"(("tl"."tlPrint" <> 0) OR 1 = 0 OR 1 = 1)", "");
-        row("texts with quotes in both forms", "{vi.viSelite} = 'Matin ''kerho''' OR {vi.viSelite} <> \"x\"",
+        textRow("texts with quotes in both forms",
+            "{vi.viSelite} = 'Matin ''kerho''' OR {vi.viSelite} <> \"x\"",
             R"("vi"."viSelite" = ? OR "vi"."viSelite" <> ?)", "Matin 'kerho'|x");
-        row("money in euros on the left, a negative number", "12.5 < {vi.viArvo} AND {to.toNumero} > -1",
+        textRow("money in euros on the left, a negative number", "12.5 < {vi.viArvo} AND {to.toNumero} > -1",
             R"(? < "vi"."viArvo" AND "to"."toNumero" > ?)", "125000|-1");
-        row("blank formula selects everything", "   ", "", "");
+        textRow("blank formula selects everything", "   ", "", "");
     }
     void toSql()
     {
@@ -73,27 +71,25 @@ private slots:
     {
         QTest::addColumn<QString>("formula");
         QTest::addColumn<QString>("message");
-        const auto row = [](const char* tag, const char* formula, const char* message) {
-            QTest::newRow(tag) << QString::fromUtf8(formula) << QString::fromUtf8(message);
-        };
-        row("no such day", "{to.toPvm} <= Date(2011,2,29)", "Date(2011,2,29) ei ole oikea päivä (kohta 15)");
-        row("Date with a text", "{to.toPvm} <= Date(2011,'1',1)", "vuosi, kuukausi ja päivä numeroina");
-        row("ends after an operator", "{to.toPvm} <=", "päättyy kesken (kohta 14)");
-        row("open parenthesis", "({to.toNumero} >= 0", "puuttuu loppusulje )");
-        row("extra parenthesis", "{to.toNumero} >= 0)", "ylimääräistä tekstiä: ) (kohta 19)");
-        row("field the resolver does not know", "{to.eiOle} = 1", "Kenttää {to.eiOle} ei ole");
-        row("field without table", "{toPvm} = 1", "ei ole muotoa {taulu.kenttä}");
-        row("unclosed field", "{to.toPvm = 1", "puuttuu loppusulje }");
-        row("function", "Year({to.toPvm}) = 2011", "funktiota Year ei tueta");
-        row("unknown word", "{to.toNumero} = Tosite", "sana, jota ei tunneta: Tosite");
-        row("truth value ordered", "{to.toAvaustosite} > True", "vain merkeillä = ja <>");
-        row("unclosed text", "{vi.viSelite} = 'abc", "lainausmerkkiä vaille");
-        row("a number is no condition", "5", "puuttuu vertailu");
-        row("two decimal points", "{vi.viArvo} > 1.2.3", "luku 1.2.3 on virheellinen");
-        row("amount beyond money", "{vi.viArvo} > 99999999999999", "luku 99999999999999 on liian suuri");
-        row("number beyond integers", "{to.toNumero} = 99999999999999999999",
+        textRow(
+            "no such day", "{to.toPvm} <= Date(2011,2,29)", "Date(2011,2,29) ei ole oikea päivä (kohta 15)");
+        textRow("Date with a text", "{to.toPvm} <= Date(2011,'1',1)", "vuosi, kuukausi ja päivä numeroina");
+        textRow("ends after an operator", "{to.toPvm} <=", "päättyy kesken (kohta 14)");
+        textRow("open parenthesis", "({to.toNumero} >= 0", "puuttuu loppusulje )");
+        textRow("extra parenthesis", "{to.toNumero} >= 0)", "ylimääräistä tekstiä: ) (kohta 19)");
+        textRow("field the resolver does not know", "{to.eiOle} = 1", "Kenttää {to.eiOle} ei ole");
+        textRow("field without table", "{toPvm} = 1", "ei ole muotoa {taulu.kenttä}");
+        textRow("unclosed field", "{to.toPvm = 1", "puuttuu loppusulje }");
+        textRow("function", "Year({to.toPvm}) = 2011", "funktiota Year ei tueta");
+        textRow("unknown word", "{to.toNumero} = Tosite", "sana, jota ei tunneta: Tosite");
+        textRow("truth value ordered", "{to.toAvaustosite} > True", "vain merkeillä = ja <>");
+        textRow("unclosed text", "{vi.viSelite} = 'abc", "lainausmerkkiä vaille");
+        textRow("a number is no condition", "5", "puuttuu vertailu");
+        textRow("two decimal points", "{vi.viArvo} > 1.2.3", "luku 1.2.3 on virheellinen");
+        textRow("amount beyond money", "{vi.viArvo} > 99999999999999", "luku 99999999999999 on liian suuri");
+        textRow("number beyond integers", "{to.toNumero} = 99999999999999999999",
             "luku 99999999999999999999 on liian suuri");
-        row("digits of another script", "{to.toNumero} = ٣", "merkki, jota ei tunneta: ٣");
+        textRow("digits of another script", "{to.toNumero} = ٣", "merkki, jota ei tunneta: ٣");
         QTest::newRow("parentheses nested too deep")
             << QString(50000, u'(') + "{to.toNumero} = 1" + QString(50000, u')') << "liian monta sisäkkäistä";
         QTest::newRow("NOTs nested too deep") << QStringLiteral("NOT ").repeated(50000) + "{to.toNumero} = 1"

@@ -115,16 +115,13 @@ void tst_ServiceMail::servers_data()
 {
     QTest::addColumn<QString>("smtp");
     QTest::addColumn<QString>("url"); // empty: not a server
-    const auto row = [](const char* tag, const char* smtp, const char* url) {
-        QTest::newRow(tag) << QString::fromUtf8(smtp) << QString::fromUtf8(url);
-    };
-    row("name only", "smtp.kuoro.fi", "smtp://smtp.kuoro.fi:25");
-    row("submission", " smtp.kuoro.fi:587 ", "smtp://smtp.kuoro.fi:587");
-    row("implicit TLS", "smtp.kuoro.fi:465", "smtps://smtp.kuoro.fi:465");
-    row("IPv6", "[::1]:2525", "smtp://[::1]:2525");
-    row("port too large", "smtp.kuoro.fi:65536", "");
-    row("blank inside", "smtp kuoro.fi", "");
-    row("a URL", "smtp://smtp.kuoro.fi", "");
+    textRow("name only", "smtp.kuoro.fi", "smtp://smtp.kuoro.fi:25");
+    textRow("submission", " smtp.kuoro.fi:587 ", "smtp://smtp.kuoro.fi:587");
+    textRow("implicit TLS", "smtp.kuoro.fi:465", "smtps://smtp.kuoro.fi:465");
+    textRow("IPv6", "[::1]:2525", "smtp://[::1]:2525");
+    textRow("port too large", "smtp.kuoro.fi:65536", "");
+    textRow("blank inside", "smtp kuoro.fi", "");
+    textRow("a URL", "smtp://smtp.kuoro.fi", "");
 }
 
 void tst_ServiceMail::servers()

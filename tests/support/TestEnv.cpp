@@ -11,6 +11,7 @@
 #include <QDate>
 #include <QDir>
 #include <QFile>
+#include <QSqlError>
 #include <QSqlQuery>
 
 TestEnv::TestEnv()
@@ -47,6 +48,22 @@ void TestEnv::writeIni(const QByteArray& content) const
 }
 
 QString TestEnv::readIni() const { return QString::fromUtf8(readFile(iniFile())); }
+
+bool TestEnv::exec(const QString& file, const QStringList& statements)
+{
+    bool ok = true;
+    withDatabase(file, [&](QSqlDatabase& db) {
+        QSqlQuery q(db);
+        for (const QString& statement : statements) {
+            ok = q.exec(statement);
+            if (!ok) {
+                qWarning("%s: %s", qPrintable(statement), qPrintable(q.lastError().text()));
+                break;
+            }
+        }
+    });
+    return ok;
+}
 
 QByteArray TestEnv::readFile(const QString& file)
 {

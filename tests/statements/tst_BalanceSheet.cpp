@@ -64,16 +64,12 @@ class tst_BalanceSheet : public QObject {
 private slots:
     void init()
     {
-        f = std::make_unique<StatementFixture>();
-        QVERIFY(f->ok);
-        chart();
-        templates();
+        QVERIFY(StatementFixture::start(f, [] {
+            chart();
+            templates();
+        }));
     }
-    void cleanup()
-    {
-        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
-        f.reset();
-    }
+    void cleanup() { StatementFixture::finish(f); }
 
     void openingChangeClosing_data();
     void openingChangeClosing();

@@ -46,16 +46,12 @@ class tst_IncomeStatement : public QObject {
 private slots:
     void init()
     {
-        f = std::make_unique<StatementFixture>();
-        QVERIFY(f->ok);
-        chart();
-        f->malli(1, QStringLiteral("Tuloslaskelma"), 1);
+        QVERIFY(StatementFixture::start(f, [] {
+            chart();
+            StatementFixture::malli(1, QStringLiteral("Tuloslaskelma"), 1);
+        }));
     }
-    void cleanup()
-    {
-        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
-        f.reset();
-    }
+    void cleanup() { StatementFixture::finish(f); }
 
     void amounts_data();
     void amounts();

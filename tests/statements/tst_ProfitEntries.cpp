@@ -53,17 +53,8 @@ class tst_ProfitEntries : public QObject {
     std::unique_ptr<StatementFixture> f;
 
 private slots:
-    void init()
-    {
-        f = std::make_unique<StatementFixture>();
-        QVERIFY(f->ok);
-        StatementFixture::smallAssociation();
-    }
-    void cleanup()
-    {
-        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
-        f.reset();
-    }
+    void init() { QVERIFY(StatementFixture::start(f, StatementFixture::smallAssociation)); }
+    void cleanup() { StatementFixture::finish(f); }
 
     void refusals_data();
     void refusals();

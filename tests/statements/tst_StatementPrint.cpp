@@ -99,11 +99,9 @@ class tst_StatementPrint : public QObject {
 private slots:
     void init()
     {
-        f = std::make_unique<StatementFixture>();
-        QVERIFY(f->ok);
-        copyReports(f->env);
+        QVERIFY(StatementFixture::start(f, [this] { copyReports(f->env); }));
     }
-    void cleanup() { f.reset(); }
+    void cleanup() { StatementFixture::finish(f); }
 
     // Each statement printed wide and narrow: the small association for a spring period, with the
     // previous year beside this one, and the demo for its year (the build's, so written as letters).

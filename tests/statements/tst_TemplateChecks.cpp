@@ -37,17 +37,8 @@ class tst_TemplateChecks : public QObject {
     std::unique_ptr<StatementFixture> f;
 
 private slots:
-    void init()
-    {
-        f = std::make_unique<StatementFixture>();
-        QVERIFY(f->ok);
-        cleanPair();
-    }
-    void cleanup()
-    {
-        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
-        f.reset();
-    }
+    void init() { QVERIFY(StatementFixture::start(f, cleanPair)); }
+    void cleanup() { StatementFixture::finish(f); }
 
     // A clean pair has no findings, whatever order the balance sheet's two groups are in; the
     // findings table is emptied on every run.

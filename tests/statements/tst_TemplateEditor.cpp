@@ -58,18 +58,8 @@ class tst_TemplateEditor : public QObject {
     QStringList infos() const { return f->dialogs.texts(ScriptedDialogs::Kind::Information); }
 
 private slots:
-    void init()
-    {
-        f = std::make_unique<StatementFixture>();
-        QVERIFY(f->ok);
-        templates();
-    }
-    void cleanup()
-    {
-        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
-        QCOMPARE(f->dialogs.remainingAnswers(), 0);
-        f.reset();
-    }
+    void init() { QVERIFY(StatementFixture::start(f, templates)); }
+    void cleanup() { StatementFixture::finish(f, true); }
 
     void nodeKeys_data()
     {

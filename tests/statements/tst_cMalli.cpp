@@ -14,12 +14,8 @@ class tst_cMalli : public QObject {
     std::unique_ptr<StatementFixture> f;
 
 private slots:
-    void init()
-    {
-        f = std::make_unique<StatementFixture>();
-        QVERIFY(f->ok);
-    }
-    void cleanup() { f.reset(); }
+    void init() { QVERIFY(StatementFixture::start(f)); }
+    void cleanup() { StatementFixture::finish(f); }
 
     void templateRoundTrip();
     void rowRoundTripAndDirtyFlag();

@@ -76,9 +76,7 @@ class tst_frmNewTulosJaTase : public QObject {
 private slots:
     void init()
     {
-        f = std::make_unique<StatementFixture>();
-        QVERIFY(f->ok);
-        books();
+        QVERIFY(StatementFixture::start(f, books));
         w = std::make_unique<frmNewTulosJaTase>(f->db());
         w->QWidget::show();
         w->activateWindow();
@@ -89,9 +87,7 @@ private slots:
         if (w)
             w->close();
         w.reset();
-        QVERIFY2(f->dialogs.failures().isEmpty(), qPrintable(f->dialogs.failures().join(u'\n')));
-        QCOMPARE(f->dialogs.remainingAnswers(), 0);
-        f.reset();
+        StatementFixture::finish(f, true);
     }
 
     void treeWithTwoRoots()

@@ -16,7 +16,9 @@
 #include <QStringList>
 #include <QTest>
 #include <QVariant>
+#include <functional>
 #include <limits>
+#include <memory>
 #include <utility>
 
 // An empty association database for 2012 (previous 2011) with scripted dialogs, writers and
@@ -40,6 +42,27 @@ public:
         s.VoittoTaseella = 0;
     }
     ~StatementFixture() { DBC::instance().SuljeDB(); }
+
+    // A test class's fixture made afresh in its init, with `setUp` run on the open books; false
+    // when the books did not open.
+    static bool start(std::unique_ptr<StatementFixture>& f, const std::function<void()>& setUp = {})
+    {
+        f.reset();
+        f = std::make_unique<StatementFixture>();
+        if (f->ok && setUp)
+            setUp();
+        return f->ok;
+    }
+
+    // Checks in a test class's cleanup that the scripted dialogs went as scripted (with
+    // `allAnswered` also that every scripted answer was used), then drops the fixture.
+    static void finish(std::unique_ptr<StatementFixture>& f, bool allAnswered = false)
+    {
+        const std::unique_ptr<StatementFixture> done = std::move(f);
+        QVERIFY2(done->dialogs.failures().isEmpty(), qPrintable(done->dialogs.failures().join(u'\n')));
+        if (allAnswered)
+            QCOMPARE(done->dialogs.remainingAnswers(), 0);
+    }
 
     static QSqlDatabase db() { return DBC::instance().AvaaDB(); }
 

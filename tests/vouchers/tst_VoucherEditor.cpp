@@ -184,9 +184,7 @@ private slots:
     void chosenAccountBalanceIsReadFromTheBooks()
     {
         ProgramSettings::bookkeeping().LaskettavaTili = pankki;
-        const int other = f->addTosite(1);
-        f->addVienti(other, pankki, QStringLiteral("D"), 1000000); // 100,00 in another voucher
-        f->addVienti(other, myynti, QStringLiteral("K"), 1000000);
+        const int other = f->addBalanced(1, pankki, myynti); // 100,00 in another voucher
         const int shown = f->addTosite(2);
         f->addVienti(shown, pankki, QStringLiteral("K"), 200000); // 20,00 on screen
         f->addVienti(999, pankki, QStringLiteral("D"), 7770000); // an entry without voucher does not count

@@ -27,10 +27,8 @@ private slots:
     {
         start(false);
         tili = f->addTili(1910, QStringLiteral("Pankkitili"));
-        const int vuokra
-            = f->addTosite(1, {}, QStringLiteral("2011-03-05"), QStringLiteral("Toimiston vuokra maaliskuu"));
-        f->addVienti(vuokra, tili, QStringLiteral("D"), 125000);
-        f->addVienti(vuokra, tili, QStringLiteral("K"), 125000);
+        f->addBalanced(1, tili, tili, 125000, QStringLiteral("2011-03-05"),
+            QStringLiteral("Toimiston vuokra maaliskuu"));
         const int ale
             = f->addTosite(2, {}, QStringLiteral("2011-04-01"), QStringLiteral("50% ALENNUS ÄÄNENTOISTOSTA"));
         f->addVienti(ale, tili, QStringLiteral("D"), 1234500000);

@@ -176,10 +176,8 @@ private slots:
 
     void deleteRemovesAllEntriesInOneTransaction()
     {
-        const int id = f->addTosite(1);
+        const int id = f->addBalanced(1, 1, 2, 10000);
         const int other = f->addTosite(2);
-        f->addVienti(id, 1, QStringLiteral("D"), 10000);
-        f->addVienti(id, 2, QStringLiteral("K"), 10000);
         f->addVienti(other, 1, QStringLiteral("D"), 10000);
         cTosite t(f->db());
         QVERIFY(t.Load(id));

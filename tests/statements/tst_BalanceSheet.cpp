@@ -9,17 +9,14 @@ namespace {
 
 using Row = StatementFixture::Row;
 
-void chart()
+// Accounts 1, 3, 5, 8 and 9; income statement 1 with a formula profit row; balance sheet 2 takes
+// it as "Tilikauden tulos".
+void templates()
 {
     const std::pair<int, int> accounts[]
         = { { 1, 1910 }, { 3, 3000 }, { 5, 4000 }, { 8, 2000 }, { 9, 2870 } };
     for (const auto& [id, numero] : accounts)
         StatementFixture::account(id, numero);
-}
-
-// Income statement 1 with a formula profit row; balance sheet 2 takes it as "Tilikauden tulos".
-void templates()
-{
     StatementFixture::malli(1, QStringLiteral("Tuloslaskelma"), 1);
     StatementFixture::row({ .id = 1, .teksti = "Tuotot", .tilit = "3,", .turnover = true });
     StatementFixture::row({ .id = 2, .teksti = "Kulut", .tilit = "5," });
@@ -62,13 +59,7 @@ class tst_BalanceSheet : public QObject {
     std::unique_ptr<StatementFixture> f;
 
 private slots:
-    void init()
-    {
-        QVERIFY(StatementFixture::start(f, [] {
-            chart();
-            templates();
-        }));
-    }
+    void init() { QVERIFY(StatementFixture::start(f, templates)); }
     void cleanup() { StatementFixture::finish(f); }
 
     void openingChangeClosing_data();

@@ -7,7 +7,7 @@
 
 namespace {
 
-// Accounts: 1 bank, 3 and 4 income, 5 and 6 expenses, 7 the result.
+// Accounts: 1 bank, 3 and 4 income, 5 and 6 expenses, 7 the result; an empty income statement 1.
 void chart()
 {
     StatementFixture::account(1, 1910, QStringLiteral("Pankkitili"));
@@ -16,6 +16,7 @@ void chart()
     StatementFixture::account(5, 4000, QStringLiteral("Kulut"));
     StatementFixture::account(6, 4010, QStringLiteral("Vuokrat"));
     StatementFixture::account(7, 9990, QStringLiteral("Tulos"));
+    StatementFixture::malli(1, QStringLiteral("Tuloslaskelma"), 1);
 }
 
 // A credit (positive) or debit (negative) on an account, against the bank.
@@ -44,13 +45,7 @@ class tst_IncomeStatement : public QObject {
     std::unique_ptr<StatementFixture> f;
 
 private slots:
-    void init()
-    {
-        QVERIFY(StatementFixture::start(f, [] {
-            chart();
-            StatementFixture::malli(1, QStringLiteral("Tuloslaskelma"), 1);
-        }));
-    }
+    void init() { QVERIFY(StatementFixture::start(f, chart)); }
     void cleanup() { StatementFixture::finish(f); }
 
     void amounts_data();

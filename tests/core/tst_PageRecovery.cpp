@@ -59,11 +59,9 @@ private slots:
         const QString file = env.path(QStringLiteral("seura.mdb"));
         QVERIFY(TestEnv::createDatabase(file));
         // Deleted rows lie on free pages, or cleared on their page: they must stay deleted.
-        withDatabase(file, [](QSqlDatabase& db) {
-            QSqlQuery q(db);
-            QVERIFY(q.exec(QStringLiteral("PRAGMA secure_delete = OFF")));
-            QVERIFY(q.exec(QStringLiteral("DELETE FROM \"to\" WHERE toNumero BETWEEN 100 AND 250")));
-        });
+        QVERIFY(TestEnv::exec(file,
+            { QStringLiteral("PRAGMA secure_delete = OFF"),
+                QStringLiteral("DELETE FROM \"to\" WHERE toNumero BETWEEN 100 AND 250") }));
         const QMap<QString, Rows> original = dump(file);
         QByteArray bytes = TestEnv::readFile(file);
         QRandomGenerator random { quint32(seed) };
@@ -106,15 +104,12 @@ private slots:
         TestEnv env;
         const QString file = env.path(QStringLiteral("seura.mdb"));
         QVERIFY(TestEnv::createDatabase(file));
-        withDatabase(file, [](QSqlDatabase& db) {
-            QSqlQuery q(db);
-            QVERIFY(q.exec(QStringLiteral("CREATE VIEW tilit AS SELECT tlNumero FROM tl")));
-            QVERIFY(q.exec(QStringLiteral("CREATE TRIGGER t AFTER INSERT ON tl BEGIN DELETE FROM vi; END")));
-            QVERIFY(q.exec(QStringLiteral("CREATE INDEX i ON tl(tlNimi)")));
-            QVERIFY(q.exec(QStringLiteral("PRAGMA writable_schema = ON")));
-            QVERIFY(q.exec(
-                QStringLiteral("UPDATE sqlite_master SET sql = sql || '; DROP TABLE vi' WHERE name = 'i'")));
-        });
+        QVERIFY(TestEnv::exec(file,
+            { QStringLiteral("CREATE VIEW tilit AS SELECT tlNumero FROM tl"),
+                QStringLiteral("CREATE TRIGGER t AFTER INSERT ON tl BEGIN DELETE FROM vi; END"),
+                QStringLiteral("CREATE INDEX i ON tl(tlNimi)"), QStringLiteral("PRAGMA writable_schema = ON"),
+                QStringLiteral(
+                    "UPDATE sqlite_master SET sql = sql || '; DROP TABLE vi' WHERE name = 'i'") }));
         const PageRecovery::Result read = PageRecovery::read(TestEnv::readFile(file));
         QCOMPARE(read.skipped, (QStringList { QStringLiteral("trigger t"), QStringLiteral("index i") }));
         const QString target = env.path(QStringLiteral("korjattu.mdb"));

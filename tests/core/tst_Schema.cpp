@@ -25,6 +25,15 @@ QString objectSql(QSqlDatabase& db, const QString& name)
     return q.exec() && q.next() ? q.value(0).toString() : QString();
 }
 
+// Runs `work` on new books of `layout` (see TestEnv::createDatabase) in a folder of the test's own.
+template <typename Work> void onNewBooks(TestEnv::Layout layout, Work work)
+{
+    TestEnv env;
+    const QString file = env.path(QStringLiteral("seura.mdb"));
+    QVERIFY(TestEnv::createDatabase(file, layout));
+    withDatabase(file, work);
+}
+
 } // namespace
 
 class tst_Schema : public QObject {
@@ -40,10 +49,7 @@ private slots:
 
 void tst_Schema::oldestLayoutGetsAllSteps()
 {
-    TestEnv env;
-    const QString file = env.path(QStringLiteral("vanha.mdb"));
-    QVERIFY(TestEnv::createDatabase(file, TestEnv::Layout::Oldest));
-    withDatabase(file, [](QSqlDatabase& db) {
+    onNewBooks(TestEnv::Layout::Oldest, [](QSqlDatabase& db) {
         QVERIFY(Schema::fieldMissing(db, QStringLiteral("vi"), QStringLiteral("viPaatosvienti")));
         QVERIFY(Schema::tableMissing(db, QStringLiteral("Settings")));
         const Schema::UpgradeResult r = Schema::UpdateDatabase(db);
@@ -82,10 +88,7 @@ void tst_Schema::oldestLayoutGetsAllSteps()
 
 void tst_Schema::queriesSelectTheRightEntries()
 {
-    TestEnv env;
-    const QString file = env.path(QStringLiteral("q.mdb"));
-    QVERIFY(TestEnv::createDatabase(file));
-    withDatabase(file, [](QSqlDatabase& db) {
+    onNewBooks(TestEnv::Layout::Current, [](QSqlDatabase& db) {
         QSqlQuery q(db);
         QVERIFY(q.exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viAvausvienti, "
                                       "viPaatosvienti) VALUES (1, 1, 'D', 10, 1, 0), (1, 2, 'K', 10, 1, 0), "
@@ -108,10 +111,7 @@ void tst_Schema::queriesSelectTheRightEntries()
 
 void tst_Schema::foreignQueryIsReplaced()
 {
-    TestEnv env;
-    const QString file = env.path(QStringLiteral("v.mdb"));
-    QVERIFY(TestEnv::createDatabase(file));
-    withDatabase(file, [](QSqlDatabase& db) {
+    onNewBooks(TestEnv::Layout::Current, [](QSqlDatabase& db) {
         QSqlQuery q(db);
         QVERIFY(q.exec(QStringLiteral("DROP VIEW viennit")));
         QVERIFY(q.exec(QStringLiteral("CREATE VIEW viennit AS SELECT 1 AS x")));
@@ -122,10 +122,7 @@ void tst_Schema::foreignQueryIsReplaced()
 
 void tst_Schema::failingStepResumesNextTime()
 {
-    TestEnv env;
-    const QString file = env.path(QStringLiteral("rikki.mdb"));
-    QVERIFY(TestEnv::createDatabase(file, TestEnv::Layout::Oldest));
-    withDatabase(file, [](QSqlDatabase& db) {
+    onNewBooks(TestEnv::Layout::Oldest, [](QSqlDatabase& db) {
         QSqlQuery q(db);
         QVERIFY(q.exec(QStringLiteral("DROP TABLE toE")));
         Schema::UpgradeResult r = Schema::UpdateDatabase(db);
@@ -147,10 +144,7 @@ void tst_Schema::failingStepResumesNextTime()
 // Vouchers that earlier versions' reports stored in the books go; the user's vouchers stay.
 void tst_Schema::reportLeftoversRemoved()
 {
-    TestEnv env;
-    const QString file = env.path(QStringLiteral("jaanteet.mdb"));
-    QVERIFY(TestEnv::createDatabase(file, TestEnv::Layout::Current));
-    withDatabase(file, [](QSqlDatabase& db) {
+    onNewBooks(TestEnv::Layout::Current, [](QSqlDatabase& db) {
         QSqlQuery q(db);
         // The book holds vouchers 1…401 of the user, entries on voucher 1.
         for (const char* sql : {

@@ -38,23 +38,13 @@ QByteArray hashOf(const QString& path)
     return h.result().toHex();
 }
 
-bool sql(const QString& file, const QStringList& statements)
-{
-    bool ok = true;
-    withDatabase(file, [&](QSqlDatabase& db) {
-        for (const QString& s : statements)
-            ok = ok && QSqlQuery(db).exec(s);
-    });
-    return ok;
-}
-
 // Good books of the demo association, then changed by `statements`.
 bool demoBooks(const QString& file, const QStringList& statements)
 {
     QDir().mkpath(QFileInfo(file).absolutePath());
     return QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb"), file)
         && QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner)
-        && sql(file, statements);
+        && TestEnv::exec(file, statements);
 }
 
 QByteArray garble(QByteArray bytes, qsizetype from, qsizetype size)
@@ -92,7 +82,7 @@ bool make(const TestEnv& env, const QString& kind, const QString& file)
         return TestEnv::writeFile(file, jet);
     }
     if (kind == u"other program's SQLite")
-        return sql(file,
+        return TestEnv::exec(file,
             { QStringLiteral("CREATE TABLE kuvat (id INTEGER PRIMARY KEY, nimi TEXT, kuva BLOB)"),
                 QStringLiteral("INSERT INTO kuvat (nimi) VALUES ('kesä.jpg')") });
     if (kind == u"newer layout")

@@ -16,27 +16,6 @@
 
 namespace {
 
-// Accounts 1–4; an income statement 1 whose result is a formula, and a balance sheet 2 that
-// takes its profit, both passing every check.
-void books()
-{
-    for (int i = 1; i <= 4; ++i)
-        StatementFixture::account(i, 1000 * i);
-    StatementFixture::malli(1, QStringLiteral("Tulos"), 1);
-    StatementFixture::malli(2, QStringLiteral("Tase"), 2, 1);
-    using R = StatementFixture::Row;
-    for (const R& r :
-        { R { .id = 10, .ma = 1, .teksti = "Tuotot", .tilit = "3," },
-            R { .id = 11, .ma = 1, .teksti = "Kulut", .tilit = "4," },
-            R { .id = 12, .ma = 1, .teksti = "Tulos", .kaava = "+10,-11,", .equation = true, .profit = true },
-            R { .id = 20, .ma = 2, .teksti = "Vastaavaa", .side = "D" },
-            R { .id = 21, .ma = 2, .teksti = "Rahat", .parent = 20, .tilit = "1,", .side = "D" },
-            R { .id = 22, .ma = 2, .teksti = "Vastattavaa" },
-            R { .id = 23, .ma = 2, .teksti = "Pääoma", .parent = 22, .tilit = "2," },
-            R { .id = 24, .ma = 2, .teksti = "Velat", .parent = 22 } })
-        StatementFixture::row(r);
-}
-
 QStringList ticked(const QListWidget* list)
 {
     QStringList out;
@@ -76,7 +55,7 @@ class tst_frmNewTulosJaTase : public QObject {
 private slots:
     void init()
     {
-        QVERIFY(StatementFixture::start(f, books));
+        QVERIFY(StatementFixture::start(f, StatementFixture::cleanPair));
         w = std::make_unique<frmNewTulosJaTase>(f->db());
         w->QWidget::show();
         w->activateWindow();

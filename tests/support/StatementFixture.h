@@ -198,6 +198,26 @@ public:
         row({ .id = 22, .ma = 2, .teksti = "Tilikauden ylijäämä", .parent = 20, .tilit = "2," });
     }
 
+    // Accounts 1–4; income statement 1 "Tulos" over 3 and 4 whose profit row is the formula
+    // Tuotot − Kulut, and balance sheet 2 "Tase" over 1 and 2 that takes its profit; the pair
+    // passes every template check.
+    static void cleanPair()
+    {
+        for (int i = 1; i <= 4; ++i)
+            account(i, 1000 * i);
+        malli(1, QStringLiteral("Tulos"), 1);
+        malli(2, QStringLiteral("Tase"), 2, 1);
+        for (const Row& r : { Row { .id = 10, .teksti = "Tuotot", .tilit = "3," },
+                 Row { .id = 11, .teksti = "Kulut", .tilit = "4," },
+                 Row { .id = 12, .teksti = "Tulos", .kaava = "+10,-11,", .equation = true, .profit = true },
+                 Row { .id = 20, .ma = 2, .teksti = "Vastaavaa", .side = "D" },
+                 Row { .id = 21, .ma = 2, .teksti = "Rahat", .parent = 20, .tilit = "1,", .side = "D" },
+                 Row { .id = 22, .ma = 2, .teksti = "Vastattavaa" },
+                 Row { .id = 23, .ma = 2, .teksti = "Pääoma", .parent = 22, .tilit = "2," },
+                 Row { .id = 24, .ma = 2, .teksti = "Velat", .parent = 22 } })
+            row(r);
+    }
+
     // A copy of a book from the program folder ("demo1.mdb", "mallit/lions.mdb") opened as the
     // program's database, with its own settings; the built file stays as the build made it.
     static bool openShipped(const TestEnv& env, const QString& relative)

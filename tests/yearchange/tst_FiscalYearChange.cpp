@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QTest>
+#include <memory>
 #include <stdexcept>
 
 namespace {
@@ -80,7 +81,12 @@ void booksOf2011()
 class tst_FiscalYearChange : public QObject {
     Q_OBJECT
 
+    std::unique_ptr<StatementFixture> f;
+
 private slots:
+    void init() { QVERIFY(StatementFixture::start(f)); }
+    void cleanup() { StatementFixture::finish(f); }
+
     void dates_data();
     void dates();
     void refusals_data();
@@ -111,15 +117,13 @@ void tst_FiscalYearChange::dates()
     QList<QDate> d;
     for (const QString& day : years.split(u' '))
         d << QDate::fromString(day, QStringLiteral("d.M.yyyy"));
-    F f;
-    QVERIFY(f.ok);
     setYears(d[0], d[1], d[2], d[3]);
     PrintOptions::current().alkupvm = QDate(2011, 5, 1);
     PrintOptions::current().loppupvm = QDate(2011, 5, 31);
 
     FiscalYearChange vaihto(F::db());
     QVERIFY(vaihto.suorita(0, false));
-    QCOMPARE(f.dialogs.transcript(), QStringList());
+    QCOMPARE(f->dialogs.transcript(), QStringList());
     const FiscalYearChange::Kaudet k = FiscalYearChange::nykyiset();
     QCOMPARE(text(k), expected);
     QCOMPARE(PrintOptions::current().alkupvm, k.alku);
@@ -166,8 +170,6 @@ void tst_FiscalYearChange::refusals()
     QFETCH(QString, setup);
     QFETCH(QString, shown);
     QFETCH(QString, detail);
-    F f;
-    QVERIFY(f.ok);
     booksOf2011();
     const QString file = F::db().databaseName();
     if (setup == u"read-only")
@@ -180,7 +182,7 @@ void tst_FiscalYearChange::refusals()
     vaihto.setVahvistus([&](const FiscalYearChange::Kaudet&) { return asked = true; });
     QVERIFY(!vaihto.suorita(malli < 0 ? std::nullopt : std::optional<qint32>(malli), true));
     QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    const QStringList transcript = f.dialogs.transcript();
+    const QStringList transcript = f->dialogs.transcript();
     QCOMPARE(transcript.size(), 1);
     QVERIFY2(transcript.first().startsWith(shown) && transcript.first().contains(detail),
         qPrintable(transcript.first()));
@@ -194,8 +196,6 @@ void tst_FiscalYearChange::refusals()
 // account line, its side from the print group and the sign.
 void tst_FiscalYearChange::openingEntries()
 {
-    F f;
-    QVERIFY(f.ok);
     booksOf2011();
     // A closing voucher pays account 9 back: its zero balance gets no opening entry.
     F::post(QStringLiteral("2011-11-01"), 9, 1, 50000);
@@ -217,7 +217,7 @@ void tst_FiscalYearChange::openingEntries()
             stages << teksti;
     });
     QVERIFY(vaihto.suorita(2, true));
-    QCOMPARE(f.dialogs.transcript(), QStringList());
+    QCOMPARE(f->dialogs.transcript(), QStringList());
 
     // The safety copy comes first and is named in the status.
     const QString copy = QFileInfo(vaihto.varmuuskopio()).fileName();
@@ -258,8 +258,6 @@ void tst_FiscalYearChange::openingEntries()
 // new year is empty.
 void tst_FiscalYearChange::withoutOpeningEntries()
 {
-    F f;
-    QVERIFY(f.ok);
     booksOf2011();
     F::exec(QStringLiteral("INSERT INTO tase (taseteksti) VALUES ('vanha')"));
     const int entries = F::count(QStringLiteral("vi"));
@@ -291,8 +289,6 @@ void tst_FiscalYearChange::failureLeavesBooks()
     QFETCH(int, stage);
     QFETCH(QString, failure);
     QFETCH(QString, error);
-    F f;
-    QVERIFY(f.ok);
     booksOf2011();
     // Enough current-year rows that the history needs more pages than it frees.
     if (failure == u"disk full")
@@ -319,16 +315,16 @@ void tst_FiscalYearChange::failureLeavesBooks()
             throw std::runtime_error("keskeytetty");
     });
     QVERIFY(!vaihto.suorita(2, true));
-    QCOMPARE(f.dialogs.transcript().size(), 1);
-    QVERIFY2(f.dialogs.texts(ScriptedDialogs::Kind::Error).value(0).startsWith(error),
-        qPrintable(f.dialogs.transcript().join(u'\n')));
+    QCOMPARE(f->dialogs.transcript().size(), 1);
+    QVERIFY2(f->dialogs.texts(ScriptedDialogs::Kind::Error).value(0).startsWith(error),
+        qPrintable(f->dialogs.transcript().join(u'\n')));
     QCOMPARE(QFileInfo::exists(vaihto.varmuuskopio()), failure != u"no safety copy");
     F::exec(QStringLiteral("PRAGMA max_page_count = 1073741823"));
     QCOMPARE(books(), before);
     QCOMPARE(F::count(QStringLiteral("tase")), 0);
     // Nothing is left half-done: the next try goes through.
     QFile::remove(folder);
-    f.dialogs.clear();
+    f->dialogs.clear();
     FiscalYearChange uudestaan(F::db());
     QVERIFY(uudestaan.suorita(2, true));
     QCOMPARE(FiscalYearChange::nykyiset().alku, QDate(2012, 1, 1));

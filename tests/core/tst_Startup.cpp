@@ -475,15 +475,9 @@ void tst_Startup::associationChoice_data()
     QTest::addColumn<QString>("current"); // where the choice starts
     QTest::addColumn<QString>("answer");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("chosen") << "a.mdb"
-                            << "b.mdb"
-                            << "b.mdb";
-    QTest::newRow("cancelled keeps the current") << "a.mdb"
-                                                 << ""
-                                                 << "a.mdb";
-    QTest::newRow("a folder starts the dialog there") << "kirjat"
-                                                      << "b.mdb"
-                                                      << "b.mdb";
+    textRow("chosen", "a.mdb", "b.mdb", "b.mdb");
+    textRow("cancelled keeps the current", "a.mdb", "", "a.mdb");
+    textRow("a folder starts the dialog there", "kirjat", "b.mdb", "b.mdb");
 }
 
 void tst_Startup::associationChoice()

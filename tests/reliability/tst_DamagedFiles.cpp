@@ -162,6 +162,29 @@ bool ranAsUnprivileged(const QString& kind)
     return true;
 }
 
+// One row: the kind of file and what the start-up makes of it, the file made at its place in the
+// test's folder, and the file's hash as made.
+struct Case {
+    const TestEnv& env;
+    QString kind;
+    int start;
+    QString file;
+    QByteArray before;
+};
+
+// Runs `test` on this row's file made at `relative`, unless uid 65534 ran the row.
+template <typename Test> void onFile(const QString& relative, Test test)
+{
+    QFETCH_GLOBAL(QString, kind);
+    QFETCH_GLOBAL(int, start);
+    if (ranAsUnprivileged(kind))
+        return;
+    TestEnv env;
+    const QString file = env.path(relative);
+    QVERIFY(make(env, kind, file));
+    test(Case { env, kind, start, file, hashOf(file) });
+}
+
 } // namespace
 
 class tst_DamagedFiles : public QObject {
@@ -199,148 +222,123 @@ void tst_DamagedFiles::initTestCase_data()
 // upgraded and their settings read. Every question is answered no.
 void tst_DamagedFiles::startup()
 {
-    QFETCH_GLOBAL(QString, kind);
-    QFETCH_GLOBAL(int, start);
-    if (ranAsUnprivileged(kind))
-        return;
-    TestEnv env;
-    const QString file = env.path(QStringLiteral("data/seura.mdb"));
-    QVERIFY(make(env, kind, file));
-    const QByteArray before = hashOf(file);
-    env.writeIni("[VORKAM]\nDatabase=" + file.toUtf8() + "\n");
-    ScriptedDialogs dialogs;
-    // A missing or unreadable file offers the default database, an old-format file its
-    // conversion, a read-only file to be made writable: no.
-    if (kind == u"directory" || kind == u"symlink loop" || kind == u"Jet header"
-        || kind == u"no read permission" || kind == u"read-only file and folder")
-        dialogs.answerNo();
+    onFile(QStringLiteral("data/seura.mdb"), [](const Case& c) {
+        c.env.writeIni("[VORKAM]\nDatabase=" + c.file.toUtf8() + "\n");
+        ScriptedDialogs dialogs;
+        // A missing or unreadable file offers the default database, an old-format file its
+        // conversion, a read-only file to be made writable: no.
+        if (c.kind == u"directory" || c.kind == u"symlink loop" || c.kind == u"Jet header"
+            || c.kind == u"no read permission" || c.kind == u"read-only file and folder")
+            dialogs.answerNo();
 
-    Startup startup;
-    startup.formatCurrency = [] { return QStringLiteral("1 234,50 €"); };
-    const Startup::Result r = startup.run();
-    DBC::instance().SuljeDB();
+        Startup startup;
+        startup.formatCurrency = [] { return QStringLiteral("1 234,50 €"); };
+        const Startup::Result r = startup.run();
+        DBC::instance().SuljeDB();
 
-    const QStringList shown = dialogs.transcript();
-    // The user is told why the books cannot be read; read-only books stay read-only.
-    if (kind == u"no read permission")
-        QVERIFY2(shown.join(u'\n').contains(QStringLiteral("käyttöoikeus puuttuu")),
-            qPrintable(shown.join(u'\n')));
-    if (start == ReadOnly)
-        QVERIFY(!QFileInfo(file).isWritable());
-    QCOMPARE(r.databaseOpen, start == Opened || start == ReadOnly || start == Repaired);
-    QCOMPARE(r.readOnly, start == ReadOnly);
-    QCOMPARE(r.repaired, start == Repaired || start == RepairFailed);
-    if (start != Opened)
-        QVERIFY2(!shown.isEmpty(), "the user is told");
-    // The damaged original is kept as it was beside the repaired books.
-    if (start == Repaired)
-        QCOMPARE(hashOf(file + QStringLiteral("OLD")), before);
-    else if (start != Opened)
-        QCOMPARE(hashOf(file), before);
-    // Dates that are no dates give way to the defaults.
-    const BookkeepingSettings& s = ProgramSettings::bookkeeping();
-    QVERIFY(s.TilikausiAlku.isValid() && s.TilikausiLoppu.isValid());
+        const QStringList shown = dialogs.transcript();
+        // The user is told why the books cannot be read; read-only books stay read-only.
+        if (c.kind == u"no read permission")
+            QVERIFY2(shown.join(u'\n').contains(QStringLiteral("käyttöoikeus puuttuu")),
+                qPrintable(shown.join(u'\n')));
+        if (c.start == ReadOnly)
+            QVERIFY(!QFileInfo(c.file).isWritable());
+        QCOMPARE(r.databaseOpen, c.start == Opened || c.start == ReadOnly || c.start == Repaired);
+        QCOMPARE(r.readOnly, c.start == ReadOnly);
+        QCOMPARE(r.repaired, c.start == Repaired || c.start == RepairFailed);
+        if (c.start != Opened)
+            QVERIFY2(!shown.isEmpty(), "the user is told");
+        // The damaged original is kept as it was beside the repaired books.
+        if (c.start == Repaired)
+            QCOMPARE(hashOf(c.file + QStringLiteral("OLD")), c.before);
+        else if (c.start != Opened)
+            QCOMPARE(hashOf(c.file), c.before);
+        // Dates that are no dates give way to the defaults.
+        const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+        QVERIFY(s.TilikausiAlku.isValid() && s.TilikausiLoppu.isValid());
+    });
 }
 
 // The settings window is given the file as the new database: it is refused with a message
 // unless the start-up could use it, and never changed.
 void tst_DamagedFiles::settingsWindow()
 {
-    QFETCH_GLOBAL(QString, kind);
-    QFETCH_GLOBAL(int, start);
-    if (ranAsUnprivileged(kind))
-        return;
-    TestEnv env;
-    const QString file = env.path(QStringLiteral("muut/seura.mdb"));
-    QVERIFY(make(env, kind, file));
-    const QByteArray before = hashOf(file);
-    env.writeIni("[VORKAM]\n");
-    ScriptedDialogs dialogs;
-    if (kind == u"Jet header" || kind == u"read-only file and folder")
-        dialogs.answerNo(); // not converted, not made writable
+    onFile(QStringLiteral("muut/seura.mdb"), [](const Case& c) {
+        c.env.writeIni("[VORKAM]\n");
+        ScriptedDialogs dialogs;
+        if (c.kind == u"Jet header" || c.kind == u"read-only file and folder")
+            dialogs.answerNo(); // not converted, not made writable
 
-    SettingsForm form = SettingsForm::current();
-    form.Database = file;
-    const SettingsForm::Saved saved = form.save(QSqlDatabase());
-    QVERIFY(!dialogs.shown().isEmpty());
-    if (start == Refused || start == RepairFailed) {
-        QVERIFY(saved.stopped);
-        QCOMPARE(saved.refused, QStringList(QStringLiteral("tDatabase")));
-        QVERIFY(ProgramSettings::installation().Database != file);
-    }
-    if (start == Opened || start == Repaired)
-        QVERIFY(saved.databaseChanged);
-    if (start != Repaired)
-        QCOMPARE(hashOf(file), before);
-    else
-        QCOMPARE(hashOf(file + QStringLiteral("OLD")), before);
+        SettingsForm form = SettingsForm::current();
+        form.Database = c.file;
+        const SettingsForm::Saved saved = form.save(QSqlDatabase());
+        QVERIFY(!dialogs.shown().isEmpty());
+        if (c.start == Refused || c.start == RepairFailed) {
+            QVERIFY(saved.stopped);
+            QCOMPARE(saved.refused, QStringList(QStringLiteral("tDatabase")));
+            QVERIFY(ProgramSettings::installation().Database != c.file);
+        }
+        if (c.start == Opened || c.start == Repaired)
+            QVERIFY(saved.databaseChanged);
+        if (c.start != Repaired)
+            QCOMPARE(hashOf(c.file), c.before);
+        else
+            QCOMPARE(hashOf(c.file + QStringLiteral("OLD")), c.before);
+    });
 }
 
 // The file lies on the backup stick as a copy of the day: it never replaces the books in the data
 // folder, and neither file changes.
 void tst_DamagedFiles::restoreFromStick()
 {
-    QFETCH_GLOBAL(QString, kind);
-    QFETCH_GLOBAL(int, start);
-    if (ranAsUnprivileged(kind))
-        return;
-    TestEnv env;
-    const QString copy = env.path(Stick);
-    QVERIFY(make(env, kind, copy));
-    const QString books = env.path(QStringLiteral("data/seura.mdb"));
-    QVERIFY(TestEnv::createDatabase(books));
-    const QByteArray booksBefore = hashOf(books);
-    const QByteArray copyBefore = hashOf(copy);
-    ScriptedDialogs dialogs;
-    // Sound books of Vorkam: the books in use are not replaced. An old-format copy: not converted.
-    if (start == Opened || start == ReadOnly || kind == u"Jet header")
-        dialogs.answerNo();
+    onFile(Stick, [](const Case& c) {
+        const QString books = c.env.path(QStringLiteral("data/seura.mdb"));
+        QVERIFY(TestEnv::createDatabase(books));
+        const QByteArray booksBefore = hashOf(books);
+        ScriptedDialogs dialogs;
+        // Sound books of Vorkam: the books in use are not replaced. An old-format copy: not converted.
+        if (c.start == Opened || c.start == ReadOnly || c.kind == u"Jet header")
+            dialogs.answerNo();
 
-    const StickRestore::Outcome outcome = StickRestore::restore(copy);
-    QVERIFY(outcome != StickRestore::Outcome::Restored);
-    QVERIFY(!dialogs.shown().isEmpty());
-    QCOMPARE(hashOf(books), booksBefore);
-    QCOMPARE(hashOf(copy), copyBefore);
-    QCOMPARE(QDir(env.path(QStringLiteral("data"))).entryList(QDir::Files | QDir::Hidden),
-        QStringList(QStringLiteral("seura.mdb")));
+        const StickRestore::Outcome outcome = StickRestore::restore(c.file);
+        QVERIFY(outcome != StickRestore::Outcome::Restored);
+        QVERIFY(!dialogs.shown().isEmpty());
+        QCOMPARE(hashOf(books), booksBefore);
+        QCOMPARE(hashOf(c.file), c.before);
+        QCOMPARE(QDir(c.env.path(QStringLiteral("data"))).entryList(QDir::Files | QDir::Hidden),
+            QStringList(QStringLiteral("seura.mdb")));
+    });
 }
 
 // vorkam_report's voucher check and income statement: a clear Finnish refusal (exit 3) or a
 // report; the voucher check changes nothing in a file that is not sound books.
 void tst_DamagedFiles::report()
 {
-    QFETCH_GLOBAL(QString, kind);
-    QFETCH_GLOBAL(int, start);
-    if (ranAsUnprivileged(kind))
-        return;
-    TestEnv env;
-    const QString file = env.path(QStringLiteral("data/seura.mdb"));
-    QVERIFY(make(env, kind, file));
-    const QByteArray before = hashOf(file);
+    onFile(QStringLiteral("data/seura.mdb"), [](const Case& c) {
+        const Report check = vorkamReport({ c.file, QStringLiteral("tarkistus") });
+        QVERIFY2(!check.crashed, qPrintable(check.err));
+        if (c.start != Opened && c.start != ReadOnly) {
+            QCOMPARE(check.code, 3);
+            QVERIFY2(check.err.contains(QStringLiteral("Tiedosto"))
+                    || check.err.contains(QStringLiteral("Kirjanpito")),
+                qPrintable(check.err));
+            QCOMPARE(hashOf(c.file), c.before);
+        } else {
+            QVERIFY2(check.code == 0 || check.code == 1, qPrintable(check.err));
+        }
 
-    const Report check = vorkamReport({ file, QStringLiteral("tarkistus") });
-    QVERIFY2(!check.crashed, qPrintable(check.err));
-    if (start != Opened && start != ReadOnly) {
-        QCOMPARE(check.code, 3);
-        QVERIFY2(check.err.contains(QStringLiteral("Tiedosto"))
-                || check.err.contains(QStringLiteral("Kirjanpito")),
-            qPrintable(check.err));
-        QCOMPARE(hashOf(file), before);
-    } else {
-        QVERIFY2(check.code == 0 || check.code == 1, qPrintable(check.err));
-    }
-
-    const Report statement = vorkamReport({ file, QStringLiteral("tuloslaskelma"),
-        QStringLiteral("--template"), QStringLiteral("Yhdistyksen tuloslaskelma"), QStringLiteral("--pdf"),
-        env.path(QStringLiteral("tula.pdf")) });
-    QVERIFY2(!statement.crashed, qPrintable(statement.err));
-    QVERIFY2(statement.code == 0 || !statement.err.trimmed().isEmpty(), "a refusal is explained");
-    // Rows left out of the statement are told, so that a short total is explained.
-    if (kind == u"template group cycle")
-        QVERIFY2(statement.err.contains(QStringLiteral("eivät kuulu mihinkään pääryhmään")),
-            qPrintable(statement.err));
-    if (start != Opened && start != ReadOnly)
-        QCOMPARE(hashOf(file), before);
+        const Report statement = vorkamReport({ c.file, QStringLiteral("tuloslaskelma"),
+            QStringLiteral("--template"), QStringLiteral("Yhdistyksen tuloslaskelma"),
+            QStringLiteral("--pdf"), c.env.path(QStringLiteral("tula.pdf")) });
+        QVERIFY2(!statement.crashed, qPrintable(statement.err));
+        QVERIFY2(statement.code == 0 || !statement.err.trimmed().isEmpty(), "a refusal is explained");
+        // Rows left out of the statement are told, so that a short total is explained.
+        if (c.kind == u"template group cycle")
+            QVERIFY2(statement.err.contains(QStringLiteral("eivät kuulu mihinkään pääryhmään")),
+                qPrintable(statement.err));
+        if (c.start != Opened && c.start != ReadOnly)
+            QCOMPARE(hashOf(c.file), c.before);
+    });
 }
 
 QTEST_GUILESS_MAIN(tst_DamagedFiles)

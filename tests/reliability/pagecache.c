@@ -71,6 +71,16 @@ static void note(const char* format, ...)
         close(fd);
 }
 
+/* The path the descriptor `fd` is open on; false when the system cannot tell. */
+static int pathOf(int fd, char* out)
+{
+    char link[64];
+    snprintf(link, sizeof link, "/proc/self/fd/%d", fd);
+    const ssize_t n = readlink(link, out, PATH_MAX - 1);
+    out[n > 0 ? n : 0] = 0;
+    return n > 0;
+}
+
 /* `path` made absolute (relative to `folder`, a descriptor, or the working folder). */
 static void absolute(int folder, const char* path, char* out)
 {
@@ -83,10 +93,7 @@ static void absolute(int folder, const char* path, char* out)
         if (!getcwd(base, sizeof base))
             base[0] = 0;
     } else {
-        char link[64];
-        snprintf(link, sizeof link, "/proc/self/fd/%d", folder);
-        const ssize_t n = readlink(link, base, sizeof base - 1);
-        base[n > 0 ? n : 0] = 0;
+        pathOf(folder, base);
     }
     snprintf(out, PATH_MAX, "%s/%s", base, path);
 }
@@ -184,13 +191,8 @@ static void beforeContent(int fd)
     struct stat st;
     if (!g_watching || fstat(fd, &st) != 0 || !S_ISREG(st.st_mode))
         return;
-    char link[64], path[PATH_MAX];
-    snprintf(link, sizeof link, "/proc/self/fd/%d", fd);
-    const ssize_t n = readlink(link, path, sizeof path - 1);
-    if (n <= 0)
-        return;
-    path[n] = 0;
-    if (!watched(path))
+    char path[PATH_MAX];
+    if (!pathOf(fd, path) || !watched(path))
         return;
     pthread_mutex_lock(&g_lock);
     saveFile(path, st.st_ino);
@@ -205,11 +207,8 @@ static void flushed(int fd)
         return;
     pthread_mutex_lock(&g_lock);
     if (S_ISDIR(st.st_mode)) {
-        char link[64], path[PATH_MAX];
-        snprintf(link, sizeof link, "/proc/self/fd/%d", fd);
-        const ssize_t n = readlink(link, path, sizeof path - 1);
-        if (n > 0) {
-            path[n] = 0;
+        char path[PATH_MAX];
+        if (pathOf(fd, path)) {
             for (int i = 0; i < g_folderCount; ++i)
                 if (strcmp(g_folders[i], path) == 0) {
                     if (i != --g_folderCount)

@@ -16,13 +16,6 @@
 #include <QRadioButton>
 #include <QTest>
 
-namespace {
-
-const QString Question
-    = QStringLiteral("Antamasi kopiomäärä on virheellinen. Haluatko tulostaa yhden kopion?");
-
-} // namespace
-
 class tst_PrintDialogs final : public QObject {
     Q_OBJECT
 
@@ -32,6 +25,7 @@ private slots:
         PrintOptions::current() = PrintValues();
         ProgramSettings::bookkeeping().TilikausiAlku = QDate(2011, 1, 1);
         ProgramSettings::bookkeeping().TilikausiLoppu = QDate(2011, 12, 31);
+        ReportRunner::setPrinterCheck([] { return true; });
     }
 
     void copies_data()
@@ -40,16 +34,13 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("answer"); // "", "yes", "no": the dialog stays after No
         QTest::addColumn<int>("copies");
-        const auto row
-            = [](const char* tag, int destination, const char* text, const char* answer, int copies) {
-                  QTest::newRow(tag) << destination << QString::fromLatin1(text)
-                                     << QString::fromLatin1(answer) << copies;
-              };
-        row("printer, 3", 1, " 3 ", "", 3);
-        row("window, abc: one copy without a question", 0, "abc", "", 1);
-        row("printer, abc, Yes: one copy", 1, "abc", "yes", 1);
-        row("printer, abc, No: the dialog stays", 1, "abc", "no", 7);
-        row("printer, 0 is no number of copies", 1, "0", "yes", 1);
+        const auto row = [](const char* tag, Destination d, const char* text, const char* answer,
+                             int copies) { QTest::newRow(tag) << int(d) << text << answer << copies; };
+        row("printer, 3", Destination::Printer, " 3 ", "", 3);
+        row("window, abc: one copy without a question", Destination::Window, "abc", "", 1);
+        row("printer, abc, Yes: one copy", Destination::Printer, "abc", "yes", 1);
+        row("printer, abc, No: the dialog stays", Destination::Printer, "abc", "no", 7);
+        row("printer, 0 is no number of copies", Destination::Printer, "0", "yes", 1);
     }
     void copies()
     {
@@ -64,28 +55,22 @@ private slots:
         else if (answer == u"no")
             dialogs.answerNo();
         PrintOptions::current().copies = 7;
-        ReportRunner::setPrinterCheck([] { return true; });
         frmTulostus w;
         w.show();
-        QCOMPARE(w.windowTitle(), QStringLiteral("Vorkam - Tulostusasetukset"));
-        auto* laite = child<QComboBox>(w, "cmbTulostusLaite");
-        QCOMPARE(laite->currentText(), QStringLiteral("Tulostin"));
         QCOMPARE(child<QLineEdit>(w, "tKopioita")->text(), QStringLiteral("7"));
-        laite->setCurrentIndex(destination);
+        child<QComboBox>(w, "cmbTulostusLaite")->setCurrentIndex(destination);
         child<QLineEdit>(w, "tKopioita")->setText(text);
         PrintOptions::current().cancelled = true;
         child<QPushButton>(w, "cTulosta")->click();
-        QCOMPARE(w.result() == QDialog::Accepted, accepted);
         QCOMPARE(w.isVisible(), !accepted);
         QCOMPARE(PrintOptions::current().copies, copies);
         QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Question),
-            answer.isEmpty() ? QStringList() : QStringList { Question });
-        QVERIFY(dialogs.failures().isEmpty());
+            answer.isEmpty() ? QStringList()
+                             : QStringList { QStringLiteral(
+                                 "Antamasi kopiomäärä on virheellinen. Haluatko tulostaa yhden kopion?") });
         if (accepted) {
             QCOMPARE(int(PrintOptions::current().destination), destination);
             QVERIFY(!PrintOptions::current().cancelled);
-        } else {
-            QVERIFY(child<QLineEdit>(w, "tKopioita")->hasFocus() || !QApplication::focusWidget());
         }
     }
 
@@ -98,11 +83,9 @@ private slots:
         child<QPushButton>(w, "cTulosta")->click();
         QVERIFY(w.isVisible());
         QCOMPARE(dialogs.transcript(), QStringList { "information: " + ReportRunner::noPrinterText() });
-        QCOMPARE(child<QComboBox>(w, "cmbTulostusLaite")->currentIndex(), int(Destination::Window));
         child<QPushButton>(w, "cTulosta")->click();
-        QCOMPARE(w.result(), int(QDialog::Accepted));
+        QVERIFY(!w.isVisible());
         QCOMPARE(PrintOptions::current().destination, Destination::Window);
-        ReportRunner::setPrinterCheck({});
     }
 
     void cancel()
@@ -110,7 +93,6 @@ private slots:
         frmTulostus w;
         child<QPushButton>(w, "cPeruTulostus")->click();
         QVERIFY(PrintOptions::current().cancelled);
-        QCOMPARE(w.result(), int(QDialog::Rejected));
     }
 
     // Each field reaches its own check and the period its order; the rules themselves are
@@ -121,8 +103,7 @@ private slots:
         QTest::addColumn<QString>("loppu");
         QTest::addColumn<QString>("message");
         const auto row = [](const char* tag, const char* alku, const char* loppu, const char* message = "") {
-            QTest::newRow(tag) << QString::fromLatin1(alku) << QString::fromLatin1(loppu)
-                               << QString::fromUtf8(message);
+            QTest::newRow(tag) << alku << loppu << message;
         };
         row("the whole year", "1.1.2011", "31.12.2011");
         row("start a day before the year", "31.12.2010", "31.12.2011",
@@ -138,28 +119,17 @@ private slots:
         ScriptedDialogs dialogs;
         frmDates2 w;
         w.show();
-        QCOMPARE(w.windowTitle(), QStringLiteral("Vorkam - Päivämäärät"));
-        auto* tAlku = child<QLineEdit>(w, "tAlkupvm");
-        auto* tLoppu = child<QLineEdit>(w, "tLoppupvm");
         // The fiscal year until a period is chosen.
-        QCOMPARE(tAlku->text(), QStringLiteral("1.1.2011"));
-        QCOMPARE(tLoppu->text(), QStringLiteral("31.12.2011"));
-        QCOMPARE(child<QPushButton>(w, "cSeuraava")->text(), QStringLiteral("&Seuraava -->"));
-        tAlku->setText(alku);
-        tLoppu->setText(loppu);
+        QCOMPARE(child<QLineEdit>(w, "tLoppupvm")->text(), QStringLiteral("31.12.2011"));
+        child<QLineEdit>(w, "tAlkupvm")->setText(alku);
+        child<QLineEdit>(w, "tLoppupvm")->setText(loppu);
         child<QPushButton>(w, "cSeuraava")->click();
         QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Information),
             message.isEmpty() ? QStringList() : QStringList { message });
-        QCOMPARE(w.result() == QDialog::Accepted, message.isEmpty());
-        if (message.isEmpty()) {
-            QCOMPARE(PrintOptions::periodStart(), Dates::parse(alku));
-            QCOMPARE(PrintOptions::periodEnd(), Dates::parse(loppu));
-            // Remembered for the next dialog of the session.
-            frmDates2 next;
-            QCOMPARE(child<QLineEdit>(next, "tAlkupvm")->text(), Dates::format(Dates::parse(alku)));
-        } else {
-            QVERIFY(!PrintOptions::current().alkupvm.isValid());
-        }
+        const bool stored = message.isEmpty();
+        QCOMPARE(w.result() == QDialog::Accepted, stored);
+        QCOMPARE(PrintOptions::current().alkupvm, stored ? Dates::parse(alku) : QDate());
+        QCOMPARE(PrintOptions::current().loppupvm, stored ? Dates::parse(loppu) : QDate());
     }
 
     // Leaving a field checks it at once; going to Peru does not.
@@ -176,10 +146,6 @@ private slots:
         QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Information),
             QStringList { QStringLiteral("Anna alkupäivämäärä päivämäärämuodossa!") });
         QVERIFY(tAlku->hasFocus());
-        tAlku->setText(QStringLiteral("5.9.11"));
-        child<QLineEdit>(w, "tLoppupvm")->setFocus();
-        QCOMPARE(tAlku->text(), QStringLiteral("5.9.2011"));
-        tAlku->setFocus();
         tAlku->setText(QStringLiteral("x"));
         dialogs.clear();
         child<QPushButton>(w, "cPeru")->setFocus();
@@ -194,7 +160,6 @@ private slots:
     {
         ScriptedDialogs dialogs;
         frmDates w;
-        QCOMPARE(w.windowTitle(), QStringLiteral("Vorkam - Päivämäärät"));
         child<QCheckBox>(w, "chkTiliErottelu")->setChecked(true);
         child<QRadioButton>(w, "optSuppea")->setChecked(true);
         child<QLineEdit>(w, "tAlkupvm")->setText(QStringLiteral("2.1.2012"));
@@ -205,11 +170,9 @@ private slots:
         child<QLineEdit>(w, "tAlkupvm")->setText(QStringLiteral("2.1.2011"));
         child<QPushButton>(w, "cSeuraava")->click();
         QCOMPARE(w.result(), int(QDialog::Accepted));
-        QCOMPARE(PrintOptions::periodStart(), QDate(2011, 1, 2));
-        QVERIFY(PrintOptions::current().tiliErottelu);
-        QVERIFY(!PrintOptions::current().vainRyhmat);
-        QVERIFY(!PrintOptions::current().laaja);
+        // The next dialog of the session offers the period and options taken.
         frmDates again;
+        QCOMPARE(child<QLineEdit>(again, "tAlkupvm")->text(), QStringLiteral("2.1.2011"));
         QVERIFY(child<QRadioButton>(again, "optSuppea")->isChecked());
         QVERIFY(child<QCheckBox>(again, "chkTiliErottelu")->isChecked());
     }

@@ -20,33 +20,23 @@ inline bool present(const QString& name = QStringLiteral("seura-jet4.mdb"))
 constexpr int PageSize = 4096;
 
 inline int pageCount(const QByteArray& file) { return int(file.size() / PageSize); }
-inline quint16 u16(const QByteArray& file, qsizetype at)
+template <typename T> T le(const QByteArray& file, qsizetype at)
 {
-    return qFromLittleEndian<quint16>(file.constData() + at);
-}
-inline quint32 u32(const QByteArray& file, qsizetype at)
-{
-    return qFromLittleEndian<quint32>(file.constData() + at);
+    return qFromLittleEndian<T>(file.constData() + at);
 }
 
-// The only data page of a table of `rows` rows, with its definition page; nullopt unless one fits.
+// The first data page of a table of `rows` rows, with its definition page; nullopt when none.
 inline std::optional<std::pair<int, int>> dataPageWithRows(const QByteArray& file, int rows)
 {
-    std::optional<std::pair<int, int>> found;
     for (int p = 1; p < pageCount(file); ++p) {
         const qsizetype at = qsizetype(p) * PageSize;
-        if (file.at(at) != 0x01 || u16(file, at + 0x0c) != rows)
-            continue;
-        const quint32 definition = u32(file, at + 4);
+        const quint32 definition = le<quint32>(file, at + 4);
         const qsizetype def = qsizetype(definition) * PageSize;
-        if (definition > 0 && def < file.size() && file.at(def) == 0x02
-            && u32(file, def + 16) == quint32(rows)) {
-            if (found)
-                return std::nullopt;
-            found = std::make_pair(p, int(u32(file, at + 4)));
-        }
+        if (file.at(at) == 0x01 && le<quint16>(file, at + 0x0c) == rows && definition > 0 && def < file.size()
+            && file.at(def) == 0x02 && le<quint32>(file, def + 16) == quint32(rows))
+            return std::make_pair(p, int(definition));
     }
-    return found;
+    return std::nullopt;
 }
 
 // Overwrites one page with noise.

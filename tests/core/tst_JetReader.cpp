@@ -6,30 +6,17 @@
 #include <QProcess>
 #include <QTest>
 
-#include <cmath>
 #include <limits>
 
 namespace {
 
-QString rowsOf(const JetTable& table)
-{
-    QStringList lines;
-    for (const QVariantList& row : table.rows) {
-        QStringList values;
-        for (const QVariant& v : row)
-            values << (v.isNull() ? QStringLiteral("NULL") : v.toString());
-        lines << values.join(u'|');
-    }
-    return lines.join(u'\n');
-}
-
 // Everything the reader took out, for comparing two readings.
-QString dump(const JetBooks& books)
+QByteArray dump(const JetBooks& books)
 {
-    QStringList parts { books.unknownTables.join(u',') };
-    for (const JetTable& t : books.tables)
-        parts << t.name + u'\n' + rowsOf(t);
-    return parts.join(QStringLiteral("\n--\n"));
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    out << books;
+    return bytes;
 }
 
 // What a command-line tool printed; empty when it failed.
@@ -48,14 +35,12 @@ const QString ExportedNull = QStringLiteral("\x1d");
 // fields and rows and stand for NULL, so that no value needs quotes.
 QList<QStringList> exportedRows(const QString& file, const QString& table)
 {
-    const QString format = QStringLiteral("%Y-%m-%d %H:%M:%S");
-    QStringList lines = QString::fromUtf8(
-        run(QStringLiteral("mdb-export"),
-            { QStringLiteral("-Q"), QStringLiteral("-d"), QStringLiteral("\x1f"), QStringLiteral("-R"),
-                QStringLiteral("\x1e"), QStringLiteral("-0"), ExportedNull, QStringLiteral("-b"),
-                QStringLiteral("hex"), QStringLiteral("-D"), format, QStringLiteral("-T"), format, file,
-                table }))
-                            .split(u'\x1e');
+    const QStringList options = QStringLiteral("-Q|-d|\x1f|-R|\x1e|-0|%1|-b|hex|-D|%2|-T|%2")
+                                    .arg(ExportedNull, QStringLiteral("%Y-%m-%d %H:%M:%S"))
+                                    .split(u'|');
+    QStringList lines
+        = QString::fromUtf8(run(QStringLiteral("mdb-export"), options + QStringList { file, table }))
+              .split(u'\x1e');
     lines.removeLast(); // after the last row's end
     QList<QStringList> rows;
     for (const QString& line : lines)
@@ -86,16 +71,6 @@ bool exportShows(JetColumn::Kind kind, const QVariant& value, const QString& fie
     }
 }
 
-// A value for a message: its start and its length.
-QString shown(const QVariant& v)
-{
-    const QString text = v.typeId() == QMetaType::QByteArray
-        ? QString::fromLatin1(v.toByteArray().toHex().toUpper())
-        : v.toString();
-    return v.isNull() ? QStringLiteral("NULL")
-                      : QStringLiteral("%1… (%2)").arg(text.left(40)).arg(text.size());
-}
-
 JetReader::Result readCopy(const TestEnv& env, const QByteArray& bytes)
 {
     const QString file = env.path(QStringLiteral("kopio.mdb"));
@@ -111,119 +86,97 @@ class tst_JetReader : public QObject {
     Q_OBJECT
 
 private slots:
+    void init()
+    {
+        if (!JetFixtures::present() || !JetFixtures::present(QStringLiteral("northwind-jet3.mdb")))
+            QSKIP("The old-format sample files are not beside the project.");
+    }
+
     void jet4Text_data()
     {
         QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<bool>("ok");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("empty") << QByteArray() << true << QString();
-        QTest::newRow("compressed, Latin-1 letters") << QByteArray("\xff\xfeJ\xe4sen", 7) << true << "Jäsen";
-        QTest::newRow("compressed, then two-byte characters") << QByteArray("\xff\xfe"
-                                                                            "10 \x00\xac\x20",
-            8) << true << "10 €";
-        QTest::newRow("back to compressed") << QByteArray("\xff\xfe\x00\xac\x20\x00!", 7) << true << "€!";
-        QTest::newRow("two-byte text") << QByteArray("O\0'\0B\0r\0i\0e\0n\0", 14) << true << "O'Brien";
-        QTest::newRow("odd two-byte text") << QByteArray("O\0'", 3) << false << QString();
-        QTest::newRow("cut inside a two-byte character")
-            << QByteArray("\xff\xfe\x00\xac", 4) << false << QString();
+        QTest::addColumn<QString>("text"); // null: no text
+        QTest::newRow("compressed, switching to two-byte characters and back")
+            << QByteArray("\xff\xfeJ\xe4sen \x00\xac\x20\x00!", 13) << "Jäsen €!";
+        QTest::newRow("two-byte text") << QByteArray("O\0'\0B\0r\0i\0e\0n\0", 14) << "O'Brien";
+        QTest::newRow("odd two-byte text") << QByteArray("O\0'", 3) << QString();
+        QTest::newRow("cut inside a two-byte character") << QByteArray("\xff\xfe\x00\xac", 4) << QString();
     }
 
     void jet4Text()
     {
         QFETCH(QByteArray, bytes);
-        QFETCH(bool, ok);
         QFETCH(QString, text);
         QString decoded;
-        QCOMPARE(JetValues::jet4Text(bytes, &decoded), ok);
-        if (ok)
+        QCOMPARE(JetValues::jet4Text(bytes, &decoded), !text.isNull());
+        if (!text.isNull())
             QCOMPARE(decoded, text);
-    }
-
-    void codePageText_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<int>("codePage");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("Western") << QByteArray("J\xe4senmaksu 5\x80") << 1252 << "Jäsenmaksu 5€";
-        QTest::newRow("none named: Western") << QByteArray("\xd6ljy") << 0 << "Öljy";
-        QTest::newRow("DOS Nordic") << QByteArray("\x84") << 865 << "ä";
     }
 
     void codePageText()
     {
-        QFETCH(QByteArray, bytes);
-        QFETCH(int, codePage);
-        QFETCH(QString, text);
-        QCOMPARE(JetValues::codePageText(bytes, codePage), text);
+        // A file that names no code page is in the Western one.
+        QCOMPARE(JetValues::codePageText("J\xe4senmaksu 5\x80", 0), QStringLiteral("Jäsenmaksu 5€"));
+        QCOMPARE(JetValues::codePageText("\x84", 865), QStringLiteral("ä"));
     }
 
     void date_data()
     {
         QTest::addColumn<double>("days");
-        QTest::addColumn<bool>("ok");
-        QTest::addColumn<QDate>("date");
+        QTest::addColumn<QDate>("date"); // invalid: no date
         QTest::addColumn<bool>("hasTime");
-        QTest::newRow("day zero") << 0.0 << true << QDate(1899, 12, 30) << false;
-        QTest::newRow("noon") << 40544.5 << true << QDate(2011, 1, 1) << true;
-        QTest::newRow("a hair before midnight") << 40544.9999999999 << true << QDate(2011, 1, 2) << false;
-        QTest::newRow("six in the evening before day zero") << -1.75 << true << QDate(1899, 12, 29) << true;
-        QTest::newRow("beyond 9999") << 3e6 << false << QDate() << false;
-        QTest::newRow("not a number")
-            << std::numeric_limits<double>::quiet_NaN() << false << QDate() << false;
+        QTest::newRow("noon") << 40544.5 << QDate(2011, 1, 1) << true;
+        QTest::newRow("a hair before midnight") << 40544.9999999999 << QDate(2011, 1, 2) << false;
+        QTest::newRow("six in the evening before day zero") << -1.75 << QDate(1899, 12, 29) << true;
+        QTest::newRow("beyond 9999") << 3e6 << QDate() << false;
+        QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << QDate() << false;
     }
 
     void date()
     {
         QFETCH(double, days);
-        QFETCH(bool, ok);
         QFETCH(QDate, date);
         QFETCH(bool, hasTime);
         QDate d;
         bool time = false;
-        QCOMPARE(JetValues::date(days, &d, &time), ok);
-        if (ok) {
+        QCOMPARE(JetValues::date(days, &d, &time), date.isValid());
+        if (date.isValid()) {
             QCOMPARE(d, date);
             QCOMPARE(time, hasTime);
         }
     }
 
-    void currencyBytes_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<qint64>("raw");
-        QTest::newRow("-25,50") << QByteArray("\xe8\x1b\xfc\xff\xff\xff\xff\xff", 8) << qint64(-255000);
-        QTest::newRow("beyond double precision")
-            << QByteArray("\x01\x00\x00\x00\x00\x00\x20\x00", 8) << qint64(9007199254740993);
-    }
-
+    // Currency: eight little-endian bytes in ten-thousandths, to the last one a double would lose.
     void currencyBytes()
     {
-        QFETCH(QByteArray, bytes);
-        QFETCH(qint64, raw);
-        QCOMPARE(JetValues::int64(reinterpret_cast<const unsigned char*>(bytes.constData())), raw);
+        const auto int64 = [](const char* bytes) {
+            return JetValues::int64(reinterpret_cast<const unsigned char*>(bytes));
+        };
+        QCOMPARE(int64("\xe8\x1b\xfc\xff\xff\xff\xff\xff"), qint64(-255000));
+        QCOMPARE(int64("\x01\x00\x00\x00\x00\x00\x20\x00"), qint64(9007199254740993));
     }
 
-    void header()
+    // What the first page tells and what the file's size allows, before any row is read.
+    void headerAndSize()
     {
-        if (!JetFixtures::present())
-            QSKIP("The old-format sample files are not beside the project.");
-        // The password is the conversion's test; the version and page size every reading's.
-        const QByteArray first
-            = TestEnv::readFile(JetFixtures::path(QStringLiteral("seura-jet4.mdb"))).left(4096);
+        const QByteArray clean = TestEnv::readFile(JetFixtures::path(QStringLiteral("seura-jet4.mdb")));
         JetReader::Header h;
-        QCOMPARE(JetReader::readHeader(first, &h), JetReader::Problem::None);
+        QCOMPARE(JetReader::readHeader(clean.left(4096), &h), JetReader::Problem::None);
         QCOMPARE(h.codePage, 1252);
-        QByteArray ace = first;
+        QByteArray ace = clean.left(4096);
         ace[0x14] = 2;
         QCOMPARE(JetReader::readHeader(ace, &h), JetReader::Problem::Unsupported);
         QCOMPARE(JetReader::readHeader(QByteArray("SQLite format 3").leftJustified(4096, '\0'), &h),
             JetReader::Problem::NotJet);
+        // Cut inside a page is the conversion's test. Cut on a page boundary, the reader finds
+        // pages missing; a bare header is too short to hold any.
+        TestEnv env;
+        for (const int bytes : { 40 * 4096, 4096 })
+            QCOMPARE(readCopy(env, clean.left(bytes)).problem, JetReader::Problem::Truncated);
     }
 
     void readsTheTablesAskedFor()
     {
-        if (!JetFixtures::present())
-            QSKIP("The old-format sample files are not beside the project.");
         // Only the tables asked for are read, matched whatever the case; the rest are named.
         const JetReader::Result some
             = JetReader::read(JetFixtures::path(QStringLiteral("seura-jet4.mdb")), { QStringLiteral("TL") });
@@ -237,23 +190,23 @@ private slots:
     // pointer behind. Both are patched into a copy as Jet writes them.
     void deletedAndMovedRows()
     {
-        if (!JetFixtures::present())
-            QSKIP("The old-format sample files are not beside the project.");
         TestEnv env;
         const QByteArray clean = TestEnv::readFile(JetFixtures::path(QStringLiteral("seura-jet4.mdb")));
         const auto vi = JetFixtures::dataPageWithRows(clean, 26);
         QVERIFY2(vi, "The entries are no longer on one page of their own.");
         const qsizetype page = qsizetype(vi->first) * JetFixtures::PageSize;
         const qsizetype rowCount = qsizetype(vi->second) * JetFixtures::PageSize + 16;
-        QCOMPARE(JetFixtures::u32(clean, rowCount), 26u);
         const JetReader::Result before = readCopy(env, clean);
         QVERIFY(before);
         const QList<QVariantList> rows = before.books.table(QStringLiteral("vi"))->rows;
+        const auto flag = [&](QByteArray& bytes, int row, quint16 bit) {
+            const qsizetype offset = page + 0x0c + 2 + 2 * row;
+            qToLittleEndian<quint16>(JetFixtures::le<quint16>(clean, offset) | bit, bytes.data() + offset);
+        };
 
         // Row 2 deleted: it is gone, the others are read as they were.
         QByteArray deleted = clean;
-        const qsizetype offset2 = page + 0x0c + 2 + 2 * 2;
-        qToLittleEndian<quint16>(JetFixtures::u16(clean, offset2) | 0x8000, deleted.data() + offset2);
+        flag(deleted, 2, 0x8000);
         qToLittleEndian<quint32>(25, deleted.data() + rowCount);
         const JetReader::Result afterDelete = readCopy(env, deleted);
         QVERIFY2(afterDelete, qPrintable(afterDelete.detail));
@@ -266,12 +219,10 @@ private slots:
 
         // Row 0 moved to the place of row 1, which Jet marks so that a scan passes it by.
         QByteArray moved = clean;
-        const qsizetype offset0 = page + 0x0c + 2;
-        const qsizetype offset1 = offset0 + 2;
-        const quint16 start0 = JetFixtures::u16(clean, offset0);
-        qToLittleEndian<quint16>(start0 | 0x4000, moved.data() + offset0);
+        flag(moved, 0, 0x4000);
+        flag(moved, 1, 0x8000);
+        const quint16 start0 = JetFixtures::le<quint16>(clean, page + 0x0c + 2);
         qToLittleEndian<quint32>(quint32(vi->first) << 8 | 1, moved.data() + page + start0);
-        qToLittleEndian<quint16>(JetFixtures::u16(clean, offset1) | 0x8000, moved.data() + offset1);
         qToLittleEndian<quint32>(25, moved.data() + rowCount);
         const JetReader::Result afterMove = readCopy(env, moved);
         QVERIFY2(afterMove, qPrintable(afterMove.detail));
@@ -282,23 +233,13 @@ private slots:
 
     // Whatever page is garbled, the reader either refuses the file or reads exactly what the
     // undamaged file holds; it never crashes and never makes up a row.
-    void garbledPageNeverChangesWhatIsRead_data()
-    {
-        QTest::addColumn<QString>("fixture");
-        QTest::newRow("oldest layout") << "vanha-seura-jet4.mdb";
-        QTest::newRow("current layout") << "seura-jet4.mdb";
-    }
-
     void garbledPageNeverChangesWhatIsRead()
     {
-        QFETCH(QString, fixture);
-        if (!JetFixtures::present())
-            QSKIP("The old-format sample files are not beside the project.");
         TestEnv env;
-        const QByteArray clean = TestEnv::readFile(JetFixtures::path(fixture));
+        const QByteArray clean = TestEnv::readFile(JetFixtures::path(QStringLiteral("seura-jet4.mdb")));
         const JetReader::Result whole = readCopy(env, clean);
         QVERIFY(whole);
-        const QString expected = dump(whole.books);
+        const QByteArray expected = dump(whole.books);
         int refused = 0;
         for (int page = 0; page < JetFixtures::pageCount(clean); ++page) {
             const JetReader::Result r = readCopy(env, JetFixtures::garbled(clean, page));
@@ -313,26 +254,11 @@ private slots:
         QVERIFY2(refused >= 12, qPrintable(QString::number(refused)));
     }
 
-    // Every user table, row and value of real files of other programs, as mdbtools' own export
-    // shows them.
-    void readsLikeMdbExport_data()
-    {
-        QTest::addColumn<QString>("fixture");
-        QTest::addColumn<QStringList>("beyondExport"); // the dates mdb-export cannot print
-        QTest::newRow("Jet 3: memo, OLE, currency, code page") << "northwind-jet3.mdb" << QStringList();
-        QTest::newRow("Jet 4: dates across the centuries")
-            << "dates-jet4.mdb"
-            << QStringList { "9999-01-01", "9999-01-01", "9999-01-01", "1898-01-01", "1899-01-01",
-                   "0632-01-01", "0633-01-01", "0634-01-01" };
-    }
-
+    // Every user table, row and value of a real Jet 3 file of another program (memo, OLE,
+    // currency, code page texts), as mdbtools' own export shows them.
     void readsLikeMdbExport()
     {
-        QFETCH(QString, fixture);
-        QFETCH(QStringList, beyondExport);
-        if (!JetFixtures::present(fixture))
-            QSKIP(qPrintable(QStringLiteral("The sample file %1 is not beside the project.").arg(fixture)));
-        const QString file = JetFixtures::path(fixture);
+        const QString file = JetFixtures::path(QStringLiteral("northwind-jet3.mdb"));
         const JetReader::Result read = JetReader::read(file, {});
         QVERIFY2(read, qPrintable(read.detail));
         QVERIFY(read.books.unknownTables.isEmpty());
@@ -343,11 +269,9 @@ private slots:
         QStringList readNames;
         for (const JetTable& t : read.books.tables)
             readNames << t.name;
-        names.sort();
-        readNames.sort();
         QCOMPARE(readNames, names);
 
-        QStringList differences, beyond;
+        QStringList differences;
         for (const JetTable& t : read.books.tables) {
             const QList<QStringList> exported = exportedRows(file, t.name);
             QVERIFY2(!exported.isEmpty(), qPrintable(t.name));
@@ -360,40 +284,16 @@ private slots:
                 const QStringList& fields = exported.at(r + 1);
                 QCOMPARE(fields.size(), t.columns.size());
                 for (qsizetype c = 0; c < t.columns.size(); ++c) {
-                    const JetColumn& column = t.columns.at(c);
-                    const QVariant& value = t.rows.at(r).at(c);
-                    // mdb-export zeroes the days before 30.12.1899 and past day 1 000 000.
-                    if (column.kind == JetColumn::Kind::Date && fields.at(c) == u"1900-01-00 00:00:00")
-                        beyond << value.toString();
-                    else if (!exportShows(column.kind, value, fields.at(c)))
+                    if (!exportShows(t.columns.at(c).kind, t.rows.at(r).at(c), fields.at(c)))
                         differences << QStringLiteral("%1 row %2 %3: read %4, exported %5")
                                            .arg(t.name)
                                            .arg(r)
-                                           .arg(column.name, shown(value), shown(fields.at(c)));
+                                           .arg(t.columns.at(c).name, t.rows.at(r).at(c).toString(),
+                                               fields.at(c).left(40));
                 }
             }
         }
         QVERIFY2(differences.isEmpty(), qPrintable(differences.mid(0, 10).join(u'\n')));
-        QCOMPARE(beyond, beyondExport);
-    }
-
-    void cutShortIsTruncated_data()
-    {
-        QTest::addColumn<int>("bytes");
-        // Inside a page: the conversion's test.
-        QTest::newRow("on a page boundary") << 40 * 4096;
-        QTest::newRow("header only") << 4096;
-    }
-
-    void cutShortIsTruncated()
-    {
-        QFETCH(int, bytes);
-        if (!JetFixtures::present())
-            QSKIP("The old-format sample files are not beside the project.");
-        TestEnv env;
-        const QByteArray clean = TestEnv::readFile(JetFixtures::path(QStringLiteral("seura-jet4.mdb")));
-        const JetReader::Result r = readCopy(env, clean.left(bytes));
-        QCOMPARE(r.problem, JetReader::Problem::Truncated);
     }
 };
 

@@ -5,38 +5,27 @@
 #include <QDir>
 #include <QTemporaryDir>
 
-// Volumes for tests: each "stick" is a folder with a label, a removable flag, readiness and a
-// free-space figure. Installs itself as the computer's list of volumes while it lives.
+// Volumes for tests, installed as the computer's list while this lives: each "stick" is a folder
+// of its own. Tests change `list` to fill, protect or pull out a stick.
 class ScriptedDrives final : public Drives {
 public:
     ScriptedDrives() { Drives::install(this); }
     ~ScriptedDrives() override { Drives::install(nullptr); }
-    ScriptedDrives(const ScriptedDrives&) = delete;
-    ScriptedDrives& operator=(const ScriptedDrives&) = delete;
 
-    // A new volume in its own folder, listed after the ones added before it; returns its folder.
-    QString add(
-        const QString& label, bool removable = true, qint64 freeBytes = qint64(1) << 30, bool ready = true)
+    // A ready volume in a new folder, listed after the ones added before it; returns its folder.
+    QString add(const QString& label, bool removable = true, qint64 freeBytes = qint64(1) << 30)
     {
-        Volume v;
-        v.mountPoint = m_root.path() + QStringLiteral("/media") + QString::number(m_volumes.size());
-        QDir().mkpath(v.mountPoint);
-        v.label = label;
-        v.removable = removable;
-        v.freeBytes = freeBytes;
-        v.ready = ready;
-        m_volumes.append(v);
-        return v.mountPoint;
+        const QString folder = m_root.filePath(QStringLiteral("media%1").arg(list.size()));
+        QDir().mkpath(folder);
+        list.append({ folder, label, true, removable, false, freeBytes }); // ready, not read-only
+        return folder;
     }
-    Volume& volume(int i) { return m_volumes[i]; }
-    // The stick is pulled out: the volume goes, its empty mount folder stays behind.
-    void pullOut(int i) { m_volumes.removeAt(i); }
+    bool supported() const override { return isSupported; }
+    QList<Volume> volumes() const override { return list; }
 
-    bool supported() const override { return m_supported; }
-    QList<Volume> volumes() const override { return m_volumes; }
-    bool m_supported = true;
+    QList<Volume> list;
+    bool isSupported = true;
 
 private:
     QTemporaryDir m_root;
-    QList<Volume> m_volumes;
 };

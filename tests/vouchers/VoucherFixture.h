@@ -10,12 +10,10 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTest>
-#include <QVariant>
 #include <memory>
 
-// A private, empty association database of the current layout, opened as the program's
-// database, with small helpers to put rows in and read them back. A database that cannot be
-// made stops the program, so a broken fixture never passes as a result.
+// A private, empty association database opened as the program's database, scripted dialogs, and
+// helpers to put rows in and read them back. A database that cannot be made stops the program.
 class VoucherFixture final {
 public:
     VoucherFixture()
@@ -31,37 +29,37 @@ public:
             qFatal("cannot create the voucher test database");
         ProgramSettings::bookkeeping().TilikausiAlku = QDate(2011, 1, 1);
         ProgramSettings::bookkeeping().TilikausiLoppu = QDate(2011, 12, 31);
-        ProgramSettings::bookkeeping().LaskettavaTili = 0;
-        ProgramSettings::bookkeeping().AutomaattisestiUusiTosite = false;
     }
 
     static QSqlDatabase db() { return DBC::instance().AvaaDB(); }
 
     // Runs a statement with bound values; warns with the database's error when it fails.
-    static QSqlQuery run(const QString& sql, const QVariantList& values, bool& ok)
+    static QSqlQuery run(const QString& sql, const QVariantList& values = {})
     {
         QSqlQuery q(db());
-        ok = q.prepare(sql);
+        q.prepare(sql);
         for (const QVariant& v : values)
             q.addBindValue(v);
-        ok = ok && q.exec();
-        if (!ok)
+        if (!q.exec())
             qWarning("%s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
         return q;
     }
 
     static bool exec(const QString& sql, const QVariantList& values = {})
     {
-        bool ok = false;
-        run(sql, values, ok);
-        return ok;
+        return run(sql, values).isActive();
+    }
+
+    // The key of the row that an INSERT made.
+    static int insert(const QString& sql, const QVariantList& values)
+    {
+        return run(sql, values).lastInsertId().toInt();
     }
 
     static QVariant value(const QString& sql, const QVariantList& values = {})
     {
-        bool ok = false;
-        QSqlQuery q = run(sql, values, ok);
-        return ok && q.next() ? q.value(0) : QVariant();
+        QSqlQuery q = run(sql, values);
+        return q.next() ? q.value(0) : QVariant();
     }
 
     static int count(const QString& table, const QString& where = QStringLiteral("1 = 1"))
@@ -72,33 +70,28 @@ public:
     // Rows written by this connection so far: tells whether an operation wrote anything.
     static qint64 totalChanges() { return value(QStringLiteral("SELECT total_changes()")).toLongLong(); }
 
-    // kind: "" ordinary, "A" opening, "P" closing. Returns the new key.
+    // kind: "" ordinary, "A" opening, "P" closing.
     static int addTosite(int numero, const QString& kind = QString(),
         const QString& pvm = QStringLiteral("2011-03-01"), const QString& selite = QStringLiteral("Tosite"))
     {
-        exec(QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite, toAvaustosite, toPaatostosite, "
-                            "toAutomaatti) VALUES (?, ?, ?, ?, ?, 0)"),
+        return insert(QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite, toAvaustosite, "
+                                     "toPaatostosite, toAutomaatti) VALUES (?, ?, ?, ?, ?, 0)"),
             { numero, pvm, selite, kind == u"A" ? 1 : 0, kind == u"P" ? 1 : 0 });
-        return value(QStringLiteral("SELECT MAX(toID) FROM \"to\"")).toInt();
-    }
-
-    // A voucher with `raw` on the debit of one account and the credit of another.
-    static int addBalanced(int numero, int debet, int kredit, qint64 raw = 1000000,
-        const QString& pvm = QStringLiteral("2011-03-01"), const QString& selite = QStringLiteral("Tosite"),
-        const QString& kind = QString())
-    {
-        const int id = addTosite(numero, kind, pvm, selite);
-        addVienti(id, debet, QStringLiteral("D"), raw);
-        addVienti(id, kredit, QStringLiteral("K"), raw);
-        return id;
     }
 
     static int addVienti(int toId, int tlId, const QString& tyyppi, qint64 raw)
     {
-        exec(QStringLiteral(
-                 "INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) VALUES (?, ?, ?, ?, 'x')"),
+        return insert(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) "
+                                     "VALUES (?, ?, ?, ?, 'x')"),
             { toId, tlId, tyyppi, raw });
-        return value(QStringLiteral("SELECT MAX(viID) FROM vi")).toInt();
+    }
+
+    // `raw` on the debit of one account and the credit of another; returns the voucher's key.
+    static int addBalanced(int toId, int debet, int kredit, qint64 raw = 1000000)
+    {
+        addVienti(toId, debet, QStringLiteral("D"), raw);
+        addVienti(toId, kredit, QStringLiteral("K"), raw);
+        return toId;
     }
 
     // Makes every later statement of the kind (INSERT, UPDATE, DELETE) on the table fail, as a
@@ -110,50 +103,40 @@ public:
                         .arg(statement, table));
     }
 
-    // A voucher template and its entry patterns. Returns the template's key.
-    static int addPohja(
-        const QString& nimi, const QVariant& pikavalinta, const QString& selite = QStringLiteral("Vuokra"))
+    // A voucher template with its entry patterns (account, "D" or "K", amount).
+    static int addPohja(const QString& nimi, const QVariant& pikavalinta, const QString& selite,
+        const QList<std::tuple<int, const char*, qint64>>& rivit)
     {
-        exec(QStringLiteral("INSERT INTO tpPohjat (Nimi, Selite, Pikavalinta) VALUES (?, ?, ?)"),
-            { nimi, selite, pikavalinta });
-        return value(QStringLiteral("SELECT MAX(tpID) FROM tpPohjat")).toInt();
-    }
-
-    static void addPohjaRivi(int tpId, int tlId, const QString& tyyppi, qint64 raw)
-    {
-        exec(QStringLiteral(
-                 "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, ?, ?)"),
-            { tpId, tlId, tyyppi, raw });
+        const int tp
+            = insert(QStringLiteral("INSERT INTO tpPohjat (Nimi, Selite, Pikavalinta) VALUES (?, ?, ?)"),
+                { nimi, selite, pikavalinta });
+        for (const auto& [tlId, tyyppi, raw] : rivit)
+            exec(QStringLiteral(
+                     "INSERT INTO vipPohjat (viptpID, viptlID, vipTyyppi, vipArvo) VALUES (?, ?, ?, ?)"),
+                { tp, tlId, QString::fromLatin1(tyyppi), raw });
+        return tp;
     }
 
     static int addTili(int numero, const QString& nimi)
     {
-        exec(QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (?, ?, ' ')"),
+        return insert(QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (?, ?, ' ')"),
             { numero, nimi });
-        return value(QStringLiteral("SELECT MAX(tlID) FROM tl")).toInt();
     }
 
     TestEnv env;
+    ScriptedDialogs dialogs;
 };
 
-// The state of a voucher test class between init() and cleanup(): a fresh database in its own
-// folders and, unless the test shows no message, scripted dialogs.
+// The state of a voucher test class between init() and cleanup().
 class VoucherCase {
 protected:
     std::unique_ptr<VoucherFixture> f;
-    std::unique_ptr<ScriptedDialogs> dialogs;
 
-    void start(bool withDialogs = true)
-    {
-        f = std::make_unique<VoucherFixture>();
-        if (withDialogs)
-            dialogs = std::make_unique<ScriptedDialogs>();
-    }
+    void start() { f = std::make_unique<VoucherFixture>(); }
     // Fails the test on a message that no script expected.
     void finish()
     {
-        const QStringList failures = dialogs ? dialogs->failures() : QStringList();
-        dialogs.reset();
+        const QStringList failures = f->dialogs.failures();
         f.reset();
         QCOMPARE(failures, QStringList());
     }

@@ -191,7 +191,7 @@ void tst_OddText::everywhere()
 {
     QFETCH(QString, text);
     VoucherFixture f;
-    ScriptedDialogs dialogs;
+    ScriptedDialogs& dialogs = f.dialogs;
 
     // Every field keeps the text, cut where the field cuts and never inside a character.
     for (const TextField& field : fields()) {

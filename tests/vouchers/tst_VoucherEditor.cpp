@@ -11,12 +11,6 @@ using Puoli = VoucherEditor::Puoli;
 using Siirto = VoucherEditor::Siirto;
 Q_DECLARE_METATYPE(VoucherEditor::Laji)
 
-namespace {
-
-const QString CheckAccounts = QStringLiteral("information: Tarkista tilivalinta.");
-
-} // namespace
-
 // The rules of editing vouchers, without a window.
 class tst_VoucherEditor : public QObject, VoucherCase {
     Q_OBJECT
@@ -29,10 +23,6 @@ class tst_VoucherEditor : public QObject, VoucherCase {
         if (!m->avaa())
             qWarning("avaa failed");
         return m;
-    }
-    qint64 stored(const QString& where) const
-    {
-        return f->value(QStringLiteral("SELECT viArvo FROM vi WHERE ") + where).toLongLong();
     }
 
 private slots:
@@ -60,16 +50,12 @@ private slots:
         if (closingBefore)
             f->addTosite(closingBefore, QStringLiteral("P"), QStringLiteral("2011-03-01"));
         auto m = open(laji);
-        QCOMPARE(m->tosite().IsEmpty(), laji != Laji::Paatos || !closingBefore);
-        QCOMPARE(m->riviMaara(), VoucherEditor::VahimmaisRivit);
         QVERIFY(m->uusi());
         QCOMPARE(m->tosite().Numero(), closingBefore + 1);
         QCOMPARE(m->tosite().Avaustosite(), laji == Laji::Avaus);
         QCOMPARE(m->tosite().Paatostosite(), laji == Laji::Paatos);
-        QCOMPARE(m->tosite().Paiva(), closingBefore ? QDate(2011, 3, 1) : QDate(2011, 1, 1));
         QCOMPARE(f->count(QStringLiteral("\"to\"")), closingBefore ? 2 : 1);
         QCOMPARE(m->luettelo().size(), size_t(laji == Laji::Paatos && closingBefore ? 2 : 1));
-        QCOMPARE(dialogs->transcript(), QStringList());
     }
 
     // The opening voucher is numbered 0: the opening-entries window opens on it all the same.
@@ -80,65 +66,51 @@ private slots:
         QCOMPARE(open(Laji::Avaus)->tosite().ToId(), opening);
         QCOMPARE(open(Laji::Tavallinen)->tosite().ToId(), ordinary);
         QVERIFY(open(Laji::Paatos)->tosite().IsEmpty());
-        QVERIFY(open(Laji::Avaus)->muokattavissa());
     }
 
-    void browsingStaysInKindAndBeepsAtTheEnds()
+    // Browsing beeps at the ends and writes nothing (which voucher comes next: tst_cTosite).
+    void browsingBeepsAtTheEnds()
     {
-        f->addTosite(1, QString(), QStringLiteral("2011-02-01"), QStringLiteral("Eka"));
-        f->addTosite(2, QStringLiteral("A"));
-        const int last
-            = f->addTosite(3, QString(), QStringLiteral("2011-03-01"), QStringLiteral("Viimeinen"));
-        f->addTosite(4, QStringLiteral("P"));
+        f->addTosite(1);
+        f->addTosite(3);
         auto m = open();
-        QCOMPARE(m->tosite().ToId(), last);
         const qint64 before = f->totalChanges();
         QVERIFY(!m->siirry(Siirto::Seuraava));
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Beep).size(), 1);
-        QCOMPARE(m->tosite().ToId(), last);
+        QCOMPARE(m->tosite().Numero(), 3);
         QVERIFY(m->siirry(Siirto::Edellinen));
-        QCOMPARE(m->tosite().Numero(), 1);
         QVERIFY(!m->siirry(Siirto::Edellinen));
         QCOMPARE(m->tosite().Numero(), 1);
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Beep).size(), 2);
         QCOMPARE(f->totalChanges(), before);
     }
 
-    // Each command that leaves the voucher runs the account check (closing: the window's test).
+    // Saving, new and a line of the list share one check; browsing and closing (the window) have theirs.
     void accountCheckBlocksLeaving_data()
     {
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<bool>("debit");
-        QTest::newRow("save, debit") << "tallenna" << true;
-        QTest::newRow("new, credit") << "uusi" << false;
-        QTest::newRow("previous, debit") << "edellinen" << true;
-        QTest::newRow("a line of the list, credit") << "lataa" << false;
+        QTest::addColumn<bool>("save"); // on the debit side; else browse, on the credit side
+        QTest::newRow("save, debit") << true;
+        QTest::newRow("previous, credit") << false;
     }
     void accountCheckBlocksLeaving()
     {
-        QFETCH(QString, command);
-        QFETCH(bool, debit);
-        const int first = f->addTosite(1);
+        QFETCH(bool, save);
+        f->addTosite(1);
         const int id = f->addTosite(2);
         auto m = open();
-        const Puoli puoli = debit ? Puoli::Debet : Puoli::Kredit;
+        const Puoli puoli = save ? Puoli::Debet : Puoli::Kredit;
         QVERIFY(m->setArvoTeksti(puoli, 2, QStringLiteral("100")));
         const qint64 before = f->totalChanges();
-        const bool ok = command == u"tallenna" ? m->tallenna()
-            : command == u"uusi"               ? m->uusi()
-            : command == u"edellinen"          ? m->siirry(Siirto::Edellinen)
-                                               : m->lataa(first);
-        QVERIFY(!ok);
-        QCOMPARE(dialogs->transcript(), QStringList { CheckAccounts });
+        QVERIFY(!(save ? m->tallenna() : m->siirry(Siirto::Edellinen)));
+        QCOMPARE(
+            f->dialogs.transcript(), QStringList { QStringLiteral("information: Tarkista tilivalinta.") });
         QCOMPARE(m->tosite().ToId(), id);
         QCOMPARE(f->totalChanges(), before);
-        QVERIFY(m->virhePaikka());
-        QCOMPARE(m->virhePaikka()->puoli, puoli);
-        QCOMPARE(m->virhePaikka()->rivi, 2);
+        QVERIFY(m->virhePaikka() && m->virhePaikka()->puoli == puoli && m->virhePaikka()->rivi == 2);
         // With an account chosen the voucher can be left.
-        dialogs->clear();
+        f->dialogs.clear();
         QVERIFY(m->setTiliTeksti(puoli, 2, QStringLiteral("1910")));
         QVERIFY(m->sulje());
-        QCOMPARE(dialogs->transcript(), QStringList());
+        QCOMPARE(f->dialogs.transcript(), QStringList());
         QCOMPARE(
             f->count(QStringLiteral("vi"), QStringLiteral("viArvo = 1000000 AND vitoID = %1").arg(id)), 1);
     }
@@ -160,7 +132,7 @@ private slots:
         f->addTosite(1);
         auto m = open();
         QCOMPARE(m->setPaiva(date), !warned);
-        QCOMPARE(dialogs->transcript(),
+        QCOMPARE(f->dialogs.transcript(),
             warned ? QStringList { QString::fromUtf8("information: Tositteen päivämäärän tulee kuulua "
                                                      "tilikauteen!\n\nTilikausi: 1.1.2011 - 31.12.2011") }
                    : QStringList());
@@ -168,23 +140,20 @@ private slots:
             // Leaving asks for a date and keeps the voucher (saving: the window's wrong date test).
             QVERIFY(!m->sulje());
             QVERIFY(m->pvmPuuttuu());
-            QCOMPARE(dialogs->transcript().size(), 1);
             QVERIFY(
                 Dates::fromSql(f->value(QStringLiteral("SELECT toPvm FROM \"to\"")).toString()).isValid());
             QVERIFY(m->setPaiva(QDate(2011, 5, 1)));
             QVERIFY(m->sulje());
-            QVERIFY(!m->pvmPuuttuu());
             return;
         }
         QVERIFY(m->tallenna());
-        const QVariant toPvm = f->value(QStringLiteral("SELECT toPvm FROM \"to\""));
-        QCOMPARE(Dates::fromSql(toPvm.toString()), date);
+        QCOMPARE(Dates::fromSql(f->value(QStringLiteral("SELECT toPvm FROM \"to\"")).toString()), date);
     }
 
     void chosenAccountBalanceIsReadFromTheBooks()
     {
         ProgramSettings::bookkeeping().LaskettavaTili = pankki;
-        const int other = f->addBalanced(1, pankki, myynti); // 100,00 in another voucher
+        const int other = f->addBalanced(f->addTosite(1), pankki, myynti); // 100,00 in another voucher
         const int shown = f->addTosite(2);
         f->addVienti(shown, pankki, QStringLiteral("K"), 200000); // 20,00 on screen
         f->addVienti(999, pankki, QStringLiteral("D"), 7770000); // an entry without voucher does not count
@@ -203,11 +172,6 @@ private slots:
         QCOMPARE(m->laskettavanSaldo(), Money::fromCents(4900));
         m->paivitaSaldot();
         QCOMPARE(m->laskettavanSaldo(), Money::fromCents(4950));
-        QVERIFY(m->siirry(Siirto::Edellinen));
-        QCOMPARE(m->laskettavanSaldo(), Money::fromCents(4950));
-        m->setArvoTeksti(Puoli::Debet, 0, QString());
-        m->setTiliTeksti(Puoli::Debet, 0, QString());
-        QCOMPARE(m->laskettavanSaldo(), Money::fromCents(-5050));
         ProgramSettings::bookkeeping().LaskettavaTili = 0;
         QCOMPARE(m->laskettavanSaldo(), std::nullopt);
     }
@@ -220,12 +184,12 @@ private slots:
         auto m = open();
         m->setArvoTeksti(Puoli::Debet, 0, QStringLiteral("-5"));
         QVERIFY(m->tallenna());
-        QCOMPARE(stored(QStringLiteral("1 = 1")), 100000);
+        QCOMPARE(f->value(QStringLiteral("SELECT viArvo FROM vi")).toLongLong(), 100000);
         m->setArvoTeksti(Puoli::Debet, 0, QStringLiteral("kymmenen"));
         QCOMPARE(m->arvoTeksti(Puoli::Debet, 0), QString());
         QVERIFY(m->setTiliTeksti(Puoli::Debet, 0, QStringLiteral("9999")));
         QCOMPARE(m->tiliTeksti(Puoli::Debet, 0), QString());
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information),
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Information),
             (QStringList {
                 QStringLiteral("Summa ei voi olla negatiivinen. Kirjaa vienti vastakkaiselle puolelle."),
                 QStringLiteral("Summa ei ole luku. Viennin summaksi tulee 0."),
@@ -233,37 +197,24 @@ private slots:
     }
 
     // A row cleared and saved loses its entry; typed into again, it is a new entry of its side
-    // and voucher, not an entry without either that vanishes on reload.
+    // and voucher, not one without either that vanishes on reload. The description goes to every entry.
     void clearedRowTypedAgainIsStored()
     {
-        const int id = f->addTosite(1);
-        f->addVienti(id, pankki, QStringLiteral("K"), 100000);
+        const int id = f->addBalanced(f->addTosite(1), pankki, pankki, 100000);
         auto m = open();
         QVERIFY(m->setArvoTeksti(Puoli::Kredit, 0, QString()));
         QVERIFY(m->setTiliTeksti(Puoli::Kredit, 0, QString()));
         QVERIFY(m->tallenna());
-        QCOMPARE(f->count(QStringLiteral("vi")), 0);
+        QCOMPARE(f->count(QStringLiteral("vi")), 1);
         QVERIFY(m->setTiliTeksti(Puoli::Kredit, 0, QStringLiteral("3000")));
         QVERIFY(m->setArvoTeksti(Puoli::Kredit, 0, QStringLiteral("7,50")));
+        m->setSelite(QStringLiteral("Kahvion myynti 'kesä'"));
         QVERIFY(m->tallenna());
         QCOMPARE(f->count(QStringLiteral("vi"),
                      QStringLiteral("vitoID = %1 AND viTyyppi = 'K' AND vitlID = %2 AND viArvo = 75000")
                          .arg(id)
                          .arg(myynti)),
             1);
-        auto again = open();
-        QCOMPARE(again->arvoTeksti(Puoli::Kredit, 0), QStringLiteral("7,50"));
-    }
-
-    void descriptionGoesToEveryEntry()
-    {
-        const int id = f->addTosite(1);
-        f->addVienti(id, pankki, QStringLiteral("D"), 100000);
-        auto m = open();
-        m->setTiliTeksti(Puoli::Kredit, 0, QStringLiteral("3000"));
-        m->setArvoTeksti(Puoli::Kredit, 0, QStringLiteral("10"));
-        m->setSelite(QStringLiteral("Kahvion myynti 'kesä'"));
-        QVERIFY(m->tallenna());
         QCOMPARE(f->count(QStringLiteral("vi"), QStringLiteral("viSelite = 'Kahvion myynti ''kesä'''")), 2);
     }
 
@@ -273,12 +224,11 @@ private slots:
         const int second = f->addTosite(2);
         f->addVienti(first, pankki, QStringLiteral("D"), 100000);
         f->addVienti(second, pankki, QStringLiteral("D"), 100000);
-        dialogs->answerNo().answerYes();
+        f->dialogs.answerNo().answerYes();
         auto m = open();
         m->setArvoTeksti(Puoli::Debet, 0, QStringLiteral("20")); // a change that must not come back
         QVERIFY(!m->poista());
         QCOMPARE(f->count(QStringLiteral("\"to\"")), 2);
-        QCOMPARE(m->tosite().ToId(), second);
         QVERIFY(m->poista());
         QCOMPARE(m->tosite().ToId(), first);
         QVERIFY(m->sulje());
@@ -299,17 +249,14 @@ private slots:
         m->setArvoTeksti(Puoli::Debet, 0, QStringLiteral("7,25"));
         m->setNumero(15);
         QVERIFY(!m->tallenna());
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Error).size(), 1);
-        QVERIFY(dialogs->texts(ScriptedDialogs::Kind::Error)
-                    .first()
-                    .contains(QStringLiteral("\nTekninen tieto: disk full")));
+        QVERIFY(f->dialogs.transcript().value(0).contains(QStringLiteral("\nTekninen tieto: disk full")));
         QCOMPARE(f->value(QStringLiteral("SELECT toNumero FROM \"to\"")).toInt(), 1);
         QCOMPARE(f->count(QStringLiteral("vi")), 0);
-        QCOMPARE(m->arvoTeksti(Puoli::Debet, 0), QStringLiteral("7,25"));
         QVERIFY(f->exec(QStringLiteral("DROP TRIGGER fail_INSERT_vi")));
         QVERIFY(m->tallenna());
         QCOMPARE(f->value(QStringLiteral("SELECT toNumero FROM \"to\"")).toInt(), 15);
-        QCOMPARE(stored(QStringLiteral("vitlID = %1").arg(velat)), 72500);
+        QCOMPARE(
+            f->count(QStringLiteral("vi"), QStringLiteral("viArvo = 72500 AND vitlID = %1").arg(velat)), 1);
     }
 
     void closingWhenTheSaveFailsAsks_data()
@@ -326,11 +273,11 @@ private slots:
         auto m = open();
         m->setTiliTeksti(Puoli::Debet, 0, QStringLiteral("1910"));
         m->setArvoTeksti(Puoli::Debet, 0, QStringLiteral("5"));
-        closeAnyway ? dialogs->answerYes() : dialogs->answerNo();
+        closeAnyway ? f->dialogs.answerYes() : f->dialogs.answerNo();
         QCOMPARE(m->sulje(), closeAnyway);
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Question).size(), 1);
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Question).size(), 1);
         m.reset(); // released: writes nothing more and shows nothing more
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Error).size(), closeAnyway ? 1 : 2);
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Error).size(), closeAnyway ? 1 : 2);
         QCOMPARE(f->count(QStringLiteral("vi")), 0);
     }
 
@@ -375,7 +322,6 @@ private slots:
             { { Puoli::Debet, pankki, Money::fromCents(5000) },
                 { Puoli::Kredit, myynti, Money::fromCents(5000) } }));
         QCOMPARE(m->tosite().Numero(), 4);
-        QCOMPARE(m->tiliTeksti(Puoli::Kredit, 0), QStringLiteral("3000 Myyntituotot"));
         QCOMPARE(f->count(QStringLiteral("vi"),
                      QStringLiteral(
                          "viSelite = 'Jäsenmaksut' AND viAvausvienti = 1 AND viArvo = 500000 AND vitoID = %1")

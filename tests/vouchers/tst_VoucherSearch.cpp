@@ -25,10 +25,11 @@ class tst_VoucherSearch : public QObject, VoucherCase {
 private slots:
     void init()
     {
-        start(false);
+        start();
         tili = f->addTili(1910, QStringLiteral("Pankkitili"));
-        f->addBalanced(1, tili, tili, 125000, QStringLiteral("2011-03-05"),
-            QStringLiteral("Toimiston vuokra maaliskuu"));
+        f->addBalanced(
+            f->addTosite(1, {}, QStringLiteral("2011-03-05"), QStringLiteral("Toimiston vuokra maaliskuu")),
+            tili, tili, 125000);
         const int ale
             = f->addTosite(2, {}, QStringLiteral("2011-04-01"), QStringLiteral("50% ALENNUS ÄÄNENTOISTOSTA"));
         f->addVienti(ale, tili, QStringLiteral("D"), 1234500000);

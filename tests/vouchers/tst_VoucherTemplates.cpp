@@ -12,14 +12,13 @@ using Puoli = VoucherEditor::Puoli;
 class tst_VoucherTemplates : public QObject, VoucherCase {
     Q_OBJECT
 
-    int pankki = 0, vuokra = 0, kassa = 0;
+    int pankki = 0, vuokra = 0;
 
 private slots:
     void init()
     {
         start();
         pankki = f->addTili(1910, QStringLiteral("Pankkitili"));
-        kassa = f->addTili(1900, QStringLiteral("Kassa"));
         vuokra = f->addTili(7100, QStringLiteral("Vuokrat"));
     }
     void cleanup() { finish(); }
@@ -32,48 +31,38 @@ private slots:
         pohja.setPikavalinta(3);
         pohja.Save();
         QCOMPARE(cTositePohjat::Pikavalinnalla(f->db(), 3), pohja.tpID());
-        cTositePohja luettu(f->db());
-        QVERIFY(luettu.Load(pohja.tpID()));
-        QCOMPARE(luettu.Pikavalinta(), 3);
-        luettu.setPikavalinta(0);
-        luettu.Save();
+        pohja.setPikavalinta(0);
+        pohja.Save();
         QVERIFY(f->value(QStringLiteral("SELECT Pikavalinta FROM tpPohjat")).isNull());
         QCOMPARE(cTositePohjat::Pikavalinnalla(f->db(), 3), 0);
     }
 
     void deletingATemplateRemovesItsRows()
     {
-        const int pidettava = f->addPohja(QStringLiteral("Kassa"), 1);
-        f->addPohjaRivi(pidettava, kassa, QStringLiteral("D"), 100);
-        const int poistettava = f->addPohja(QStringLiteral("Vuokra"), 2);
-        f->addPohjaRivi(poistettava, vuokra, QStringLiteral("D"), 100);
-        f->addPohjaRivi(poistettava, pankki, QStringLiteral("K"), 100);
+        const int pidettava = f->addPohja(QStringLiteral("Kassa"), 1, {}, { { pankki, "D", 100 } });
+        const int poistettava
+            = f->addPohja(QStringLiteral("Vuokra"), 2, {}, { { vuokra, "D", 100 }, { pankki, "K", 100 } });
         VoucherTemplateEditor m(f->db());
         QVERIFY(m.avaa());
         QCOMPARE(m.pohja().tpID(), pidettava); // first by name
         QVERIFY(m.lataa(poistettava));
-        dialogs->answerNo();
+        f->dialogs.answerNo().answerYes();
         QVERIFY(!m.poista());
         QCOMPARE(f->count(QStringLiteral("vipPohjat")), 3);
-        dialogs->answerYes();
         QVERIFY(m.poista());
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Question).last(),
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Question).last(),
             QStringLiteral("Haluatko varmasti poistaa valitun tositepohjan?"));
         QCOMPARE(f->count(QStringLiteral("tpPohjat")), 1);
         QCOMPARE(f->count(QStringLiteral("vipPohjat")), 1);
-        QCOMPARE(m.pohja().tpID(), pidettava);
     }
 
     void typingATemplate()
     {
         VoucherTemplateEditor m(f->db());
         QVERIFY(m.avaa());
-        QCOMPARE(m.riviMaara(), VoucherEditor::VahimmaisRivit);
         m.setNimi(QStringLiteral("Vuokra"));
-        m.setSelite(QStringLiteral("Toimiston vuokra"));
         QVERIFY(m.setTiliTeksti(Puoli::Debet, 0, QStringLiteral("7100")));
         QVERIFY(m.setArvoTeksti(Puoli::Debet, 0, QStringLiteral("450,50")));
-        QVERIFY(!m.setArvoTeksti(Puoli::Kredit, 0, QStringLiteral("abc")));
         QVERIFY(m.setArvoTeksti(Puoli::Kredit, 0, QStringLiteral("450,50")));
         // An amount without an account is refused when saving, and nothing is stored.
         QVERIFY(!m.tallenna());
@@ -81,14 +70,9 @@ private slots:
         QCOMPARE(f->count(QStringLiteral("tpPohjat")), 0);
         QVERIFY(m.setTiliTeksti(Puoli::Kredit, 0, QStringLiteral("pank")));
         QVERIFY(m.tallenna());
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Information).last(),
-            QStringLiteral("Valitse tili, jolle vienti tehdään."));
-        QCOMPARE(f->count(QStringLiteral("vipPohjat")), 2);
-        QCOMPARE(f->value(QStringLiteral(
-                              "SELECT SUM(vipArvo) FROM vipPohjat WHERE vipTyyppi = 'K' AND viptlID = ?"),
-                      { pankki })
-                     .toLongLong(),
-            4505000);
+        QCOMPARE(f->count(QStringLiteral("vipPohjat"),
+                     QStringLiteral("vipTyyppi = 'K' AND vipArvo = 4505000 AND viptlID = %1").arg(pankki)),
+            1);
         // Clearing a row takes its pattern out.
         QVERIFY(m.setArvoTeksti(Puoli::Kredit, 0, QString()));
         QVERIFY(m.setTiliTeksti(Puoli::Kredit, 0, QString()));
@@ -96,42 +80,25 @@ private slots:
         QCOMPARE(f->count(QStringLiteral("vipPohjat")), 1);
     }
 
+    // Debit patterns first; a deleted account leaves its row without one; an empty template
+    // gives an empty voucher, and a missing one none.
     void voucherFromATemplate()
     {
-        const int tp = f->addPohja(QStringLiteral("Vuokra"), 1, QStringLiteral("Toimiston vuokra"));
-        f->addPohjaRivi(tp, pankki, QStringLiteral("K"), 4500000);
-        f->addPohjaRivi(tp, vuokra, QStringLiteral("D"), 4000000);
-        f->addPohjaRivi(tp, kassa, QStringLiteral("D"), 500000);
-        AccountLookup tilit;
-        tilit.load(f->db());
-        const auto tosite = VoucherTemplateEditor::tositteeksi(f->db(), tilit, tp);
-        QVERIFY(tosite);
-        QCOMPARE(tosite->selite, QStringLiteral("Toimiston vuokra"));
-        QVERIFY(!tosite->tiliPuuttuu);
-        QCOMPARE(int(tosite->viennit.size()), 3);
-        // Debit patterns first.
-        QCOMPARE(tosite->viennit[0].puoli, Puoli::Debet);
-        QCOMPARE(tosite->viennit[0].tlId, vuokra);
-        QCOMPARE(tosite->viennit[1].tlId, kassa);
-        QCOMPARE(tosite->viennit[2].puoli, Puoli::Kredit);
-        QCOMPARE(tosite->viennit[2].arvo, Money::fromRaw(4500000));
-    }
-
-    void templateWithADeletedAccountOrNoPatterns()
-    {
-        const int tp = f->addPohja(QStringLiteral("Vanha"), QVariant());
         const int poistettu = f->addTili(8000, QStringLiteral("Poistettu"));
-        f->addPohjaRivi(tp, poistettu, QStringLiteral("D"), 100000);
-        f->addPohjaRivi(tp, pankki, QStringLiteral("K"), 100000);
-        f->exec(QStringLiteral("DELETE FROM tl WHERE tlID = ?"), { poistettu });
+        const int tp = f->addPohja(QStringLiteral("Vuokra"), 1, QStringLiteral("Toimiston vuokra"),
+            { { pankki, "K", 4500000 }, { vuokra, "D", 4000000 }, { poistettu, "D", 500000 } });
+        QVERIFY(f->exec(QStringLiteral("DELETE FROM tl WHERE tlID = ?"), { poistettu }));
+        const int tyhja = f->addPohja(QStringLiteral("Tyhjä"), QVariant(), QStringLiteral(" "), {});
         AccountLookup tilit;
         tilit.load(f->db());
         const auto tosite = VoucherTemplateEditor::tositteeksi(f->db(), tilit, tp);
         QVERIFY(tosite && tosite->tiliPuuttuu);
-        QCOMPARE(tosite->viennit[0].tlId, 0);
-        QCOMPARE(tosite->viennit[0].arvo, Money::fromRaw(100000));
-
-        const int tyhja = f->addPohja(QStringLiteral("Tyhjä"), QVariant(), QStringLiteral(" "));
+        QCOMPARE(tosite->selite, QStringLiteral("Toimiston vuokra"));
+        QCOMPARE(int(tosite->viennit.size()), 3);
+        QCOMPARE(tosite->viennit[0].tlId, vuokra);
+        QCOMPARE(tosite->viennit[1].tlId, 0);
+        QCOMPARE(tosite->viennit[1].arvo, Money::fromRaw(500000));
+        QCOMPARE(tosite->viennit[2].arvo, Money::fromRaw(4500000));
         const auto blank = VoucherTemplateEditor::tositteeksi(f->db(), tilit, tyhja);
         QVERIFY(blank && blank->viennit.empty() && blank->selite.isEmpty());
         QVERIFY(!VoucherTemplateEditor::tositteeksi(f->db(), tilit, 9999));

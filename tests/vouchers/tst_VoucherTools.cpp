@@ -46,14 +46,12 @@ class tst_VoucherTools : public QObject, VoucherCase {
 
     int balanced(int numero, const QString& selite, qint64 raw = 1000000)
     {
-        return f->addBalanced(numero, vuokra, pankki, raw, QStringLiteral("2011-03-01"), selite);
+        return f->addBalanced(f->addTosite(numero, {}, QStringLiteral("2011-03-01"), selite), vuokra, pankki, raw);
     }
     int addPohja(const QString& nimi, const QVariant& pikavalinta)
     {
-        const int tp = f->addPohja(nimi, pikavalinta, QStringLiteral("Toimiston vuokra"));
-        f->addPohjaRivi(tp, pankki, QStringLiteral("K"), 4000000);
-        f->addPohjaRivi(tp, vuokra, QStringLiteral("D"), 4000000);
-        return tp;
+        return f->addPohja(nimi, pikavalinta, QStringLiteral("Toimiston vuokra"),
+            { { pankki, "K", 4000000 }, { vuokra, "D", 4000000 } });
     }
     static QList<QAction*> quickSelect(QWidget& w)
     {
@@ -112,7 +110,7 @@ private slots:
         frmNewTositteet w(f->db(), Laji::Tavallinen);
         ProgramSettings::installation().Database = QStringLiteral("unknown");
         child<QAction>(w, "mTositteidenTarkistus")->trigger();
-        QCOMPARE(dialogs->transcript(),
+        QCOMPARE(f->dialogs.transcript(),
             QStringList { QStringLiteral("information: Tarkista tietokanta asetukset asetusikkunasta!") });
         QCOMPARE(child<QListWidget>(w, "lstVirheet")->count(), 0);
     }
@@ -136,9 +134,9 @@ private slots:
         w.show();
         QVERIFY(QTest::qWaitForWindowExposed(&w));
         if (faulty)
-            yes ? dialogs->answerYes() : dialogs->answerNo();
+            yes ? f->dialogs.answerYes() : f->dialogs.answerNo();
         child<QPushButton>(w, "cSulje")->click();
-        QCOMPARE(dialogs->texts(ScriptedDialogs::Kind::Question),
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Question),
             faulty ? QStringList { QStringLiteral(
                 "Tositteissa puutteita, haluatko avata tositteiden tarkistusikkunan?") }
                    : QStringList());
@@ -177,7 +175,7 @@ private slots:
             QTest::keyClick(lista, Qt::Key_Return);
         });
         child<QPushButton>(w, "cHaku")->click();
-        QCOMPARE(dialogs->transcript(),
+        QCOMPARE(f->dialogs.transcript(),
             QStringList { QStringLiteral("information: Viennin arvon tulee olla numeerinen.") });
         QCOMPARE(tulos, QStringLiteral("Löytyi 1 tosite."));
         QCOMPARE(rivit.size(), 1);
@@ -220,7 +218,7 @@ private slots:
         combo->setFocus();
         QTest::keyClick(combo, Qt::Key_Down);
         QTest::keyClick(combo, Qt::Key_Down);
-        QCOMPARE(dialogs->transcript(),
+        QCOMPARE(f->dialogs.transcript(),
             QStringList { QStringLiteral("information: Pikavalinta 2 on jo käytössä.") });
         QCOMPARE(combo->currentText(), QStringLiteral("1"));
         QTest::keyClick(combo, Qt::Key_3);
@@ -233,7 +231,7 @@ private slots:
         lista->setCurrentRow(1);
         QTest::keyClick(lista, Qt::Key_Return);
         QCOMPARE(pohjat->muokkaus().pohja().tpID(), tp);
-        dialogs->answerYes();
+        f->dialogs.answerYes();
         child<QPushButton>(*pohjat, "cPoista")->click();
         QCOMPARE(shown(w), QStringList { QStringLiteral("(&3) Ilman") });
         QVERIFY(pohjat->close());

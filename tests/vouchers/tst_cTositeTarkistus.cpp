@@ -16,11 +16,6 @@ class tst_cTositeTarkistus : public QObject, VoucherCase {
             out << v.rivi();
         return out;
     }
-    // A balanced voucher of 100 € on two existing accounts.
-    int balanced(int numero, const QString& pvm = QStringLiteral("2011-03-01"), const QString& kind = {})
-    {
-        return f->addBalanced(numero, pankki, myynti, 1000000, pvm, QStringLiteral("Tosite"), kind);
-    }
 
 private slots:
     void init()
@@ -31,61 +26,47 @@ private slots:
     }
     void cleanup()
     {
-        QCOMPARE(dialogs->shown().size(), 0);
+        QCOMPARE(f->dialogs.shown().size(), 0);
         finish();
     }
 
-    void dates_data()
-    {
-        QTest::addColumn<QVariant>("pvm");
-        QTest::addColumn<bool>("finding");
-        QTest::newRow("first day") << QVariant(QStringLiteral("2011-01-01")) << false;
-        QTest::newRow("last day") << QVariant(QStringLiteral("2011-12-31")) << false;
-        QTest::newRow("a day before") << QVariant(QStringLiteral("2010-12-31")) << true;
-        QTest::newRow("a day after") << QVariant(QStringLiteral("2012-01-01")) << true;
-        QTest::newRow("no date") << QVariant() << true;
-        QTest::newRow("empty text") << QVariant(QStringLiteral("")) << true;
-    }
+    // Each comparison with the fiscal year, and no date at all (the texts: findingsInTheOrderFound).
     void dates()
     {
-        QFETCH(QVariant, pvm);
-        QFETCH(bool, finding);
-        const int id = balanced(5);
-        QVERIFY(f->exec(QStringLiteral("UPDATE \"to\" SET toPvm = ? WHERE toID = ?"), { pvm, id }));
-        QCOMPARE(lines(),
-            finding ? QStringList { QStringLiteral("Tositteen no: 5 päivä ei kuulu tilikauteen.") }
-                    : QStringList());
+        const int id = f->addBalanced(f->addTosite(5), pankki, myynti);
+        for (const auto& [pvm, finding] : { std::pair(QVariant("2011-01-01"), false),
+                 std::pair(QVariant("2011-12-31"), false), std::pair(QVariant("2010-12-31"), true),
+                 std::pair(QVariant("2012-01-01"), true), std::pair(QVariant(), true) }) {
+            QVERIFY(f->exec(QStringLiteral("UPDATE \"to\" SET toPvm = ? WHERE toID = ?"), { pvm, id }));
+            QVERIFY2(lines().size() == (finding ? 1 : 0), qPrintable(pvm.toString()));
+        }
     }
 
-    void balanceUsesExactSums_data()
-    {
-        QTest::addColumn<QList<qint64>>("debet");
-        QTest::addColumn<QList<qint64>>("kredit");
-        QTest::addColumn<bool>("finding");
-        // 0,1 + 0,2 against 0,3 balances exactly, as floating point would not.
-        QTest::newRow("tenths") << QList<qint64> { 1000, 2000 } << QList<qint64> { 3000 } << false;
-        QTest::newRow("one ten-thousandth off") << QList<qint64> { 10001 } << QList<qint64> { 10000 } << true;
-        QTest::newRow("no entries") << QList<qint64> {} << QList<qint64> {} << false;
-    }
     void balanceUsesExactSums()
     {
-        QFETCH(QList<qint64>, debet);
-        QFETCH(QList<qint64>, kredit);
-        QFETCH(bool, finding);
         const int id = f->addTosite(1);
-        for (qint64 raw : debet)
-            f->addVienti(id, pankki, QStringLiteral("D"), raw);
-        for (qint64 raw : kredit)
-            f->addVienti(id, myynti, QStringLiteral("K"), raw);
-        QCOMPARE(lines(),
-            finding ? QStringList { QStringLiteral("Tositteen no: 1 debet ja kredit saldo ei täsmää.") }
-                    : QStringList());
+        const struct {
+            QList<qint64> debet, kredit;
+            bool finding;
+        } cases[] = {
+            { { 1000, 2000 }, { 3000 }, false }, // 0,1 + 0,2 against 0,3, as floating point would not
+            { { 10001 }, { 10000 }, true }, // one ten-thousandth off
+            { {}, {}, false },
+        };
+        for (const auto& c : cases) {
+            QVERIFY(f->exec(QStringLiteral("DELETE FROM vi")));
+            for (qint64 raw : c.debet)
+                f->addVienti(id, pankki, QStringLiteral("D"), raw);
+            for (qint64 raw : c.kredit)
+                f->addVienti(id, myynti, QStringLiteral("K"), raw);
+            QCOMPARE(lines().size(), c.finding ? 1 : 0);
+        }
     }
 
     void orphanEntriesGoWithoutAFinding()
     {
-        balanced(1);
-        const int gone = balanced(2);
+        f->addBalanced(f->addTosite(1), pankki, myynti);
+        const int gone = f->addBalanced(f->addTosite(2), pankki, myynti);
         QVERIFY(f->exec(QStringLiteral("DELETE FROM \"to\" WHERE toID = ?"), { gone }));
         // The previous year's orphans go as well.
         QVERIFY(f->exec(
@@ -118,20 +99,17 @@ private slots:
     {
         const int avaus = f->addTosite(0, QStringLiteral("A"), QStringLiteral("2011-01-01"));
         f->addVienti(avaus, pankki, QStringLiteral("D"), 100);
-        balanced(2, QStringLiteral("2012-02-01"), QStringLiteral("P"));
-        const int kolme = balanced(3);
+        f->addBalanced(f->addTosite(2, QStringLiteral("P"), QStringLiteral("2012-02-01")), pankki, myynti);
+        const int kolme = f->addBalanced(f->addTosite(3), pankki, myynti);
         f->addVienti(kolme, 0, QStringLiteral("D"), 0);
-        balanced(4, QStringLiteral("2010-05-05"));
-        const std::vector<cTositeTarkistusVirhe> virheet = cTositeTarkistus(f->db()).Tarkista();
-        QStringList got;
-        for (const auto& v : virheet)
-            got << v.rivi();
-        QCOMPARE(got,
+        f->addBalanced(f->addTosite(4, {}, QStringLiteral("2010-05-05")), pankki, myynti);
+        QCOMPARE(lines(),
             (QStringList {
                 QStringLiteral("Tarkista päätöstosite: Tositteen no: 2 päivä ei kuulu tilikauteen."),
                 QStringLiteral("Tositteen no: 4 päivä ei kuulu tilikauteen."),
                 QStringLiteral("Tarkista avaustosite: Tositteen no: 0 debet ja kredit saldo ei täsmää."),
                 QStringLiteral("Jokin tilivalinta puuttuu tositteelta no: 3.") }));
+        const std::vector<cTositeTarkistusVirhe> virheet = cTositeTarkistus(f->db()).Tarkista();
         QCOMPARE(virheet.back().ToId, kolme);
         QCOMPARE(virheet.front().Paiva, QDate(2012, 2, 1));
     }

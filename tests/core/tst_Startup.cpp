@@ -123,17 +123,15 @@ void tst_Startup::cleanOpenUpgradesOldestLayout()
 
 void tst_Startup::readOnly_data()
 {
-    QTest::addColumn<bool>("folder"); // the folder is read-only, else the file
-    QTest::addColumn<bool>("answerYes");
+    QTest::addColumn<bool>("folder"); // the folder is read-only, else the file, and Yes is answered
     QTest::addColumn<bool>("clearingWorks");
-    QTest::addColumn<bool>("readOnly"); // opened for reading only
     QTest::addColumn<QStringList>("shown");
     const QStringList asked { ReadOnlyInfo, ReadOnlyQuestion };
-    QTest::newRow("file, Yes: made writable") << false << true << true << false << asked;
+    QTest::newRow("file, Yes: made writable") << false << true << asked;
     QTest::newRow("file, Yes, but the flag stays: opened for reading")
-        << false << true << false << true << asked + QStringList { NotCleared };
+        << false << false << asked + QStringList { NotCleared };
     QTest::newRow("folder: opened for reading, nothing asked")
-        << true << false << true << true
+        << true << true
         << QStringList { "information: Tietokannan kansioon ei voi kirjoittaa, joten kirjanpito avataan vain "
                          "luettavaksi:\n%1" };
 }
@@ -141,10 +139,9 @@ void tst_Startup::readOnly_data()
 void tst_Startup::readOnly()
 {
     QFETCH(bool, folder);
-    QFETCH(bool, answerYes);
     QFETCH(bool, clearingWorks);
-    QFETCH(bool, readOnly);
     QFETCH(QStringList, shown);
+    const bool readOnly = folder || !clearingWorks;
     TestEnv env;
     ScriptedDialogs dialogs;
     const QString dir = env.path(QStringLiteral("jaettu"));
@@ -156,7 +153,7 @@ void tst_Startup::readOnly()
     if (!clearingWorks)
         FileOps::instance().makeWritable = [](const QString&) { return false; };
     if (!folder)
-        answerYes ? dialogs.answerYes() : dialogs.answerNo();
+        dialogs.answerYes();
 
     const Startup::Result r = runStartup();
     QFile::setPermissions(dir, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);

@@ -1,12 +1,8 @@
-// Power cuts in the middle of Vorkam's writes. For each operation a child process performs it
-// on a copy of the books and is killed with SIGKILL at a random moment inside the operation;
-// the books are then opened as Vorkam opens them and must pass the engine's integrity check and
-// hold exactly what they held before the operation or what they hold after it.
-//
-// A killed process is not yet a power cut: the kernel still writes what the process left in its
-// cache. With --cache the child runs with the pagecache library preloaded, and after the kill
-// every file and folder is put back as it was at its last flush, as a disk that kept nothing
-// unflushed would show it.
+// Power cuts in the middle of Vorkam's writes (README: "Power cuts"). For each operation a child
+// process performs it on a copy of the books and is killed at a random moment inside it; the
+// books must then open as Vorkam opens them, pass the integrity check and hold exactly what they
+// held before the operation or after it. With --cache the child runs with the pagecache library
+// preloaded, and after the kill every file and folder is put back as it was at its last flush.
 //
 //   vorkam_powercut [--trials N] [--operation NAME] [--seed S] [--cache]   runs the trials
 //   vorkam_powercut --child NAME WORLD                                     performs one operation
@@ -14,8 +10,6 @@
 // Exits non-zero when any trial finds the books damaged or in a third state.
 
 #include "accounts/cTili.h"
-#include "backup/Drives.h"
-#include "backup/StickBackup.h"
 #include "backup/StickRestore.h"
 #include "core/DBC.h"
 #include "core/DatabaseCommands.h"
@@ -25,9 +19,6 @@
 #include "core/Money.h"
 #include "core/Paths.h"
 #include "core/ProgramSettings.h"
-#include "core/Transaction.h"
-#include "statements/cMalli.h"
-#include "statements/cMalliRivi.h"
 #include "vouchers/VoucherEditor.h"
 #include "yearchange/FiscalYearChange.h"
 
@@ -38,6 +29,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QMap>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QSqlQuery>
@@ -53,20 +45,12 @@
 
 namespace {
 
-const QDate BackupDay(2024, 3, 12);
-
-// Where one trial's files lie: program folder, data folder with the books, ini, a folder that
-// pretends to be the backup stick and the backup folder of the reorganisation.
+// Where one trial's files lie: program folder, data folder with the books, ini and the backup
+// folder of the reorganisation.
 struct World {
     QString root;
     QString books() const { return root + QStringLiteral("/data/seura.mdb"); }
     QString data() const { return root + QStringLiteral("/data"); }
-    QString stick() const { return root + QStringLiteral("/tikku"); }
-    QString stickCopy() const
-    {
-        return stick() + QStringLiteral("/Vorkam/") + BackupDay.toString(QStringLiteral("yyyyMMdd"))
-            + QStringLiteral("/seura.mdb");
-    }
     // The copy the restore takes back; it holds other books than the data folder.
     QString restoreSource() const { return root + QStringLiteral("/palautus/Vorkam/20240101/seura.mdb"); }
 };
@@ -85,24 +69,6 @@ public:
     QString saveFileName(const QString&, const QString&, const QString&) override { return {}; }
     void beep() override { }
     void openUrl(const QUrl&) override { }
-};
-
-// One removable volume labelled as Vorkam's backup stick, at the world's stick folder.
-class WorldDrives final : public Drives {
-public:
-    explicit WorldDrives(const QString& folder)
-    {
-        m_stick.mountPoint = folder;
-        m_stick.label = QStringLiteral("KOPIOTIKKU");
-        m_stick.ready = true;
-        m_stick.removable = true;
-        m_stick.freeBytes = qint64(1) << 32;
-    }
-    bool supported() const override { return true; }
-    QList<Volume> volumes() const override { return { m_stick }; }
-
-private:
-    Volume m_stick;
 };
 
 void useWorld(const World& w)
@@ -127,12 +93,6 @@ QSqlDatabase openBooks(const World& w)
 // first has been read.
 using Ready = std::function<void()>;
 using Work = std::function<bool(const World&, const Ready& ready)>;
-
-struct Operation {
-    const char* name;
-    const char* caption; // Finnish, for the table
-    Work work;
-};
 
 bool saveVoucher(const World& w, const Ready& ready)
 {
@@ -172,28 +132,6 @@ bool saveAccount(const World& w, const Ready& ready)
     return true;
 }
 
-bool saveTemplate(const World& w, const Ready& ready)
-{
-    const QSqlDatabase db = openBooks(w);
-    ready();
-    Transaction t(db);
-    cMalli malli(db);
-    malli.setNimi(QStringLiteral("Katkostestin tuloslaskelma"));
-    malli.setTyyppi(cMalli::Tuloslaskelma);
-    malli.Save(true);
-    for (int i = 0; i < 12; ++i) {
-        auto rivi = malli.AddModelRow();
-        rivi->setMalliId(malli.id());
-        rivi->setTeksti(QStringLiteral("Rivi %1").arg(i + 1));
-        rivi->setTilit(QStringLiteral("%1,").arg(32 + i));
-        rivi->setSaldoPuoli(QStringLiteral("K"));
-        rivi->setGroupOrder(i + 1);
-        rivi->Save(true);
-    }
-    t.commitOrThrow();
-    return true;
-}
-
 bool yearChange(const World& w, const Ready& ready)
 {
     FiscalYearChange vaihto(openBooks(w));
@@ -201,10 +139,10 @@ bool yearChange(const World& w, const Ready& ready)
     return vaihto.suorita(2, true);
 }
 
-bool maintenance(const World& w, const Ready& ready, const QString& command)
+bool maintenance(const World& w, const Ready& ready)
 {
     YesDialogs& dialogs = static_cast<YesDialogs&>(Dialogs::instance());
-    dialogs.answer = command;
+    dialogs.answer = QStringLiteral("POISTA NYKYISET TOSITTEET");
     const QSqlDatabase db = openBooks(w);
     ready();
     DatabaseMaintenance::run(db);
@@ -218,19 +156,6 @@ bool reorganise(const World& w, const Ready& ready)
     return DatabaseCommands::backupAndReorganize();
 }
 
-bool stickBackup(const World& w, const Ready& ready)
-{
-    useWorld(w);
-    ready();
-    WorldDrives drives(w.stick());
-    Drives::install(&drives);
-    StickBackup backup(w.books());
-    backup.today = BackupDay;
-    const bool ok = backup.find() == StickBackup::Found::Ready && backup.copy().ok && backup.compact().ok;
-    Drives::install(nullptr);
-    return ok;
-}
-
 bool restore(const World& w, const Ready& ready)
 {
     useWorld(w);
@@ -238,39 +163,21 @@ bool restore(const World& w, const Ready& ready)
     return StickRestore::restore(w.restoreSource()) == StickRestore::Outcome::Restored;
 }
 
-const QList<Operation>& operations()
+// Each operation by the name --operation and the child know it by.
+const QMap<QString, Work>& operations()
 {
-    static const QList<Operation> list {
-        { "tosite", "Tositteen tallennus (10 vientiä)", saveVoucher },
-        { "poisto", "Tositteen poisto", deleteVoucher },
-        { "tili", "Tilin tallennus", saveAccount },
-        { "malli", "Mallin ja sen rivien tallennus", saveTemplate },
-        { "vaihto", "Tilikauden vaihto", yearChange },
-        { "huolto", "Muokkaa tietokantaa: POISTA NYKYISET TOSITTEET",
-            [](const World& w, const Ready& ready) {
-                return maintenance(w, ready, QStringLiteral("POISTA NYKYISET TOSITTEET"));
-            } },
-        { "jarjestely", "Varmuuskopiointi ja uudelleenjärjestely", reorganise },
-        { "tikku", "Tikkuvarmistus: kopio ja tiivistys", stickBackup },
-        { "palautus", "Palautus tikulta", restore },
-    };
+    static const QMap<QString, Work> list { { "tosite", saveVoucher }, { "poisto", deleteVoucher },
+        { "tili", saveAccount }, { "vaihto", yearChange }, { "huolto", maintenance },
+        { "jarjestely", reorganise }, { "palautus", restore } };
     return list;
-}
-
-const Operation* findOperation(const QString& name)
-{
-    for (const Operation& op : operations())
-        if (name == QLatin1String(op.name))
-            return &op;
-    return nullptr;
 }
 
 // The child: performs the operation, tells the parent when its writing begins and prints how
 // long the writing took in microseconds.
 int child(const QString& name, const QString& root)
 {
-    const Operation* op = findOperation(name);
-    if (!op)
+    const Work work = operations().value(name);
+    if (!work)
         return 2;
     YesDialogs dialogs;
     Dialogs::install(&dialogs);
@@ -284,7 +191,7 @@ int child(const QString& name, const QString& root)
     };
     bool ok = false;
     try {
-        ok = op->work(w, ready);
+        ok = work(w, ready);
     } catch (const std::exception& e) {
         std::fprintf(stderr, "%s\n", e.what());
     }
@@ -429,43 +336,40 @@ void loseUnflushed(const QString& root, const QString& log)
 }
 
 struct Tally {
-    int trials = 0;
+    int cut = 0; // killed before it finished
     int before = 0;
     int after = 0;
     int other = 0;
-    int cut = 0; // killed before it finished
-    qint64 micros = 0;
+    qint64 micros = 0; // how long the whole operation took
 };
 
-class Trials {
-public:
-    Trials(const QString& program, int trials, quint32 seed, bool cache)
-        : m_program(program)
-        , m_trials(trials)
-        , m_random(seed)
-        , m_cache(cache)
-    {
-    }
+struct Trials {
+    QString program;
+    int trials;
+    QRandomGenerator random;
+    bool cache;
+    QTemporaryDir dir {};
+    World base {};
+    QByteArray beforeDump {};
+    QByteArray beforeBytes {};
 
     // The world every trial starts from: the demo association as the books, a copy of other
     // books to restore, and whatever opening the books writes already written.
     bool prepare(const QString& demo)
     {
-        m_base = World { m_dir.path() + QStringLiteral("/alku") };
-        QDir().mkpath(m_base.data());
-        QDir().mkpath(m_base.stick());
-        QDir().mkpath(m_base.root + QStringLiteral("/bin"));
-        QDir().mkpath(m_base.root + QStringLiteral("/varmistus"));
-        QDir().mkpath(m_base.root + QStringLiteral("/config"));
-        QDir().mkpath(QFileInfo(m_base.restoreSource()).absolutePath());
-        if (!QFile::copy(demo, m_base.books()) || !QFile::copy(demo, m_base.restoreSource()))
-            return false;
-        QFile::setPermissions(m_base.books(), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-        QFile::setPermissions(m_base.restoreSource(), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-        bool ok = openBooks(m_base).isOpen();
+        base = World { dir.path() + QStringLiteral("/alku") };
+        for (const QString& folder :
+            { base.data(), base.root + QStringLiteral("/bin"), base.root + QStringLiteral("/varmistus"),
+                base.root + QStringLiteral("/config"), QFileInfo(base.restoreSource()).absolutePath() })
+            QDir().mkpath(folder);
+        for (const QString& books : { base.books(), base.restoreSource() })
+            if (!QFile::copy(demo, books)
+                || !QFile::setPermissions(books, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
+                return false;
+        bool ok = openBooks(base).isOpen();
         DBC::instance().SuljeDB();
         // The copy to restore differs from the books: its last vouchers are gone.
-        ProgramSettings::installation().Database = m_base.restoreSource();
+        ProgramSettings::installation().Database = base.restoreSource();
         {
             const QSqlDatabase other = DBC::instance().AvaaDB();
             ok = ok && other.isOpen()
@@ -476,22 +380,22 @@ public:
         }
         DBC::instance().SuljeDB();
         QString error;
-        m_beforeDump = canonicalDump(m_base.books(), &error);
-        m_beforeBytes = hashOf(m_base.books());
+        beforeDump = canonicalDump(base.books(), &error);
+        beforeBytes = hashOf(base.books());
         return ok && error.isEmpty();
     }
 
     // All trials of one operation; false when any found the books damaged or in a third state.
-    bool run(const Operation& op, Tally& tally)
+    bool run(const QString& name, Tally& tally)
     {
         QTextStream out(stdout);
         // The whole operation once, for the state after it and its duration.
-        const World finished = fresh(QStringLiteral("valmis-") + QLatin1String(op.name));
-        const QString log = m_dir.path() + QStringLiteral("/valimuisti.log");
+        const World finished = fresh(QStringLiteral("valmis-") + name);
+        const QString log = dir.path() + QStringLiteral("/valimuisti.log");
         QProcess p;
-        start(p, op, finished, log);
+        start(p, name, finished, log);
         if (!p.waitForFinished(600000) || p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0) {
-            out << op.name << ": toiminto ei onnistu: " << p.readAllStandardError() << Qt::endl;
+            out << name << ": toiminto ei onnistu: " << p.readAllStandardError() << Qt::endl;
             return false;
         }
         const QList<QByteArray> lines = p.readAllStandardOutput().split('\n');
@@ -499,7 +403,7 @@ public:
         QString error;
         const QByteArray afterDump = canonicalDump(finished.books(), &error);
         if (!error.isEmpty()) {
-            out << op.name << ": valmiit kirjat: " << error << Qt::endl;
+            out << name << ": valmiit kirjat: " << error << Qt::endl;
             return false;
         }
         QDir(finished.root).removeRecursively();
@@ -507,55 +411,53 @@ public:
         QDir(log + QStringLiteral(".d")).removeRecursively();
 
         bool ok = true;
-        for (int i = 0; i < m_trials; ++i) {
+        for (int i = 0; i < trials; ++i) {
             const World w = fresh(QStringLiteral("koe"));
             QProcess c;
-            start(c, op, w, log);
+            start(c, name, w, log);
             // The cut lands anywhere from the start of the operation to a little past its
             // measured end.
-            const qint64 delay = qint64(m_random.bounded(quint32(tally.micros * 11 / 10 + 1)));
+            const qint64 delay = qint64(random.bounded(quint32(tally.micros * 11 / 10 + 1)));
             bool ready = false;
             while (!ready && c.waitForReadyRead(60000))
                 ready = c.peek(2).startsWith('R');
             QThread::usleep(quint64(delay));
             c.kill();
             c.waitForFinished(60000);
-            ++tally.trials;
             if (c.exitStatus() == QProcess::CrashExit) {
                 ++tally.cut;
             } else if (c.exitCode() != 0) {
                 ++tally.other;
                 ok = false;
-                out << op.name << " koe " << i + 1
+                out << name << " koe " << i + 1
                     << ": toiminto päättyi virheeseen: " << c.readAllStandardError() << Qt::endl;
             }
-            if (m_cache)
+            if (cache)
                 loseUnflushed(w.root, log);
             QFile::remove(log);
             QDir(log + QStringLiteral(".d")).removeRecursively();
-            const QString verdict = check(w, afterDump, op, tally);
+            const QString verdict = check(w, afterDump, tally);
             if (!verdict.isEmpty()) {
                 ok = false;
-                out << op.name << " koe " << i + 1 << " (" << delay << " µs): " << verdict << Qt::endl;
+                out << name << " koe " << i + 1 << " (" << delay << " µs): " << verdict << Qt::endl;
             }
             QDir(w.root).removeRecursively();
         }
         return ok;
     }
 
-private:
     World fresh(const QString& name)
     {
-        const World w { QFileInfo(m_dir.path()).canonicalFilePath() + u'/' + name };
+        const World w { QFileInfo(dir.path()).canonicalFilePath() + u'/' + name };
         QDir(w.root).removeRecursively();
-        copyTree(m_base.root, w.root);
+        copyTree(base.root, w.root);
         return w;
     }
 
     // With a cache log, the child's changes are watched by the pagecache library.
-    void start(QProcess& p, const Operation& op, const World& w, const QString& cacheLog = QString())
+    void start(QProcess& p, const QString& name, const World& w, const QString& cacheLog = QString())
     {
-        if (m_cache && !cacheLog.isEmpty()) {
+        if (cache && !cacheLog.isEmpty()) {
             QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
             env.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(VORKAM_PAGECACHE));
             env.insert(QStringLiteral("VORKAM_CACHE_ROOT"), w.root);
@@ -566,12 +468,12 @@ private:
             p.setProcessEnvironment(env);
         }
         p.setProcessChannelMode(QProcess::SeparateChannels);
-        p.start(m_program, { QStringLiteral("--child"), QLatin1String(op.name), w.root });
+        p.start(program, { QStringLiteral("--child"), name, w.root });
         p.waitForStarted();
     }
 
     // Empty when the books are sound and either before or after; else what is wrong.
-    QString check(const World& w, const QByteArray& afterDump, const Operation& op, Tally& tally)
+    QString check(const World& w, const QByteArray& afterDump, Tally& tally)
     {
         const QByteArray bytes = hashOf(w.books());
         QString error;
@@ -580,17 +482,8 @@ private:
             ++tally.other;
             return error;
         }
-        // A copy on the stick is either absent or whole books.
-        if (QLatin1String(op.name) == u"tikku" && QFileInfo::exists(w.stickCopy())) {
-            const QByteArray copy = canonicalDump(w.stickCopy(), &error);
-            if (copy != m_beforeDump) {
-                ++tally.other;
-                return QStringLiteral("tikun kopio: ")
-                    + (error.isEmpty() ? QStringLiteral("eri sisältö") : error);
-            }
-        }
         // Compaction keeps every row: there the file itself tells whether it was replaced.
-        if (now == m_beforeDump && (afterDump != m_beforeDump || bytes == m_beforeBytes))
+        if (now == beforeDump && (afterDump != beforeDump || bytes == beforeBytes))
             ++tally.before;
         else if (now == afterDump)
             ++tally.after;
@@ -600,15 +493,6 @@ private:
         }
         return {};
     }
-
-    QString m_program;
-    int m_trials;
-    QRandomGenerator m_random;
-    bool m_cache;
-    QTemporaryDir m_dir;
-    World m_base;
-    QByteArray m_beforeDump;
-    QByteArray m_beforeBytes;
 };
 
 } // namespace
@@ -623,7 +507,7 @@ int main(int argc, char** argv)
     int trials = 20;
     quint32 seed = QRandomGenerator::global()->generate();
     QString only;
-    QString demo = QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb");
+    const QString demo = QStringLiteral(VORKAM_BIN_DIR "/demo1.mdb");
     const bool cache = args.contains(QStringLiteral("--cache"));
     for (int i = 1; i + 1 < args.size(); i += 2) {
         if (args[i] == u"--cache")
@@ -634,10 +518,8 @@ int main(int argc, char** argv)
             only = args[i + 1];
         else if (args[i] == u"--seed")
             seed = args[i + 1].toUInt();
-        else if (args[i] == u"--books")
-            demo = args[i + 1];
     }
-    if (!only.isEmpty() && !findOperation(only)) {
+    if (!only.isEmpty() && !operations().contains(only)) {
         std::fprintf(stderr, "Tuntematon toiminto: %s\n", qPrintable(only));
         return 2;
     }
@@ -645,23 +527,21 @@ int main(int argc, char** argv)
     QTextStream out(stdout);
     out << "siemen " << seed << ", " << trials << " koetta toimintoa kohden"
         << (cache ? ", välimuistin flushaamaton sisältö menetetään" : ", prosessi tapetaan") << Qt::endl;
-    Trials t(app.applicationFilePath(), trials, seed, cache);
+    Trials t { app.applicationFilePath(), trials, QRandomGenerator(seed), cache };
     if (!t.prepare(demo)) {
         out << "Lähtötilanteen kirjoja ei voitu tehdä: " << demo << Qt::endl;
         return 2;
     }
     bool ok = true;
-    out << "| Toiminto | Kesto (ms) | Kokeita | Katkaistu kesken | Ennen | Jälkeen | Muu "
-           "|\n|---|---|---|---|---|---|---|"
+    out << "| Toiminto | Kesto (ms) | Katkaistu kesken | Ennen | Jälkeen | Muu |\n|---|---|---|---|---|---|"
         << Qt::endl;
-    for (const Operation& op : operations()) {
-        if (!only.isEmpty() && only != QLatin1String(op.name))
+    for (const QString& name : operations().keys()) {
+        if (!only.isEmpty() && only != name)
             continue;
         Tally tally;
-        ok = t.run(op, tally) && ok;
-        out << "| " << op.caption << " | " << tally.micros / 1000 << " | " << tally.trials << " | "
-            << tally.cut << " | " << tally.before << " | " << tally.after << " | " << tally.other << " |"
-            << Qt::endl;
+        ok = t.run(name, tally) && ok;
+        out << "| " << name << " | " << tally.micros / 1000 << " | " << tally.cut << " | " << tally.before
+            << " | " << tally.after << " | " << tally.other << " |" << Qt::endl;
     }
     return ok ? 0 : 1;
 }

@@ -9,10 +9,8 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QSqlQuery>
 #include <QTableView>
-#include <QTableWidget>
 #include <QTest>
 #include <QTextBrowser>
 #include <QTimer>
@@ -247,28 +245,6 @@ private slots:
         QVERIFY(w.close());
         QCOMPARE(started.dialogs.texts(ScriptedDialogs::Kind::Error), QStringList());
         QCOMPARE(TestEnv::readFile(started.file), before);
-    }
-
-    void aboutWindowOpens()
-    {
-        TestEnv env;
-        frmMain w;
-        QString shown;
-        QStringList libraries;
-        onNextModal(w, [&](QWidget& dialog) {
-            shown = dialog.objectName();
-            // Each library with the version actually loaded.
-            const auto* table = dialog.findChild<QTableWidget*>(QStringLiteral("tKirjastot"));
-            for (int row = 0; table && row < table->rowCount(); ++row)
-                libraries << table->item(row, 0)->text() + u' ' + table->item(row, 1)->text();
-            dialog.close();
-        });
-        w.findChild<QAction*>(QStringLiteral("mTietoja"))->trigger();
-        QCOMPARE(shown, QStringLiteral("frmAbout"));
-        QVERIFY2(libraries.contains(QStringLiteral("Qt ") + QString::fromLatin1(qVersion())),
-            qPrintable(libraries.join(u',')));
-        QVERIFY2(libraries.filter(QRegularExpression(QStringLiteral("^SQLite 3\\.\\d+"))).size() == 1,
-            qPrintable(libraries.join(u',')));
     }
 
     void settingsChangeTheCaptionAtOnce()

@@ -239,10 +239,8 @@ void tst_Startup::firstStartOpensOwnDemoCopy()
     QCOMPARE(QDir(env.programDir()).entryList(QDir::Files | QDir::Hidden), QStringList { "demo1.mdb" });
     if (dataBlocked) {
         QVERIFY(!r.databaseOpen);
-        QVERIFY2(
-            dialogs.transcript().value(0).contains(QStringLiteral("Esimerkkiyhdistyksen kirjanpitoa ei voi "
-                                                                  "kopioida")),
-            qPrintable(dialogs.transcript().join(u'\n')));
+        QVERIFY(dialogs.transcript().value(0).contains(
+            QStringLiteral("Esimerkkiyhdistyksen kirjanpitoa ei voi kopioida")));
         return;
     }
     QCOMPARE(dialogs.transcript(), QStringList());
@@ -298,15 +296,16 @@ void tst_Startup::damagedFileIsRepaired()
 void tst_Startup::repairNotPutInPlace_data()
 {
     QTest::addColumn<QString>("damage");
-    QTest::addColumn<QStringList>("told"); // after the first message, each a part of one
+    QTest::addColumn<QString>("told"); // after the first message
     QTest::addColumn<QString>("obstacle"); // "OLD": an earlier repair's OLD file; "replace": no rename
-    QTest::newRow("the first 60 %: no voucher is left")
-        << "60" << QStringList { RepairFailed, "Tositteet: 401 / 0 – 401 riviä menetettiin" } << QString();
+    QTest::newRow("the first 60 %: no voucher is left") << "60" << RepairFailed << QString();
     QTest::newRow("an OLD file of an earlier repair")
-        << "voucher page" << QStringList { "plain: Vioittuneen tietokannan uudelleen nimeäminen ei onnistu." }
+        << "voucher page"
+        << "plain: Vioittuneen tietokannan uudelleen nimeäminen ei onnistu."
         << "OLD";
     QTest::newRow("the repaired file cannot take the books' name")
-        << "voucher page" << QStringList { "plain: Korjatun tietokannan uudelleen nimeäminen ei onnistu." }
+        << "voucher page"
+        << "plain: Korjatun tietokannan uudelleen nimeäminen ei onnistu."
         << "replace";
 }
 
@@ -315,7 +314,7 @@ void tst_Startup::repairNotPutInPlace_data()
 void tst_Startup::repairNotPutInPlace()
 {
     QFETCH(QString, damage);
-    QFETCH(QStringList, told);
+    QFETCH(QString, told);
     QFETCH(QString, obstacle);
     TestEnv env;
     ScriptedDialogs dialogs;
@@ -328,11 +327,7 @@ void tst_Startup::repairNotPutInPlace()
         FileOps::instance().replace = [](const QString&, const QString&) { return false; };
 
     const Startup::Result r = runStartup();
-    const QStringList shown = dialogs.transcript();
-    QCOMPARE(shown.size(), told.size() + 1);
-    QCOMPARE(shown.first(), Damaged);
-    for (qsizetype i = 0; i < told.size(); ++i)
-        QVERIFY2(shown.at(i + 1).contains(told.at(i)), qPrintable(shown.at(i + 1)));
+    QCOMPARE(dialogs.transcript().mid(0, 2), (QStringList { Damaged, told }));
     QVERIFY(!r.databaseOpen);
     QCOMPARE(TestEnv::readFile(file), bytes);
     // The repaired copy is left only when one was made; the OLD file is the earlier one or a copy.

@@ -46,28 +46,18 @@ void tst_ServiceMail::subjects_data()
 {
     QTest::addColumn<QString>("gecos");
     QTest::addColumn<QString>("association");
-    QTest::addColumn<QDate>("today");
     QTest::addColumn<QString>("subject");
-    const auto row
-        = [](const char* tag, const char* gecos, const char* association, QDate today, const char* subject) {
-              QTest::newRow(tag) << QString::fromUtf8(gecos) << QString::fromUtf8(association) << today
-                                 << QString::fromUtf8(subject);
-          };
-    row("real name, no association", "Anna Virtanen,Huone 5,,", " ", QDate(2024, 1, 5),
-        "Vorkam-Anna Virtanen:5.1.2024");
-    row("empty real name", " ,Huone 5,,", " Kuoro Kööri ry ", QDate(2025, 12, 31),
-        "Vorkam-anna:31.12.2025 Kuoro Kööri ry");
-    row("no GECOS", "", "Kuoro", QDate(2024, 10, 12), "Vorkam-anna:12.10.2024 Kuoro");
+    textRow("real name, no association", "Anna Virtanen,Huone 5,,", " ", "Vorkam-Anna Virtanen:5.1.2024");
+    textRow("no real name", " ,Huone 5,,", " Kuoro Kööri ry ", "Vorkam-anna:5.1.2024 Kuoro Kööri ry");
 }
 
 void tst_ServiceMail::subjects()
 {
     QFETCH(QString, gecos);
     QFETCH(QString, association);
-    QFETCH(QDate, today);
     QFETCH(QString, subject);
-    QCOMPARE(ServiceMail::subject(ServiceMail::userName(gecos, QStringLiteral("anna")), association, today),
-        subject);
+    const QString user = ServiceMail::userName(gecos, QStringLiteral("anna"));
+    QCOMPARE(ServiceMail::subject(user, association, QDate(2024, 1, 5)), subject);
 }
 
 void tst_ServiceMail::refusals_data()
@@ -76,30 +66,20 @@ void tst_ServiceMail::refusals_data()
     QTest::addColumn<QString>("receiver");
     QTest::addColumn<QString>("smtp");
     QTest::addColumn<QString>("message"); // empty: the mail may go
-    const auto row = [](const char* tag, const char* sender, const char* receiver, const char* smtp,
-                         const QString& message) {
-        QTest::newRow(tag) << QString::fromUtf8(sender) << QString::fromUtf8(receiver)
-                           << QString::fromUtf8(smtp) << message;
-    };
-    const QString noSender = QStringLiteral("Täytä vielä lähettäjän sähköpostiosoite.");
-    const QString noServer = QStringLiteral("Asetuksista puuttuu SMTP palvelimen nimi.");
-    row("empty sender before the server", "", "tuki@vorkam.fi", "", noSender);
-    row("server of blanks", "anna@kuoro.fi", "tuki@vorkam.fi", "   ", noServer);
-    row("server before a bad sender", "anna@", "tuki@vorkam.fi", "", noServer);
-    row("sender without domain", "a@", "tuki@vorkam.fi", "smtp.kuoro.fi",
-        QStringLiteral("Lähettäjän sähköpostiosoite \"a@\" ei kelpaa. Tarkista osoite."));
-    row("space inside sender", "anna virtanen@kuoro.fi", "tuki@vorkam.fi", "smtp.kuoro.fi",
-        QStringLiteral("Lähettäjän sähköpostiosoite \"anna virtanen@kuoro.fi\" ei kelpaa. Tarkista osoite."));
-    row("empty receiver", "anna@kuoro.fi", " ", "smtp.kuoro.fi",
-        QStringLiteral("Täytä vielä vastaanottajan sähköpostiosoite."));
-    row("two at signs", "anna@kuoro.fi", "tuki@@vorkam.fi", "smtp.kuoro.fi",
-        QStringLiteral("Vastaanottajan sähköpostiosoite \"tuki@@vorkam.fi\" ei kelpaa. Tarkista osoite."));
-    row("bad port", "anna@kuoro.fi", "tuki@vorkam.fi", "smtp.kuoro.fi:posti",
-        QStringLiteral(
-            "Asetusten SMTP palvelimen nimi \"smtp.kuoro.fi:posti\" ei kelpaa. Kirjoita se muodossa "
-            "palvelin tai palvelin:portti."));
-    row("all good, blanks around", " anna@kuoro.fi ", "tuki@vorkam.fi", " smtp.kuoro.fi ", QString());
-    row("Finnish letters", "äiti@kööri.fi", "tuki@localhost", "localhost:2525", QString());
+    textRow("empty sender before the server", "", "tuki@vorkam.fi", "",
+        "Täytä vielä lähettäjän sähköpostiosoite.");
+    textRow("server of blanks", "anna@kuoro.fi", "tuki@vorkam.fi", "   ",
+        "Asetuksista puuttuu SMTP palvelimen nimi.");
+    textRow("sender without domain", "a@", "tuki@vorkam.fi", "smtp.kuoro.fi",
+        "Lähettäjän sähköpostiosoite \"a@\" ei kelpaa. Tarkista osoite.");
+    textRow("empty receiver", "anna@kuoro.fi", " ", "smtp.kuoro.fi",
+        "Täytä vielä vastaanottajan sähköpostiosoite.");
+    textRow("two at signs", "anna@kuoro.fi", "tuki@@vorkam.fi", "smtp.kuoro.fi",
+        "Vastaanottajan sähköpostiosoite \"tuki@@vorkam.fi\" ei kelpaa. Tarkista osoite.");
+    textRow("bad port", "anna@kuoro.fi", "tuki@vorkam.fi", "smtp.kuoro.fi:posti",
+        "Asetusten SMTP palvelimen nimi \"smtp.kuoro.fi:posti\" ei kelpaa. Kirjoita se muodossa palvelin tai "
+        "palvelin:portti.");
+    textRow("Finnish letters, blanks around", " äiti@kööri.fi ", "tuki@localhost", " localhost:2525 ", "");
 }
 
 void tst_ServiceMail::refusals()
@@ -115,13 +95,11 @@ void tst_ServiceMail::servers_data()
 {
     QTest::addColumn<QString>("smtp");
     QTest::addColumn<QString>("url"); // empty: not a server
-    textRow("name only", "smtp.kuoro.fi", "smtp://smtp.kuoro.fi:25");
-    textRow("submission", " smtp.kuoro.fi:587 ", "smtp://smtp.kuoro.fi:587");
+    textRow("name only", " smtp.kuoro.fi ", "smtp://smtp.kuoro.fi:25");
     textRow("implicit TLS", "smtp.kuoro.fi:465", "smtps://smtp.kuoro.fi:465");
     textRow("IPv6", "[::1]:2525", "smtp://[::1]:2525");
     textRow("port too large", "smtp.kuoro.fi:65536", "");
     textRow("blank inside", "smtp kuoro.fi", "");
-    textRow("a URL", "smtp://smtp.kuoro.fi", "");
 }
 
 void tst_ServiceMail::servers()
@@ -135,33 +113,25 @@ void tst_ServiceMail::servers()
 void tst_ServiceMail::sendsTheFileAsAnAttachment_data()
 {
     QTest::addColumn<qint64>("size");
-    QTest::addColumn<QString>("fileName");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QStringList>("options"); // of the server: TLS and a login, or plain
-    const auto row
-        = [](const char* tag, qint64 size, const char* fileName, const char* text, const char* tls) {
-              const bool login = *tls; // a login only over TLS
-              QTest::newRow(tag) << size << QString::fromUtf8(fileName) << QString::fromUtf8(text)
-                                 << (login ? QStringList { "--tls", tls, "--login", "anna:salainen" }
-                                           : QStringList());
-          };
-    row("empty file, plain", 0, "tyhjä.mdb", "", "");
-    row("a megabyte, STARTTLS and a login", 1000003, "kööri.mdb",
-        "Hyvää päivää,\n.\n. piste rivin alussa\r\nÅke & Öhman <tuki>\n", "starttls");
-    row("50 MB book, implicit TLS and a login", 50000000, "seura.mdb", "Hei", "implicit");
+    QTest::addColumn<QString>("tls"); // with a login; empty: plain, without
+    QTest::newRow("empty file, plain") << qint64(0) << QString();
+    QTest::newRow("a megabyte, STARTTLS") << qint64(1000003) << QStringLiteral("starttls");
+    QTest::newRow("50 MB book, implicit TLS") << qint64(50000000) << QStringLiteral("implicit");
 }
 
+// The file arrives byte for byte with its name, and the text line for line, dots at the start of
+// a line included.
 void tst_ServiceMail::sendsTheFileAsAnAttachment()
 {
     QFETCH(qint64, size);
-    QFETCH(QString, fileName);
-    QFETCH(QString, text);
-    QFETCH(QStringList, options);
-    LocalSmtp smtp(options);
-    if (!smtp.running())
+    QFETCH(QString, tls);
+    const QString login = tls.isEmpty() ? QString() : QStringLiteral("anna");
+    LocalSmtp smtp(
+        login.isEmpty() ? QStringList() : QStringList { "--tls", tls, "--login", "anna:salainen" });
+    if (!smtp.port)
         QSKIP(qPrintable(smtp.skipReason));
     QTemporaryDir dir;
-    const QString file = dir.filePath(fileName);
+    const QString file = dir.filePath(QStringLiteral("kööri.mdb"));
     const QByteArray bytes = sample(size);
     QVERIFY(TestEnv::writeFile(file, bytes));
 
@@ -172,67 +142,61 @@ void tst_ServiceMail::sendsTheFileAsAnAttachment()
     const QString subject = ServiceMail::subject(QStringLiteral("äijälä"),
         QStringLiteral("Laulukuoro Kööri ry, jonka nimi jakaa otsikon usealle riville: åäö ÅÄÖ €"),
         QDate(2024, 2, 1));
-    mailer.send({ smtp.server(), QStringLiteral("anna@kuoro.fi"), QStringLiteral("tuki@vorkam.fi"), subject,
-        text, file, options.isEmpty() ? "" : "anna", options.isEmpty() ? "" : "salainen" });
+    const QString text = QStringLiteral("Hyvää päivää,\n.\n. piste rivin alussa\r\nÅke & Öhman <tuki>\n");
+    mailer.send({ smtp.server, QStringLiteral("anna@kuoro.fi"), QStringLiteral("tuki@vorkam.fi"), subject,
+        text, file, login, login.isEmpty() ? QString() : QStringLiteral("salainen") });
     QTRY_VERIFY_WITH_TIMEOUT(!mailer.busy(), 60000);
     QVERIFY2(completed.size() == 1, qPrintable(mailer.failure().reason));
     const QJsonObject received = smtp.message(1);
     QCOMPARE(received["from"].toString(), QStringLiteral("anna@kuoro.fi"));
     QCOMPARE(received["to"].toString(), QStringLiteral("tuki@vorkam.fi"));
     QCOMPARE(received["subject"].toString(), subject);
-    const auto lines = [](QString t) { return t.replace(QStringLiteral("\r\n"), QStringLiteral("\n")); };
-    QCOMPARE(lines(received["text"].toString()), lines(text));
-    QCOMPARE(received["attachments"].toInt(), 1);
-    QCOMPARE(received["filename"].toString(), fileName);
+    QCOMPARE(received["text"].toString().replace(QStringLiteral("\r\n"), QStringLiteral("\n")),
+        QStringLiteral("Hyvää päivää,\n.\n. piste rivin alussa\nÅke & Öhman <tuki>\n"));
+    QCOMPARE(received["filename"].toString(), QStringLiteral("kööri.mdb"));
     QVERIFY(TestEnv::readFile(received["file"].toString()) == bytes);
-
     // The progress rises to the file's size and never falls back.
     QVERIFY(!progress.isEmpty());
     QCOMPARE(progress.last(), (QVariantList { size, size }));
     for (qsizetype i = 1; i < progress.size(); ++i)
         QVERIFY(progress.at(i).at(0).toLongLong() >= progress.at(i - 1).at(0).toLongLong());
-    if (size > 100000)
-        QVERIFY(progress.size() > 10);
 }
 
 void tst_ServiceMail::failures_data()
 {
-    QTest::addColumn<QStringList>("options"); // of the server
+    QTest::addColumn<QString>("options"); // of the server
     QTest::addColumn<QString>("login"); // user:password sent; empty for none
     QTest::addColumn<QString>("reason"); // a part of curl's words
     QTest::addColumn<QString>("advice");
     QTest::addColumn<bool>("loginNeeded");
-    const auto row = [](const char* tag, const QStringList& options, const char* login, const char* reason,
-                         const char* advice, bool loginNeeded) {
-        QTest::newRow(tag) << options << QString::fromUtf8(login) << QString::fromUtf8(reason)
-                           << QString::fromUtf8(advice) << loginNeeded;
+    const auto row = [](const char* tag, const QString& options, const QString& login, const QString& reason,
+                         const QString& advice, bool loginNeeded = false) {
+        QTest::newRow(tag) << options << login << reason << advice << loginNeeded;
     };
-    const QStringList tls { "--tls", "starttls", "--login", "anna:salainen" };
-    row("refused recipient", { "--refuse", "tuki@vorkam.fi" }, "", "550", "Palvelin ei hyväksynyt osoitetta.",
-        false);
-    row("closed port", { "--closed" }, "", "onnect", "Palvelimeen 127.0.0.1 (portti %1) ei saatu yhteyttä.",
-        false);
-    row("no answer", { "--stall" }, "", "", "Palvelin ei vastannut 1 sekunnissa.", false);
-    row("login demanded", { "--login", "anna:salainen" }, "", "530",
+    const QString tls = QStringLiteral("--tls starttls --login anna:salainen");
+    row("refused recipient", "--refuse tuki@vorkam.fi", "", "550", "Palvelin ei hyväksynyt osoitetta.");
+    row("closed port", "--closed", "", "onnect", "Palvelimeen 127.0.0.1 (portti %1) ei saatu yhteyttä.");
+    row("no answer", "--stall", "", "", "Palvelin ei vastannut 1 sekunnissa.");
+    row("login demanded", "--login anna:salainen", "", "530",
         "Palvelin vaatii käyttäjätunnuksen ja salasanan.", true);
     row("login refused", tls, "anna:väärä", "",
         "Palvelin ilmoitti, että käyttäjätunnus tai salasana on väärä. Tarkista ne ja lähetä uudelleen.",
         true);
-    row("certificate not trusted", tls + QStringList { "--untrusted" }, "anna:salainen", "certificate",
+    row("certificate not trusted", tls + " --untrusted", "anna:salainen", "certificate",
         "Palvelimen 127.0.0.1 varmennetta ei voitu todentaa, joten yhteys ei ole luotettava. Tarkista SMTP "
-        "palvelimen nimi asetuksista.",
-        false);
+        "palvelimen nimi asetuksista.");
 }
 
+// A failed send tells curl's reason and Vorkam's advice, and nothing arrives.
 void tst_ServiceMail::failures()
 {
-    QFETCH(QStringList, options);
+    QFETCH(QString, options);
     QFETCH(QString, login);
     QFETCH(QString, reason);
     QFETCH(QString, advice);
     QFETCH(bool, loginNeeded);
-    LocalSmtp smtp(options);
-    if (!smtp.running())
+    LocalSmtp smtp(options.split(u' '));
+    if (!smtp.port)
         QSKIP(qPrintable(smtp.skipReason));
     QTemporaryDir dir;
     const QString file = dir.filePath(QStringLiteral("seura.mdb"));
@@ -241,28 +205,25 @@ void tst_ServiceMail::failures()
     ServiceMailer mailer;
     mailer.setTimeout(1);
     mailer.setTrustedCertificates(smtp.certificate);
-    QSignalSpy completed(&mailer, &ServiceMailer::SendCompletedSuccessfully);
     QSignalSpy failed(&mailer, &ServiceMailer::SendFailed);
-    mailer.send({ smtp.server(), QStringLiteral("anna@kuoro.fi"), QStringLiteral("tuki@vorkam.fi"),
+    mailer.send({ smtp.server, QStringLiteral("anna@kuoro.fi"), QStringLiteral("tuki@vorkam.fi"),
         QStringLiteral("Vorkam-anna:1.2.2024"), QStringLiteral("Hei"), file, login.section(u':', 0, 0),
         login.section(u':', 1) });
     QTRY_VERIFY_WITH_TIMEOUT(!mailer.busy(), 20000);
-    QCOMPARE(completed.size(), 0);
     QCOMPARE(failed.size(), 1);
     const ServiceMailer::Failure& failure = mailer.failure();
-    QCOMPARE(failed.first().first().toString(), failure.reason);
     QVERIFY2(failure.reason.contains(reason), qPrintable(failure.reason));
     QCOMPARE(failure.advice, advice.contains(u'%') ? advice.arg(smtp.port) : advice);
     QCOMPARE(failure.loginNeeded, loginNeeded);
-    QCOMPARE(smtp.count(), 0);
+    QVERIFY(smtp.message(1, 0).isEmpty());
 }
 
-// A 50 MB book over STARTTLS, cancelled while it goes: what waits for the server's last answer
-// is the window's test.
+// A 50 MB book over STARTTLS, cancelled while it goes, stops at once and reports nothing: what
+// waits for the server's last answer is the window's test.
 void tst_ServiceMail::cancelMidTransferStopsAtOnceAndReportsNothing()
 {
     LocalSmtp smtp({ QStringLiteral("--tls"), QStringLiteral("starttls") });
-    if (!smtp.running())
+    if (!smtp.port)
         QSKIP(qPrintable(smtp.skipReason));
     QTemporaryDir dir;
     const QString file = dir.filePath(QStringLiteral("seura.mdb"));
@@ -273,7 +234,7 @@ void tst_ServiceMail::cancelMidTransferStopsAtOnceAndReportsNothing()
     QSignalSpy progress(&mailer, &ServiceMailer::SendProgress);
     QSignalSpy completed(&mailer, &ServiceMailer::SendCompletedSuccessfully);
     QSignalSpy failed(&mailer, &ServiceMailer::SendFailed);
-    mailer.send({ smtp.server(), QStringLiteral("anna@kuoro.fi"), QStringLiteral("tuki@vorkam.fi"),
+    mailer.send({ smtp.server, QStringLiteral("anna@kuoro.fi"), QStringLiteral("tuki@vorkam.fi"),
         QStringLiteral("Vorkam-anna:1.2.2024"), QString(), file, QString(), QString() });
     QTRY_VERIFY_WITH_TIMEOUT(!progress.isEmpty(), 10000);
     QVERIFY(progress.last().at(0).toLongLong() < size);
@@ -282,11 +243,8 @@ void tst_ServiceMail::cancelMidTransferStopsAtOnceAndReportsNothing()
     mailer.cancel();
     QVERIFY2(clock.elapsed() < 500, qPrintable(QString::number(clock.elapsed())));
     QVERIFY(!mailer.busy());
-    const qsizetype progressSeen = progress.size();
     QVERIFY(smtp.message(1, 1000).isEmpty());
-    QCOMPARE(progress.size(), progressSeen);
-    QCOMPARE(completed.size(), 0);
-    QCOMPARE(failed.size(), 0);
+    QCOMPARE(completed.size() + failed.size(), 0);
 }
 
 void tst_ServiceMail::snapshotIsTheBooksAndGoesAway()

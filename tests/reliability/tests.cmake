@@ -13,7 +13,7 @@ target_compile_definitions(vorkam_powercut PRIVATE VORKAM_BIN_DIR="${VORKAM_BIN_
   VORKAM_PAGECACHE="$<TARGET_FILE:vorkam_pagecache>")
 set_target_properties(vorkam_powercut PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
 add_dependencies(vorkam_powercut vorkam_data vorkam_pagecache)
-foreach(op tosite poisto tili vaihto huolto jarjestely palautus)
+foreach(op tosite poisto tili vaihto jarjestely palautus)
   foreach(mode kill cache)
     set(flags)
     if(mode STREQUAL cache)

@@ -14,7 +14,6 @@
 #include "core/DBC.h"
 #include "core/DatabaseCommands.h"
 #include "core/DatabaseFile.h"
-#include "core/DatabaseMaintenance.h"
 #include "core/Dialogs.h"
 #include "core/Money.h"
 #include "core/Paths.h"
@@ -23,7 +22,6 @@
 #include "yearchange/FiscalYearChange.h"
 
 #include <QCoreApplication>
-#include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
 #include <QElapsedTimer>
@@ -55,16 +53,15 @@ struct World {
     QString restoreSource() const { return root + QStringLiteral("/palautus/Vorkam/20240101/seura.mdb"); }
 };
 
-// Answers yes to every question and gives `answer` to an input box.
+// Answers yes to every question and records what is shown.
 class YesDialogs final : public Dialogs {
 public:
-    QString answer;
     QStringList shown;
     void information(const QString& text) override { shown << text; }
     void plain(const QString& text) override { shown << text; }
     void error(const QString& text) override { shown << QStringLiteral("virhe: ") + text; }
     bool question(const QString&) override { return true; }
-    std::optional<QString> input(const QString&, const QString&) override { return answer; }
+    std::optional<QString> input(const QString&, const QString&) override { return {}; }
     QString openFileName(const QString&, const QString&, const QString&) override { return {}; }
     QString saveFileName(const QString&, const QString&, const QString&) override { return {}; }
     void beep() override { }
@@ -139,16 +136,6 @@ bool yearChange(const World& w, const Ready& ready)
     return vaihto.suorita(2, true);
 }
 
-bool maintenance(const World& w, const Ready& ready)
-{
-    YesDialogs& dialogs = static_cast<YesDialogs&>(Dialogs::instance());
-    dialogs.answer = QStringLiteral("POISTA NYKYISET TOSITTEET");
-    const QSqlDatabase db = openBooks(w);
-    ready();
-    DatabaseMaintenance::run(db);
-    return !dialogs.shown.isEmpty() && !dialogs.shown.last().startsWith(QStringLiteral("virhe"));
-}
-
 bool reorganise(const World& w, const Ready& ready)
 {
     useWorld(w);
@@ -167,8 +154,8 @@ bool restore(const World& w, const Ready& ready)
 const QMap<QString, Work>& operations()
 {
     static const QMap<QString, Work> list { { "tosite", saveVoucher }, { "poisto", deleteVoucher },
-        { "tili", saveAccount }, { "vaihto", yearChange }, { "huolto", maintenance },
-        { "jarjestely", reorganise }, { "palautus", restore } };
+        { "tili", saveAccount }, { "vaihto", yearChange }, { "jarjestely", reorganise },
+        { "palautus", restore } };
     return list;
 }
 
@@ -230,15 +217,13 @@ QByteArray canonicalDump(const QString& file, QString* error)
         } else {
             for (const char* table : tables) {
                 QStringList rows;
-                if (!q.exec(QStringLiteral("SELECT * FROM \"%1\"").arg(QLatin1String(table)))) {
+                if (!q.exec(QStringLiteral("SELECT * FROM \"%1\"").arg(QLatin1String(table))))
                     rows << QStringLiteral("(puuttuu)");
-                } else {
-                    while (q.next()) {
-                        QStringList cells;
-                        for (int i = 0; i < q.record().count(); ++i)
-                            cells << (q.isNull(i) ? QStringLiteral("NULL") : q.value(i).toString());
-                        rows << cells.join(u'|');
-                    }
+                while (q.next()) {
+                    QStringList cells;
+                    for (int i = 0; i < q.record().count(); ++i)
+                        cells << (q.isNull(i) ? QStringLiteral("NULL") : q.value(i).toString());
+                    rows << cells.join(u'|');
                 }
                 rows.sort();
                 dump += QByteArray(table) + '\n' + rows.join(u'\n').toUtf8() + '\n';
@@ -249,13 +234,10 @@ QByteArray canonicalDump(const QString& file, QString* error)
     return error->isEmpty() ? dump : QByteArray();
 }
 
-QByteArray hashOf(const QString& file)
+QByteArray bytesOf(const QString& file)
 {
     QFile f(file);
-    QCryptographicHash h(QCryptographicHash::Sha256);
-    if (f.open(QIODevice::ReadOnly))
-        h.addData(&f);
-    return h.result();
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 bool copyTree(const QString& from, const QString& to)
@@ -381,7 +363,7 @@ struct Trials {
         DBC::instance().SuljeDB();
         QString error;
         beforeDump = canonicalDump(base.books(), &error);
-        beforeBytes = hashOf(base.books());
+        beforeBytes = bytesOf(base.books());
         return ok && error.isEmpty();
     }
 
@@ -407,8 +389,6 @@ struct Trials {
             return false;
         }
         QDir(finished.root).removeRecursively();
-        QFile::remove(log);
-        QDir(log + QStringLiteral(".d")).removeRecursively();
 
         bool ok = true;
         for (int i = 0; i < trials; ++i) {
@@ -434,8 +414,6 @@ struct Trials {
             }
             if (cache)
                 loseUnflushed(w.root, log);
-            QFile::remove(log);
-            QDir(log + QStringLiteral(".d")).removeRecursively();
             const QString verdict = check(w, afterDump, tally);
             if (!verdict.isEmpty()) {
                 ok = false;
@@ -454,10 +432,13 @@ struct Trials {
         return w;
     }
 
-    // With a cache log, the child's changes are watched by the pagecache library.
-    void start(QProcess& p, const QString& name, const World& w, const QString& cacheLog = QString())
+    // With --cache, the child's changes are watched by the pagecache library and logged afresh in
+    // `cacheLog`.
+    void start(QProcess& p, const QString& name, const World& w, const QString& cacheLog)
     {
-        if (cache && !cacheLog.isEmpty()) {
+        QFile::remove(cacheLog);
+        QDir(cacheLog + QStringLiteral(".d")).removeRecursively();
+        if (cache) {
             QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
             env.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(VORKAM_PAGECACHE));
             env.insert(QStringLiteral("VORKAM_CACHE_ROOT"), w.root);
@@ -467,7 +448,6 @@ struct Trials {
                 env.value(QStringLiteral("ASAN_OPTIONS")) + QStringLiteral(":verify_asan_link_order=0"));
             p.setProcessEnvironment(env);
         }
-        p.setProcessChannelMode(QProcess::SeparateChannels);
         p.start(program, { QStringLiteral("--child"), name, w.root });
         p.waitForStarted();
     }
@@ -475,7 +455,7 @@ struct Trials {
     // Empty when the books are sound and either before or after; else what is wrong.
     QString check(const World& w, const QByteArray& afterDump, Tally& tally)
     {
-        const QByteArray bytes = hashOf(w.books());
+        const QByteArray bytes = bytesOf(w.books());
         QString error;
         const QByteArray now = canonicalDump(w.books(), &error);
         if (!error.isEmpty()) {

@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QRegularExpression>
+#include <QSet>
 #include <QTest>
 #include <memory>
 
@@ -32,23 +33,20 @@ void smallBooks()
     StatementFixture::malli(1, QStringLiteral("Tuloslaskelma"), 1);
     StatementFixture::malli(2, QStringLiteral("Tase"), 2, 1);
     using R = StatementFixture::Row;
-    for (const R& r : { R { .id = 10, .ma = 1, .teksti = "Varsinainen toiminta" },
-             R { .id = 11, .ma = 1, .teksti = "Tuotot", .parent = 10, .tilit = "3,", .turnover = true },
-             R { .id = 12, .ma = 1, .teksti = "Kulut", .parent = 10, .tilit = "4," },
-             R { .id = 13, .ma = 1, .teksti = "Tilikauden tulos", .kaava = "+10,", .equation = true },
-             R { .id = 14, .ma = 1, .teksti = "Tilikauden ylijäämä", .tilit = "5,", .profit = true },
-             R { .id = 20, .ma = 2, .teksti = "Vastaavaa", .side = "D" },
-             R { .id = 21,
-                 .ma = 2,
-                 .teksti = "Rahat ja pankkisaamiset",
-                 .parent = 20,
-                 .tilit = "1,",
-                 .side = "D" },
-             R { .id = 22, .ma = 2, .teksti = "Vastattavaa" },
-             R { .id = 23, .ma = 2, .teksti = "Oma pääoma", .parent = 22 },
-             R { .id = 24, .ma = 2, .teksti = "Peruspääoma", .parent = 23, .tilit = "2," },
-             R { .id = 25, .ma = 2, .teksti = "Tilikauden ylijäämä", .parent = 23, .tilit = "6," } })
+    // The balance sheet's rows are those from 20 up.
+    for (R r : { R { .id = 10, .teksti = "Varsinainen toiminta" },
+             R { .id = 11, .teksti = "Tuotot", .parent = 10, .tilit = "3,", .turnover = true },
+             R { .id = 12, .teksti = "Kulut", .parent = 10, .tilit = "4," },
+             R { .id = 13, .teksti = "Tilikauden tulos", .kaava = "+10,", .equation = true },
+             R { .id = 14, .teksti = "Tilikauden ylijäämä", .tilit = "5,", .profit = true },
+             R { .id = 20, .teksti = "Vastaavaa", .side = "D" },
+             R { .id = 21, .teksti = "Rahat ja pankkisaamiset", .parent = 20, .tilit = "1,", .side = "D" },
+             R { .id = 22, .teksti = "Vastattavaa" }, R { .id = 23, .teksti = "Oma pääoma", .parent = 22 },
+             R { .id = 24, .teksti = "Peruspääoma", .parent = 23, .tilit = "2," },
+             R { .id = 25, .teksti = "Tilikauden ylijäämä", .parent = 23, .tilit = "6," } }) {
+        r.ma = r.id < 20 ? 1 : 2;
         StatementFixture::row(r);
+    }
     StatementFixture::post(QStringLiteral("2012-01-01"), 1, 2, 100000, false, true);
     StatementFixture::post(QStringLiteral("2012-03-15"), 1, 3, 50000);
     StatementFixture::post(QStringLiteral("2012-04-10"), 4, 1, 12050);
@@ -58,10 +56,12 @@ void smallBooks()
     StatementFixture::post(QStringLiteral("2011-05-02"), 4, 1, 45000, true);
 }
 
-// The statement of the template computed and printed as of 1 June 2012.
-std::unique_ptr<ReportDocument> print(
-    int templateId, int kind, bool wide, const QDate& start, const QDate& end)
+// The statement of the first template of the kind computed and printed as of 1 June 2012.
+std::unique_ptr<ReportDocument> print(int kind, bool wide, const QDate& start, const QDate& end)
 {
+    const int templateId
+        = StatementFixture::value(QStringLiteral("SELECT MIN(maID) FROM ma WHERE maTyyppi = ?"), { kind })
+              .toInt();
     if (!Statements::compute(StatementFixture::db(), StatementOptions::forPeriod(templateId, start, end)))
         return nullptr;
     ReportJob job = StatementPrint::job(kind, wide, start, end, ProgramSettings::bookkeeping());
@@ -125,51 +125,34 @@ private slots:
         QFETCH(bool, wide);
         QFETCH(bool, demo);
         QFETCH(QString, golden);
-        QString printed;
         if (demo) {
             DBC::instance().SuljeDB();
             QVERIFY(StatementFixture::openShipped(f->env, QStringLiteral("demo1.mdb")));
-            const BookkeepingSettings& s = ProgramSettings::bookkeeping();
-            const QVariant id = StatementFixture::value(
-                QStringLiteral("SELECT MIN(maID) FROM ma WHERE maTyyppi = ?"), { kind });
-            const auto d = print(id.toInt(), kind, wide, s.TilikausiAlku, s.TilikausiLoppu);
-            QVERIFY(d);
-            printed = yearsAsLetters(text(*d), s.TilikausiAlku.year());
         } else {
             smallBooks();
-            const auto d = print(kind, kind, wide, QDate(2012, 3, 1), QDate(2012, 5, 31));
-            QVERIFY(d);
-            printed = text(*d);
         }
-        VERIFY_GOLDEN(golden, printed);
+        const BookkeepingSettings& s = ProgramSettings::bookkeeping();
+        const QDate start = demo ? s.TilikausiAlku : QDate(2012, 3, 1);
+        const auto d = print(kind, wide, start, demo ? s.TilikausiLoppu : QDate(2012, 5, 31));
+        QVERIFY(d);
+        VERIFY_GOLDEN(golden, demo ? yearsAsLetters(text(*d), start.year()) : text(*d));
     }
 
-    // The report's rules: totals in bold with a rule above their amounts, captions indented by
-    // level, headings in bold, negative amounts with a minus sign.
+    // Headings and totals print in bold and other lines do not; the golden printouts hold the rest
+    // of the layout.
     void emphasis()
     {
         smallBooks();
-        const auto d = print(1, 1, false, QDate(2012, 3, 1), QDate(2012, 5, 31));
+        const auto d = print(1, false, QDate(2012, 3, 1), QDate(2012, 5, 31));
         QVERIFY(d);
         const ReportPage page = d->page(0);
-        const auto run = [&](const QString& text) -> const TextRun* {
-            for (const TextRun& r : page.runs)
-                if (page.runText(r) == text)
-                    return &r;
-            return nullptr;
-        };
-        const TextRun* heading = run(QStringLiteral("Varsinainen toiminta"));
-        const TextRun* detail = run(QStringLiteral("Tuotot"));
-        const TextRun* expense = run(QStringLiteral("-120,50"));
-        const TextRun* total = run(QStringLiteral("379,50"));
-        QVERIFY(heading && detail && expense && total);
-        QVERIFY(d->fonts()[heading->font].bold);
-        QVERIFY(!d->fonts()[detail->font].bold);
-        QVERIFY(!d->fonts()[expense->font].bold);
-        QVERIFY(d->fonts()[total->font].bold);
-        QCOMPARE(detail->x - heading->x, 10.0f);
-        QVERIFY(std::any_of(page.rules.begin(), page.rules.end(),
-            [&](const PageRule& r) { return r.y1 < total->y && r.y1 > total->y - 14 && r.x2 >= total->x; }));
+        QSet<QString> bold;
+        for (const TextRun& r : page.runs)
+            if (d->fonts()[r.font].bold)
+                bold << page.runText(r);
+        QVERIFY(bold.contains(QStringLiteral("Varsinainen toiminta")));
+        QVERIFY(bold.contains(QStringLiteral("379,50")));
+        QVERIFY(!bold.contains(QStringLiteral("Tuotot")));
     }
 };
 

@@ -5,11 +5,7 @@
 #include "core/Schema.h"
 
 #include <QFile>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QTest>
-
-#include <algorithm>
 
 namespace {
 
@@ -70,63 +66,26 @@ void tst_Models::brokenCopyIsFound_data()
         QTest::newRow(tag) << QString::fromUtf8(name) << QString::fromUtf8(sql) << QString::fromUtf8(finding);
     };
 
-    // One breakage for each rule of the checks, so that none of them passes by reading nothing.
-    row("number of five digits", "perusmalli", "UPDATE tl SET tlNumero = 19150 WHERE tlNumero = 1915",
-        "ei ole nelinumeroinen");
-    row("name begins with a digit", "lions", "UPDATE tl SET tlNimi = '1. lahjoitus' WHERE tlNumero = 4500",
-        "ei ala kirjaimella");
-    row("setting missing", "lions", "DELETE FROM Settings WHERE setKey = 'Seurannimi'",
-        "Asetus Seurannimi on 0 kertaa");
+    // One breakage for each kind of rule (every book, models, demo, main rows, the templates' link,
+    // the program's template checks), so that none of them passes by reading nothing.
     row("fiscal year of another year", "aoymalli",
         "UPDATE Settings SET setString = '1.1.2000' WHERE setKey = 'TilikausiAlku'",
         "TilikausiAlku on \"1.1.2000\"");
-    row("bank setting on an expense account", "metalli",
-        "UPDATE Settings SET setString = (SELECT tlID FROM tl WHERE tlNumero = 4200) WHERE setKey = "
-        "'LaskettavaTili'",
-        "ei ole pankkitili");
-    row("one profit account for both", "lions",
-        "UPDATE Settings SET setString = (SELECT tlID FROM tl WHERE tlNumero = 9990) WHERE setKey = "
-        "'VoittoTaseella'",
-        "VoittoTaseella");
-    row("work table filled", "lions", "INSERT INTO tula (tulaTeksti) VALUES ('Jäänne')", "Työtaulussa tula");
-    row("voucher in a model", "metalli",
-        "INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (1, '2000-01-01', 'Tosite')", "Mallissa on");
-    row("row deleted", "perusmalli", "DELETE FROM mr WHERE mrTeksti = 'Saamiset'",
-        "Kaikki tilit eivät ole käytössä.");
-    row("income account in the balance sheet", "metalli",
-        "UPDATE mr SET mrTilit = mrTilit || (SELECT tlID FROM tl WHERE tlNumero = 5000) || ',' "
-        "WHERE mrTeksti = 'Saamiset'",
-        "kuuluu tuloslaskelmaan");
     row("row names a missing account", "perusmalli",
         "UPDATE mr SET mrTilit = mrTilit || '9999,' WHERE mrTeksti = 'Saamiset'", "tili 9999, jota ei ole");
-    row("account list malformed", "aoymalli",
-        "UPDATE mr SET mrTilit = '35;36,37,' WHERE mrTeksti = 'Vastikkeet'", "ei ole muotoa \"id,id,\"");
-    row("balance sheet without its income statement", "perusmalli",
-        "UPDATE ma SET maTulosMaID = 0 WHERE maTyyppi = 2", "maTulosMaID");
+    row("voucher in a model", "metalli",
+        "INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (1, '2000-01-01', 'Tosite')", "Mallissa on");
+    row("voucher out of balance", "demo1",
+        "UPDATE vi SET viArvo = viArvo + 100 WHERE viID = (SELECT MIN(viID) FROM vi WHERE viAvausvienti = 0)",
+        "ei täsmää: debet");
     row("main rows in another order", "aoymalli",
         "UPDATE mr SET mrGroupOrder = 9 - mrGroupOrder "
         "WHERE mrTeksti IN ('Poistot ja arvonalentumiset', 'Rahoitustuotot ja -kulut')",
         "Tuloslaskelman päärivit ovat");
-    row("voucher out of balance", "demo1",
-        "UPDATE vi SET viArvo = viArvo + 100 WHERE viID = (SELECT MIN(viID) FROM vi WHERE viAvausvienti = 0)",
-        "ei täsmää: debet");
-    row("entry on a missing account", "demo1",
-        "UPDATE vi SET vitlID = 9999 WHERE viID = (SELECT MIN(viID) FROM vi WHERE viAvausvienti = 0)",
-        "tiliä 9999");
-    row("no opening voucher", "demo1",
-        "DELETE FROM vi WHERE viAvausvienti = 1;\nDELETE FROM \"to\" WHERE toAvaustosite = 1",
-        "Avaustositteita on 0");
-    row("previous year not empty", "demo1",
-        "INSERT INTO toE (toENumero, toEPvm, toESelite) VALUES (1, '2000-01-01', 'Tosite')",
-        "Edellisen vuoden tauluissa");
-    row("numbering with a gap", "demo1",
-        "UPDATE \"to\" SET toNumero = toNumero + 1 WHERE toNumero = (SELECT MAX(toNumero) FROM \"to\")",
-        "eivät ole 0..");
-    row("no closing vouchers", "demo1",
-        "UPDATE \"to\" SET toPaatostosite = 0;\nUPDATE vi SET viPaatosvienti = 0",
-        "Tilinpäätöstositteita ei ole");
-    row("voucher dated next year", "demo1",
-        "UPDATE \"to\" SET toPvm = date(toPvm, '+1 year') WHERE toNumero = 5", "ei ole tilikaudella");
+    row("balance sheet without its income statement", "perusmalli",
+        "UPDATE ma SET maTulosMaID = 0 WHERE maTyyppi = 2", "maTulosMaID");
+    row("row deleted", "perusmalli", "DELETE FROM mr WHERE mrTeksti = 'Saamiset'",
+        "Kaikki tilit eivät ole käytössä.");
 }
 
 void tst_Models::brokenCopyIsFound()
@@ -138,15 +97,9 @@ void tst_Models::brokenCopyIsFound()
     QVERIFY2(!book.file.isEmpty(), qPrintable(name));
     TestEnv env;
     withDatabase(copyOf(env, book.file), [&](QSqlDatabase& db) {
-        try {
-            Sql::runScript(db, sql);
-        } catch (const DatabaseError& e) {
-            QFAIL(qPrintable(e.text()));
-        }
-        const QStringList findings = ModelChecks::checkShippedBook(db, book, year());
-        QVERIFY2(std::any_of(findings.cbegin(), findings.cend(),
-                     [&finding](const QString& f) { return f.contains(finding); }),
-            qPrintable(findings.join(u'\n')));
+        QVERIFY_THROWS_NO_EXCEPTION(Sql::runScript(db, sql));
+        const QString findings = ModelChecks::checkShippedBook(db, book, year()).join(u'\n');
+        QVERIFY2(findings.contains(finding), qPrintable(findings));
     });
 }
 

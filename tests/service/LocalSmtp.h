@@ -10,8 +10,7 @@
 #include <QTest>
 
 // An SMTP server on loopback, run by tests/service/smtp_sink.py, which names its options: with
-// --tls, `certificate` is the file to trust. `skipReason` says why none could be started (`port`
-// is then 0).
+// --tls, `certificate` is the file to trust. Without a server `port` is 0 and `skipReason` says why.
 class LocalSmtp final {
 public:
     explicit LocalSmtp(const QStringList& options = {})
@@ -38,8 +37,7 @@ public:
         m_process.waitForFinished(5000);
     }
 
-    // The `n`th message received (from 1) as smtp_sink.py summed it up, waiting for it a while;
-    // empty when it did not come.
+    // The `n`th message received (from 1) as smtp_sink.py summed it up; empty if none in `waitMs`.
     QJsonObject message(int n, int waitMs = 10000) const
     {
         const QString json = m_folder.filePath(QStringLiteral("%1.json").arg(n));

@@ -90,7 +90,6 @@ void tst_SettingsForm::storedInOrderAndInForceAtOnce()
     SettingsForm form = SettingsForm::current();
     form.TilikausiAlku = QStringLiteral("1.7.24");
     form.TilikausiLoppu = QStringLiteral("30.6.2025");
-    form.VaakaTulostus = true;
     form.MargYla = QStringLiteral(" 10 ");
     form.Seurannimi = QStringLiteral("   ");
 
@@ -101,7 +100,6 @@ void tst_SettingsForm::storedInOrderAndInForceAtOnce()
     QCOMPARE(rows.mid(0, 4),
         QStringList({ "TilikausiAlku=1.7.2024", "EdTilikausiAlku=1.1.2023", "TilikausiLoppu=30.6.2025",
             "EdTilikausiLoppu=1.1.2023" }));
-    QVERIFY(rows.contains(QStringLiteral("VaakaTulostus=1")));
     QVERIFY(rows.contains(QStringLiteral("MargYla=10")));
     QCOMPARE(rows.last(), QStringLiteral("Seurannimi="));
 

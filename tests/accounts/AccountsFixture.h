@@ -2,94 +2,59 @@
 
 #include "TestEnv.h"
 #include "core/DBC.h"
+#include "core/DatabaseError.h"
 #include "core/Money.h"
 #include "core/ProgramSettings.h"
 #include "core/Schema.h"
 
-#include <QSqlError>
 #include <QSqlQuery>
-#include <QTest>
-#include <QVariant>
 
 inline Money euros(const char* text) { return *Money::parse(QString::fromLatin1(text)); }
 
-// An empty association database of the current layout, opened as the program's database.
+// An empty association database of the current layout, opened as the program's database. A
+// statement that fails throws DatabaseError, so a broken set-up never passes as a result.
 struct AccountsFixture {
     TestEnv env;
-    QString file = env.path(QStringLiteral("tilit.mdb"));
 
     AccountsFixture()
     {
-        bool ok = false;
-        withDatabase(file, [&](QSqlDatabase& db) {
+        const QString file = env.path(QStringLiteral("tilit.mdb"));
+        withDatabase(file, [](QSqlDatabase& db) {
             Schema::createCoreTables(db);
-            ok = Schema::UpdateDatabase(db).ok;
+            if (!Schema::UpdateDatabase(db).ok)
+                qFatal("cannot create the test database");
         });
-        if (!ok)
-            qFatal("cannot create the test database");
         ProgramSettings::installation().Database = file;
     }
 
     QSqlDatabase db() const { return DBC::instance().AvaaDB(); }
-
-    // Runs a statement with bound values; fails the program on an error so a broken fixture
-    // never passes as a result.
-    QSqlQuery exec(const QString& sql, const QVariantList& values = {}) const
-    {
-        QSqlQuery q(db());
-        q.prepare(sql);
-        for (const QVariant& v : values)
-            q.addBindValue(v);
-        if (!q.exec())
-            qFatal("%s: %s", qPrintable(sql), qPrintable(q.lastError().text()));
-        return q;
-    }
+    QSqlQuery exec(const QString& sql, const QVariantList& v = {}) const { return Sql::run(db(), sql, v); }
+    QVariant value(const QString& sql, const QVariantList& v = {}) const { return Sql::scalar(db(), sql, v); }
 
     // Adds an account and gives its tlID; a null name is stored as NULL.
     qint32 tili(qint32 numero, const QVariant& nimi, const QString& kuvaus = QStringLiteral(" ")) const
     {
-        return exec(QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (?, ?, ?)"),
-            { numero, nimi, kuvaus })
-            .lastInsertId()
-            .toInt();
-    }
-
-    // Adds an entry of this (`edellinen` false) or the previous fiscal year.
-    void vienti(qint32 tlID, const QString& tyyppi, Money arvo, bool avaus, bool edellinen = false) const
-    {
-        const QString sql = edellinen
-            ? QStringLiteral(
-                "INSERT INTO viE (viEtoID, viEtlID, viETyyppi, viEArvo, viESelite, viEAvausvienti) "
-                "VALUES (1, ?, ?, ?, 'x', ?)")
-            : QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite, viAvausvienti) "
-                             "VALUES (1, ?, ?, ?, 'x', ?)");
-        exec(sql, { tlID, tyyppi, arvo.raw(), avaus ? 1 : 0 });
+        const QString sql = QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (?, ?, ?)");
+        return exec(sql, { numero, nimi, kuvaus }).lastInsertId().toInt();
     }
 
     // Adds a voucher of this fiscal year and gives its toID; `pvm` as 2011-01-31.
-    qint32 tosite(qint32 numero, const QString& pvm, const QString& selite = QStringLiteral("Tosite"),
-        bool avaus = false) const
+    qint32 tosite(qint32 numero, const QString& pvm, const QString& selite, bool avaus = false) const
     {
-        return exec(QStringLiteral(
-                        "INSERT INTO \"to\" (toNumero, toPvm, toSelite, toAvaustosite) VALUES (?, ?, ?, ?)"),
-            { numero, pvm, selite, avaus ? 1 : 0 })
-            .lastInsertId()
-            .toInt();
+        const QString sql = QStringLiteral(
+            "INSERT INTO \"to\" (toNumero, toPvm, toSelite, toAvaustosite) VALUES (?, ?, ?, ?)");
+        return exec(sql, { numero, pvm, selite, avaus ? 1 : 0 }).lastInsertId().toInt();
     }
 
-    // Adds an entry to the voucher `toID`: an opening entry on an opening voucher.
-    void kirjaus(
-        qint32 toID, qint32 tlID, const char* tyyppi, const char* arvo, bool automaatti = false) const
+    // Adds an entry to the voucher `toID` (which need not exist) of this or the previous year.
+    void vienti(qint32 toID, qint32 tlID, const char* tyyppi, const char* arvo, bool automaatti = false,
+        bool avaus = false, bool edellinen = false) const
     {
-        exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viAutomaatti, viAvausvienti) "
-                            "VALUES (?, ?, ?, ?, ?, (SELECT toAvaustosite FROM \"to\" WHERE toID = ?))"),
-            { toID, tlID, QString::fromLatin1(tyyppi), euros(arvo).raw(), automaatti ? 1 : 0, toID });
-    }
-
-    QVariant value(const QString& sql, const QVariantList& values = {}) const
-    {
-        QSqlQuery q = exec(sql, values);
-        return q.next() ? q.value(0) : QVariant();
+        exec(QStringLiteral("INSERT INTO vi%1 (vi%1toID, vi%1tlID, vi%1Tyyppi, vi%1Arvo, vi%1Avausvienti, "
+                            "vi%1Automaatti) VALUES (?, ?, ?, ?, ?, ?)")
+                 .arg(edellinen ? QStringLiteral("E") : QString()),
+            { toID, tlID, QString::fromLatin1(tyyppi), euros(arvo).raw(), avaus ? 1 : 0,
+                automaatti ? 1 : 0 });
     }
 
     int tileja() const { return value(QStringLiteral("SELECT COUNT(*) FROM tl")).toInt(); }

@@ -111,7 +111,7 @@ private slots:
                   { 0, "D", "5", true, false }, { id, "K", "0,0001", true, true },
                   { id, "D", "12,34", true, true }, { id, "K", "88", false, true } };
         for (const auto& [tlID, tyyppi, arvo, avaus, edellinen] : entries)
-            f.vienti(tlID, QString::fromLatin1(tyyppi), euros(arvo), avaus, edellinen);
+            f.vienti(1, tlID, tyyppi, arvo, false, avaus, edellinen);
         cTili t(f.db());
         QVERIFY(t.Read(id));
         const cAlkusaldot s = t.Alkusaldot();

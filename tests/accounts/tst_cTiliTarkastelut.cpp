@@ -51,7 +51,7 @@ private slots:
             { 5, "2011-01-01", QString(), muu, "K", "100", false },
         };
         for (const auto& [numero, pvm, selite, tili, tyyppi, arvo, automaatti] : entries)
-            f.kirjaus(f.tosite(numero, QString::fromLatin1(pvm), selite), tili, tyyppi, arvo, automaatti);
+            f.vienti(f.tosite(numero, QString::fromLatin1(pvm), selite), tili, tyyppi, arvo, automaatti);
         ComputedEntries::setSource([](const QSqlDatabase&, qint32 account) {
             return std::vector<ComputedEntries::Entry> { { QDate(2011, 12, 31), account, QStringLiteral("K"),
                 euros("20"), QStringLiteral("Tulos") } };

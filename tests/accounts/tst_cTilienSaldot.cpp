@@ -25,7 +25,7 @@ struct Books : AccountsFixture {
     // An entry on a voucher of its own.
     void add(qint32 tlID, const char* tyyppi, const char* arvo, bool automaatti = false)
     {
-        kirjaus(tosite(1, QStringLiteral("2011-05-01")), tlID, tyyppi, arvo, automaatti);
+        vienti(tosite(1, QStringLiteral("2011-05-01"), QString()), tlID, tyyppi, arvo, automaatti);
     }
 
     QString page(ReportJob job)

@@ -57,9 +57,9 @@ struct Window : AccountsFixture {
                   { 2000, "Oma pääoma" }, { 5000, "Jäsenmaksut" }, { 10500, "Erikoistili" } };
         for (const auto& [numero, nimi] : accounts)
             id[numero] = tili(numero, QString::fromUtf8(nimi));
-        vienti(id[1999], QStringLiteral("D"), euros("1234,5"), true);
-        vienti(id[1999], QStringLiteral("D"), euros("999"), false);
-        vienti(id[1999], QStringLiteral("K"), euros("12,34"), true, true);
+        vienti(1, id[1999], "D", "1234,5", false, true);
+        vienti(1, id[1999], "D", "999");
+        vienti(1, id[1999], "K", "12,34", false, true, true);
         w = std::make_unique<frmTilitNew>(db());
         tree = child<QTreeWidget>(*w, "tvTilit");
     }
@@ -99,7 +99,7 @@ private slots:
         }
         QCOMPARE(c.tree->currentItem(), c.node(1000));
 
-        c.vienti(c.id[1000], QStringLiteral("D"), euros("0,01"), false);
+        c.vienti(1, c.id[1000], "D", "0,01");
         click(w, "cPoista");
         c.exec(QStringLiteral("DELETE FROM vi WHERE vitlID = ?"), { c.id[1000] });
         c.dialogs.answerNo().answerYes();

@@ -36,12 +36,12 @@ struct Tilit {
         s.TilikausiAlku = QDate(2011, 1, 1);
         s.TilikausiLoppu = QDate(2011, 12, 31);
         avaus = f.tosite(0, QStringLiteral("2011-01-01"), QStringLiteral("Tosite 0"), true);
-        f.kirjaus(avaus, pankki, "D", "500");
+        f.vienti(avaus, pankki, "D", "500", false, true);
         for (int i = 1; i <= 24; ++i) {
             const qint32 t = f.tosite(i, QDate(2011, 1, 1).addDays(i * 10).toString(Qt::ISODate),
                 QStringLiteral("Tosite %1").arg(i));
-            f.kirjaus(t, pankki, "D", "10");
-            f.kirjaus(t, jasen, "K", "10");
+            f.vienti(t, pankki, "D", "10");
+            f.vienti(t, jasen, "K", "10");
             tositteet.push_back(t);
         }
         QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/paikirja.rpt"),
@@ -110,7 +110,7 @@ private slots:
         frmTilienSaldot saldot(t.f.db());
         QVERIFY(nineteenRowsShow(saldot, "grdSaldot"));
         QCOMPARE(label(saldot, "lblErotusSumma"), euros("500").toCurrencyString());
-        t.f.kirjaus(t.avaus, t.pankki, "K", "1000");
+        t.f.vienti(t.avaus, t.pankki, "K", "1000", false, true);
         child<QPushButton>(saldot, "cPaivitaSaldot")->click();
         QCOMPARE(label(saldot, "lblErotusSumma"), euros("-500").toCurrencyString());
     }

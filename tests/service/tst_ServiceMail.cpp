@@ -179,7 +179,6 @@ void tst_ServiceMail::sends()
         return;
     const QJsonObject received = smtp.message(1);
     QCOMPARE(received["from"].toString(), QStringLiteral("anna@kuoro.fi"));
-    QCOMPARE(received["to"].toString(), QStringLiteral("tuki@vorkam.fi"));
     QCOMPARE(received["subject"].toString(), Subject);
     QCOMPARE(received["text"].toString().replace(QStringLiteral("\r\n"), QStringLiteral("\n")),
         QString(Text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
@@ -196,17 +195,16 @@ void tst_ServiceMail::snapshotIsTheBooksAndGoesAway()
 {
     TestEnv env;
     const QString books = env.path(QStringLiteral("kööri.mdb"));
-    QDir().mkpath(env.path(QStringLiteral("tmp")));
+    QTemporaryDir tmp;
     QVERIFY(TestEnv::createDatabase(books));
     withDatabase(books, [&](QSqlDatabase& db) {
-        ServiceMail::Snapshot snapshot(db, books, env.path(QStringLiteral("tmp")));
+        ServiceMail::Snapshot snapshot(db, books, tmp.path());
         QVERIFY2(snapshot.ok(), qPrintable(snapshot.message()));
         QCOMPARE(QFileInfo(snapshot.path()).fileName(), QStringLiteral("kööri.mdb"));
         // Every page of the books, whatever the engine keeps in its header.
         QCOMPARE(TestEnv::readFile(snapshot.path()).mid(100), TestEnv::readFile(books).mid(100));
     });
-    QCOMPARE(QDir(env.path(QStringLiteral("tmp"))).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
-        QStringList());
+    QCOMPARE(QDir(tmp.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries), QStringList());
 
     // A folder that cannot be written: a message, and nothing left behind.
     withDatabase(books, [&](QSqlDatabase& db) {

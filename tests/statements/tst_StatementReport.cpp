@@ -4,7 +4,6 @@
 #include <QDate>
 #include <QFile>
 #include <QProcess>
-#include <QSqlQuery>
 #include <QTest>
 
 namespace {
@@ -38,30 +37,14 @@ private slots:
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<QStringList>("lines"); // lines the CSV holds
         QTest::addColumn<int>("rows"); // data rows after the one heading row
-        // The spreadsheet's sheet name and a value its sheet holds.
-        QTest::addColumn<QString>("sheet");
-        QTest::addColumn<QString>("value");
-        QTest::newRow("income statement")
-            << QStringList { "tuloslaskelma" }
-            << QStringList { "Tilikauden ylijäämä (alijäämä);253,69;4,6;;;253,69;4,6;;;" }
-            // 4,6 % as a part of one, as a spreadsheet counts percentages.
-            << 26 << "Kirjanpidon tuloslaskelma"
-            << "<v>0.0462";
-        QTest::newRow("named template, by account, spring")
+        // A narrow income statement leaves the percentages out.
+        QTest::newRow("named template, by account, narrow, spring")
             << QStringList { "tuloslaskelma", "--template", "yhdistyksen TULOSLASKELMA", "--accounts",
-                   "--from", date(1, 3), "--to", date(31, 5) }
-            // Every line item keeps its caption and its own total around its accounts.
-            << QStringList { "Varsinaisen toiminnan tuotot;;;;;;;;;",
-                   "3020 Retkien osallistumismaksut;1260,00;71,6;;;1260,00;49,6;;;",
-                   "Varsinaisen toiminnan tuotot;1760,00;100,0;;;2540,00;100,0;;;" }
-            << 75 << "Kirjanpidon tuloslaskelma"
-            << "<v>1260</v>";
+                   "--narrow", "--from", date(1, 3), "--to", date(31, 5) }
+            << QStringList { "3020 Retkien osallistumismaksut;1260,00;;1260,00;" } << 75;
         QTest::newRow("balance sheet, groups only")
             << QStringList { "tase", "--groups-only", "--from", date(1, 1), "--to", date(30, 6) }
-            << QStringList { "Vastaavaa;7630,00;2574,22;10204,22;;;",
-                   "Vastattavaa;7630,00;2574,22;10204,22;;;" }
-            << 4 << "Kirjanpidon tase"
-            << "<v>10204.22</v>";
+            << QStringList { "Vastaavaa;7630,00;2574,22;10204,22;;;" } << 4;
     }
 
     void writesRows()
@@ -69,8 +52,6 @@ private slots:
         QFETCH(QStringList, args);
         QFETCH(QStringList, lines);
         QFETCH(int, rows);
-        QFETCH(QString, sheet);
-        QFETCH(QString, value);
         const QString csv = env->path(QStringLiteral("rivit.csv"));
         const ReportCommand r
             = ReportCommand::run(QStringList { books } + args + QStringList { "--csv", csv });
@@ -84,64 +65,43 @@ private slots:
             QVERIFY2(
                 written.contains(line), qPrintable(line + QStringLiteral("\n--\n") + written.join(u'\n')));
         QCOMPARE(written.size(), rows + 1);
-
-        const QString xlsx = env->path(QStringLiteral("rivit.xlsx"));
-        QCOMPARE(ReportCommand::run(QStringList { books } + args + QStringList { "--xlsx", xlsx }).code, 0);
-        const auto unzip = [&xlsx](const char* part) {
-            QProcess p;
-            p.start(QStringLiteral("unzip"), { "-p", xlsx, QLatin1String(part) });
-            p.waitForFinished(60000);
-            return QString::fromUtf8(p.readAllStandardOutput());
-        };
-        QVERIFY(unzip("xl/workbook.xml").contains(QStringLiteral("<sheet name=\"%1\"").arg(sheet)));
-        QVERIFY2(unzip("xl/worksheets/sheet1.xml").contains(value), qPrintable(value));
     }
 
-    // The printed statement as a PDF file: the same pages as the statement window prints.
-    void writesPdf()
+    // The spreadsheet's sheet takes the statement's name; 4,6 % is stored as a part of one, as a
+    // spreadsheet counts percentages.
+    void writesXlsx()
     {
-        const QString pdf = env->path(QStringLiteral("tuloste.pdf"));
-        const ReportCommand r = ReportCommand::run(
-            { books, "tuloslaskelma", "--narrow", "--from", date(1, 3), "--to", date(31, 5), "--pdf", pdf });
-        QVERIFY2(r.code == 0, qPrintable(r.err));
-        QVERIFY2(r.out.contains(QStringLiteral("(1 sivua)")), qPrintable(r.out));
-        QVERIFY(TestEnv::readFile(pdf).startsWith("%PDF-"));
+        const QString xlsx = env->path(QStringLiteral("rivit.xlsx"));
+        QCOMPARE(ReportCommand::run({ books, "tuloslaskelma", "--xlsx", xlsx }).code, 0);
+        // Every part of the file in one stream: the workbook's sheet names and the sheet's cells.
+        QProcess unzip;
+        unzip.start(QStringLiteral("unzip"), { "-p", xlsx });
+        QVERIFY(unzip.waitForFinished(60000));
+        const QString parts = QString::fromUtf8(unzip.readAllStandardOutput());
+        QVERIFY(parts.contains(QStringLiteral("<sheet name=\"Kirjanpidon tuloslaskelma\"")));
+        QVERIFY(parts.contains(QStringLiteral("<v>0.0462")));
     }
 
     void refusals_data()
     {
-        QTest::addColumn<QString>("sql"); // changes the books first
         QTest::addColumn<QStringList>("args");
-        QTest::addColumn<int>("code");
         QTest::addColumn<QString>("message");
         const QStringList csv { "--csv", "x.csv" };
         // Not found among the balance sheets, though an income statement has the name.
         QTest::newRow("income statement's name for a balance sheet")
-            << "" << QStringList { "tase", "--template", "Yhdistyksen tuloslaskelma" } + csv << 1
+            << QStringList { "tase", "--template", "Yhdistyksen tuloslaskelma" } + csv
             << "Tasemallia \"Yhdistyksen tuloslaskelma\" ei ole kirjanpidossa.";
-        // Refused with the statement window's words.
-        QTest::newRow("balance sheet without an income statement")
-            << "UPDATE ma SET maTulosMaID = 0" << QStringList { "tase" } + csv << 1
-            << "Tasemallille ei ole määritelty tuloslaskelmaa, jonka perusteella tilikauden voitto "
-               "kirjataan.";
         QTest::newRow("outside the fiscal year")
-            << "" << QStringList { "tuloslaskelma", "--from", "1.1.2000", "--to", date(31, 12) } + csv << 1
+            << QStringList { "tuloslaskelma", "--from", "1.1.2000", "--to", date(31, 12) } + csv
             << "Alkupäivämäärä ei kuulu tilikauteen: ";
-        QTest::newRow("options of statements only")
-            << "" << QStringList { "tilit", "--accounts" } + csv << 2
-            << "ei käytä valitsinta --template/--accounts/--groups-only/--narrow";
     }
 
     void refusals()
     {
-        QFETCH(QString, sql);
         QFETCH(QStringList, args);
-        QFETCH(int, code);
         QFETCH(QString, message);
-        if (!sql.isEmpty())
-            withDatabase(books, [&sql](QSqlDatabase& db) { QVERIFY(QSqlQuery(db).exec(sql)); });
         const ReportCommand r = ReportCommand::run(QStringList { books } + args);
-        QCOMPARE(r.code, code);
+        QCOMPARE(r.code, 1);
         QVERIFY2(r.err.contains(message), qPrintable(r.err));
         QVERIFY(!QFile::exists(QStringLiteral("x.csv")));
     }

@@ -78,16 +78,6 @@ private slots:
         QCOMPARE(TemplateChecks::listLines(TemplateChecks::run(f->db(), { 1, 2 })), expected);
     }
 
-    // Only the template asked for is looked at; the pair's checks still run.
-    void oneTemplateOnly()
-    {
-        StatementFixture::exec(QStringLiteral("UPDATE mr SET mrSaldoPuoli = 'D' WHERE mrID = 11"));
-        StatementFixture::exec(QStringLiteral("UPDATE mr SET mrTeksti = 'Varat' WHERE mrID = 20"));
-        QCOMPARE(TemplateChecks::run(f->db(), { 1, 2 }, 2).size(), size_t(1));
-        QCOMPARE(TemplateChecks::run(f->db(), { 1, 2 }, 1).size(), size_t(1));
-        QCOMPARE(TemplateChecks::run(f->db(), { 1, 2 }).size(), size_t(2));
-    }
-
     void pairOfASelectedTemplate()
     {
         QCOMPARE(TemplateChecks::pairFor(f->db(), 2).tulos, 1);

@@ -40,20 +40,11 @@ class tst_VoucherTools : public QObject, VoucherCase {
         return f->addBalanced(
             f->addTosite(numero, {}, QStringLiteral("2011-03-01"), selite), vuokra, pankki, raw);
     }
-    int addPohja(const QString& nimi, const QVariant& pikavalinta)
-    {
-        return f->addPohja(nimi, pikavalinta, QStringLiteral("Toimiston vuokra"),
-            { { pankki, "K", 4000000 }, { vuokra, "D", 4000000 } });
-    }
-    static QList<QAction*> quickSelect(QWidget& w)
-    {
-        return w.findChildren<QAction*>(QStringLiteral("mTositepohjaX"));
-    }
     // The texts of the quick select items shown in the menu.
     static QStringList shown(QWidget& w)
     {
         QStringList out;
-        for (QAction* a : quickSelect(w))
+        for (QAction* a : w.findChildren<QAction*>(QStringLiteral("mTositepohjaX")))
             if (a->isVisible())
                 out << a->text();
         return out;
@@ -160,12 +151,14 @@ private slots:
     void quickSelectMakesVouchersAndFollowsChanges()
     {
         balanced(1, QStringLiteral("Vanha"));
-        addPohja(QStringLiteral("Vuokra & vastike"), 2);
-        addPohja(QStringLiteral("Ilman"), QVariant());
+        const QList<std::tuple<int, const char*, qint64>> rivit { { pankki, "K", 4000000 },
+            { vuokra, "D", 4000000 } };
+        f->addPohja(QStringLiteral("Vuokra & vastike"), 2, QStringLiteral("Toimiston vuokra"), rivit);
+        f->addPohja(QStringLiteral("Ilman"), QVariant(), {}, rivit);
         frmNewTositteet w(f->db(), Laji::Tavallinen);
         w.show();
         QCOMPARE(shown(w), QStringList { QStringLiteral("(&2) Vuokra && vastike") });
-        quickSelect(w)[1]->trigger();
+        w.findChildren<QAction*>(QStringLiteral("mTositepohjaX"))[1]->trigger();
         QCOMPARE(w.curTosite().Selite(), QStringLiteral("Toimiston vuokra"));
         QCOMPARE(f->count(QStringLiteral("vi"), QStringLiteral("vitoID = %1").arg(w.curTosite().ToId())), 2);
 

@@ -62,75 +62,71 @@ private slots:
     void init() { QVERIFY(StatementFixture::start(f, templates)); }
     void cleanup() { StatementFixture::finish(f); }
 
-    void openingChangeClosing_data();
-    void openingChangeClosing();
-    void profitLine();
-};
-
-// Opening entries whatever their date; the change up to the end date.
-void tst_BalanceSheet::openingChangeClosing_data()
-{
-    QTest::addColumn<QString>("pvm");
-    QTest::addColumn<bool>("opening");
-    QTest::addColumn<QString>("line"); // alku|muutos|loppu|edellinen|muutos edelliseen|%
-    // A previous year without entries up to the date is left empty, not shown as zeros.
-    QTest::newRow("on the end date") << "2012-06-30" << false << "1000.00|300.00|1300.00|-|-|-";
-    QTest::newRow("after the end date") << "2012-07-01" << false << "1000.00|0.00|1000.00|-|-|-";
-    QTest::newRow("opening voucher after the end date")
-        << "2012-08-01" << true << "1300.00|0.00|1300.00|-|-|-";
-}
-
-void tst_BalanceSheet::openingChangeClosing()
-{
-    QFETCH(QString, pvm);
-    QFETCH(bool, opening);
-    QFETCH(QString, line);
-    f->post(QStringLiteral("2012-01-01"), 1, 8, 100000, false, true);
-    f->post(pvm, 1, 3, 30000, false, opening);
-    QVERIFY(BalanceSheet::run(f->db(), options(QDate(2012, 6, 30))));
-    const QStringList rows = f->rows(QStringLiteral("tase"));
-    QCOMPARE(rows.at(1).section(u'|', 3), QStringLiteral("Rahat|1|0|") + line);
-}
-
-// The profit line takes the income statement's profit row and stays out of its group's total,
-// so the sides differ and the sheet says so; the income statement is left in tula. Refused
-// without an income statement to take the profit from, or when the profit row's caption holds
-// an apostrophe: the lines stay. Without a computed profit row, and then without any, the line
-// holds zeros. (Every other kind of line is in the golden files.)
-void tst_BalanceSheet::profitLine()
-{
-    books();
-    Money difference;
-    QVERIFY(BalanceSheet::run(f->db(), options(), &difference));
-    QCOMPARE(difference.toCurrencyString(), Money::fromCents(20000).toCurrencyString());
-    const QStringList lines = f->rows(QStringLiteral("tase"));
-    QCOMPARE(lines.mid(6, 2),
-        (QStringList { "2|**|1|Tilikauden tulos|2|0|0.00|200.00|200.00|100.00|100.00|100.00",
-            "1|**|1|Oma pääoma|2|0|1000.00|0.00|1000.00|800.00|200.00|25.00" }));
-    QCOMPARE(lines.last(),
-        QStringLiteral(
-            "0|**|1|TASE EI TÄSMÄÄ: vastaavaa - vastattavaa|2|0|0.00|200.00|200.00|0.00|200.00|-"));
-    QCOMPARE(f->amount(QStringLiteral("tula"), QStringLiteral("tulaToteutunutKuluvaAlusta"),
-                 QStringLiteral("Ylijäämä")),
-        20000);
-
-    f->exec(QStringLiteral("UPDATE ma SET maTulosMaID = 0 WHERE maID = 2"));
-    QVERIFY(!BalanceSheet::run(f->db(), options()));
-    QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Information).last(),
-        BalanceSheet::noIncomeStatementMessage());
-    f->exec(QStringLiteral("UPDATE ma SET maTulosMaID = 1 WHERE maID = 2"));
-    f->exec(QStringLiteral("UPDATE mr SET mrTeksti = 'Yli''jäämä' WHERE mrID = 4"));
-    QVERIFY_THROWS_EXCEPTION(DatabaseError, BalanceSheet::run(f->db(), options()));
-    QCOMPARE(f->rows(QStringLiteral("tase")), lines);
-
-    for (const char* sql : { "UPDATE mr SET mrTeksti = 'Ylijäämä', mrBelongsToGroup = 99 WHERE mrID = 4",
-             "UPDATE mr SET mrIsVoitto = 0" }) {
-        QVERIFY(f->exec(QString::fromUtf8(sql)));
-        QVERIFY(BalanceSheet::run(f->db(), options()));
-        QCOMPARE(f->rows(QStringLiteral("tase")).at(6),
-            QStringLiteral("2|**|1|Tilikauden tulos|2|0|0.00|0.00|0.00|0.00|0.00|-"));
+    // Opening entries whatever their date; the change up to the end date.
+    void openingChangeClosing_data()
+    {
+        QTest::addColumn<QString>("pvm");
+        QTest::addColumn<bool>("opening");
+        QTest::addColumn<QString>("line"); // alku|muutos|loppu|edellinen|muutos edelliseen|%
+        // A previous year without entries up to the date is left empty, not shown as zeros.
+        QTest::newRow("on the end date") << "2012-06-30" << false << "1000.00|300.00|1300.00|-|-|-";
+        QTest::newRow("after the end date") << "2012-07-01" << false << "1000.00|0.00|1000.00|-|-|-";
+        QTest::newRow("opening voucher after the end date")
+            << "2012-08-01" << true << "1300.00|0.00|1300.00|-|-|-";
     }
-}
+
+    void openingChangeClosing()
+    {
+        QFETCH(QString, pvm);
+        QFETCH(bool, opening);
+        QFETCH(QString, line);
+        f->post(QStringLiteral("2012-01-01"), 1, 8, 100000, false, true);
+        f->post(pvm, 1, 3, 30000, false, opening);
+        QVERIFY(BalanceSheet::run(f->db(), options(QDate(2012, 6, 30))));
+        const QStringList rows = f->rows(QStringLiteral("tase"));
+        QCOMPARE(rows.at(1).section(u'|', 3), QStringLiteral("Rahat|1|0|") + line);
+    }
+
+    // The profit line takes the income statement's profit row and stays out of its group's total,
+    // so the sides differ and the sheet says so; the income statement is left in tula. Refused
+    // without an income statement to take the profit from, or when the profit row's caption holds
+    // an apostrophe: the lines stay. Without a computed profit row, and then without any, the line
+    // holds zeros. (Every other kind of line is in the golden files.)
+    void profitLine()
+    {
+        books();
+        Money difference;
+        QVERIFY(BalanceSheet::run(f->db(), options(), &difference));
+        QCOMPARE(difference.toCurrencyString(), Money::fromCents(20000).toCurrencyString());
+        const QStringList lines = f->rows(QStringLiteral("tase"));
+        QCOMPARE(lines.mid(6, 2),
+            (QStringList { "2|**|1|Tilikauden tulos|2|0|0.00|200.00|200.00|100.00|100.00|100.00",
+                "1|**|1|Oma pääoma|2|0|1000.00|0.00|1000.00|800.00|200.00|25.00" }));
+        QCOMPARE(lines.last(),
+            QStringLiteral(
+                "0|**|1|TASE EI TÄSMÄÄ: vastaavaa - vastattavaa|2|0|0.00|200.00|200.00|0.00|200.00|-"));
+        QCOMPARE(f->amount(QStringLiteral("tula"), QStringLiteral("tulaToteutunutKuluvaAlusta"),
+                     QStringLiteral("Ylijäämä")),
+            20000);
+
+        f->exec(QStringLiteral("UPDATE ma SET maTulosMaID = 0 WHERE maID = 2"));
+        QVERIFY(!BalanceSheet::run(f->db(), options()));
+        QCOMPARE(f->dialogs.texts(ScriptedDialogs::Kind::Information).last(),
+            BalanceSheet::noIncomeStatementMessage());
+        f->exec(QStringLiteral("UPDATE ma SET maTulosMaID = 1 WHERE maID = 2"));
+        f->exec(QStringLiteral("UPDATE mr SET mrTeksti = 'Yli''jäämä' WHERE mrID = 4"));
+        QVERIFY_THROWS_EXCEPTION(DatabaseError, BalanceSheet::run(f->db(), options()));
+        QCOMPARE(f->rows(QStringLiteral("tase")), lines);
+
+        for (const char* sql : { "UPDATE mr SET mrTeksti = 'Ylijäämä', mrBelongsToGroup = 99 WHERE mrID = 4",
+                 "UPDATE mr SET mrIsVoitto = 0" }) {
+            QVERIFY(f->exec(QString::fromUtf8(sql)));
+            QVERIFY(BalanceSheet::run(f->db(), options()));
+            QCOMPARE(f->rows(QStringLiteral("tase")).at(6),
+                QStringLiteral("2|**|1|Tilikauden tulos|2|0|0.00|0.00|0.00|0.00|0.00|-"));
+        }
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_BalanceSheet)
 #include "tst_BalanceSheet.moc"

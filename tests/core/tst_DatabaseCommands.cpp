@@ -83,7 +83,6 @@ void tst_DatabaseCommands::backupAndReorganize()
         Done + QStringLiteral("\nEdellinen varmuuskopio säilyi nimellä %1.").arg(kept));
     QCOMPARE(TestEnv::readFile(kept), books.bytes);
     QCOMPARE(TestEnv::readFile(taken), QByteArray("jo olemassa"));
-    QCOMPARE(TestEnv::readFile(first), TestEnv::readFile(env.path(QStringLiteral("seura.md3"))));
 }
 
 void tst_DatabaseCommands::failedStepKeepsTheBooks_data()
@@ -143,7 +142,6 @@ void tst_DatabaseCommands::restore()
         (QStringList(3, QStringLiteral("Haluatko keskeyttää tietokannan palautuksen?"))));
     QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error).size(), 1);
     QCOMPARE(TestEnv::readFile(books.file), books.bytes);
-    QVERIFY(!DBC::instance().isOpen());
 
     // The first target is refused, then the user goes on and takes the database in use.
     dialogs.answerOpenFile(backup)

@@ -36,7 +36,6 @@ void tst_Helpers::moneyParse_data()
     QTest::newRow("space thousands") << "1 234,50" << true << qint64(12345000);
     QTest::newRow("dot thousands, comma decimals") << "1.234,50" << true << qint64(12345000);
     QTest::newRow("dot thousands only") << "1.234.567" << true << qint64(12345670000);
-    QTest::newRow("negative whole") << "-5" << true << qint64(-50000);
     QTest::newRow("euro sign after") << QString::fromUtf8("12,50 €") << true << qint64(125000);
     QTest::newRow("euro sign before") << QString::fromUtf8("€12,50") << true << qint64(125000);
     QTest::newRow("leading comma") << ",5" << true << qint64(5000);
@@ -173,8 +172,6 @@ void tst_Helpers::technicalTextsInFinnish()
         QStringLiteral("Tietokanta on vioittunut."));
     QCOMPARE(ErrorText::engine(1, QStringLiteral("no such table: x")),
         QStringLiteral("1: Tietokantavirhe\nTekninen tieto: no such table: x"));
-    QVERIFY(
-        ErrorText::engine(13, QStringLiteral("database or disk is full")).contains(u"Levyllä ei ole tilaa"));
 }
 
 QTEST_GUILESS_MAIN(tst_Helpers)

@@ -179,15 +179,6 @@ private slots:
             StatementFixture::value(QStringLiteral("SELECT mrSaldoPuoli FROM mr WHERE mrID = 32")).toString(),
             QStringLiteral("D"));
     }
-
-    // A balance sheet's formula rows end with the income statements' profit rows.
-    void sideLists()
-    {
-        StatementFixture::exec(QStringLiteral("UPDATE mr SET mrIsVoitto = 1 WHERE mrID = 12"));
-        const auto rows = TemplateEditor::formulaRows(f->db(), 2, true);
-        QCOMPARE(rows.back().text, QStringLiteral("Tulos : [Voitto / Tappio]"));
-        QCOMPARE(rows.back().id, 12);
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_TemplateEditor)

@@ -131,13 +131,6 @@ private slots:
                                                   << "-41 -57";
         QTest::newRow("no number") << "+abc,"
                                    << "+?";
-        QString many;
-        for (int i = 1; i <= 300; ++i)
-            many = TemplateText::appendTerm(many, true, i);
-        QString first256;
-        for (int i = 1; i <= TemplateText::MaxTerms; ++i)
-            first256 += QStringLiteral(" +%1").arg(i);
-        QTest::newRow("at most 256 terms") << many << first256.trimmed();
     }
 
     void formulas()

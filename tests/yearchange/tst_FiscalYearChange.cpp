@@ -103,6 +103,10 @@ void tst_FiscalYearChange::refusals()
         { 2, "UPDATE mr SET mrTilit = '8,' WHERE mrID = 21",
             "information: Tilikautta ei vaihdettu, koska kirjanpidossa on korjattavaa:",
             "ei ole tuloslaskelman eikä taseen millään rivillä" },
+        // The voucher check's findings stop the change too: never on unbalanced books.
+        { 2, "UPDATE vi SET viArvo = viArvo + 100 WHERE viID = (SELECT MIN(viID) FROM vi)",
+            "information: Tilikautta ei vaihdettu, koska kirjanpidossa on korjattavaa:",
+            "debet ja kredit saldo ei täsmää" },
         { 2, "read-only",
             "information: Tietokantatiedosto on vain luettava, joten tilikautta ei voi vaihtaa.\n",
             "tilinpaatos.mdb" },

@@ -88,6 +88,8 @@ QList<TextField> fields()
         field<cMalliRivi>("mallirivi teksti", name, &cMalliRivi::setTeksti, &cMalliRivi::Teksti, ofTemplate),
         field<cMalliRivi>(
             "mallirivi tilit", description, &cMalliRivi::setTilit, &cMalliRivi::Tilit, ofTemplate),
+        field<cMalliRivi>(
+            "mallirivi kaava", description, &cMalliRivi::setKaava, &cMalliRivi::Kaava, ofTemplate),
         // The settings of the books all go through one store.
         { "Seurannimi", 0,
             [](const QString& t) {

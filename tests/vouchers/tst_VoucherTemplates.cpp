@@ -31,8 +31,11 @@ private slots:
         pohja.setPikavalinta(3);
         pohja.Save();
         QCOMPARE(cTositePohjat::Pikavalinnalla(f->db(), 3), pohja.tpID());
-        pohja.setPikavalinta(0);
-        pohja.Save();
+        cTositePohja luettu(f->db());
+        QVERIFY(luettu.Load(pohja.tpID()));
+        QCOMPARE(luettu.Pikavalinta(), 3);
+        luettu.setPikavalinta(0);
+        luettu.Save();
         QVERIFY(f->value(QStringLiteral("SELECT Pikavalinta FROM tpPohjat")).isNull());
         QCOMPARE(cTositePohjat::Pikavalinnalla(f->db(), 3), 0);
     }

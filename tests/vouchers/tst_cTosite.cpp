@@ -78,12 +78,14 @@ private slots:
         t.setPaiva(QDate(2011, 9, 5));
         t.setSelite(QStringLiteral("Vuokra"));
         t.setPaatostosite(true);
+        t.setAutomaatti(true);
         t.Save();
         cTosite back(f->db());
         QVERIFY(back.Load(t.ToId()));
         QCOMPARE(back.Numero(), 12);
+        QCOMPARE(back.Paiva(), QDate(2011, 9, 5));
         QCOMPARE(back.Selite(), QStringLiteral("Vuokra"));
-        QVERIFY(!back.Avaustosite() && back.Paatostosite() && !back.Dirty());
+        QVERIFY(!back.Avaustosite() && back.Paatostosite() && back.Automaatti() && !back.Dirty());
         QCOMPARE(
             f->value(QStringLiteral("SELECT toPvm FROM \"to\"")).toString(), QStringLiteral("2011-09-05"));
         back.setSelite(QStringLiteral("Muutos"));

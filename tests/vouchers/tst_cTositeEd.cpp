@@ -104,6 +104,7 @@ private slots:
             backward << v->ToId();
         QCOMPARE(forward, QList<int>({ 3, 4, 2 }));
         QCOMPARE(backward, QList<int>({ 2, 4, 3, 1 }));
+        QVERIFY(t.GetLast()->Avaustosite() && !t.GetFirst()->Paatostosite());
     }
 };
 

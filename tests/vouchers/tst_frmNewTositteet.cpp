@@ -121,13 +121,17 @@ private slots:
         QVERIFY(f->value(QStringLiteral("SELECT toPvm FROM \"to\"")).toString().startsWith(u"2011-"));
     }
 
-    // Closing runs the account check of its own (saving and browsing: tst_VoucherEditor).
+    // Closing runs the account check of its own (saving and browsing: tst_VoucherEditor), here on
+    // a row the button added.
     void refusedAccountCheckKeepsTheWindow()
     {
         f->addTosite(1);
         frmNewTositteet w(f->db(), Laji::Tavallinen);
         showAndWait(w);
-        grid(w)->model()->setData(grid(w)->model()->index(3, 3), QStringLiteral("100"));
+        QTest::mouseClick(child<QPushButton>(w, QStringLiteral("cLisaaVienteja")), Qt::LeftButton);
+        QAbstractItemModel* rows = grid(w)->model();
+        QCOMPARE(rows->rowCount(), VoucherEditor::VahimmaisRivit + 1);
+        rows->setData(rows->index(VoucherEditor::VahimmaisRivit, 3), QStringLiteral("100"));
         QVERIFY(!w.close());
         QCOMPARE(f->dialogs.transcript().size(), 1);
         QCOMPARE(f->count(QStringLiteral("vi")), 0);

@@ -51,16 +51,22 @@ private slots:
         }
     }
 
-    // Each kind opens on its last voucher, the opening one on 0. Browsing beeps at the ends and
-    // writes nothing (which voucher comes next: tst_cTosite).
+    // Each kind opens on its last voucher, the opening one on 0, with the rows of the longest
+    // voucher (entries left without one do not count). Browsing beeps at the ends and writes
+    // nothing (which voucher comes next: tst_cTosite).
     void opensOnTheLastVoucherAndBeepsAtTheEnds()
     {
         const int opening = f->addTosite(0, QStringLiteral("A"));
-        f->addTosite(1);
+        const int longest = f->addTosite(1);
+        for (int i = 0; i < 7; ++i)
+            f->addVienti(longest, pankki, QStringLiteral("D"), 100);
+        for (int i = 0; i < 9; ++i)
+            f->addVienti(999, pankki, QStringLiteral("D"), 100);
         f->addTosite(3);
         QCOMPARE(open(Laji::Avaus)->tosite().ToId(), opening);
         QVERIFY(open(Laji::Paatos)->tosite().IsEmpty());
         auto m = open();
+        QCOMPARE(m->riviMaara(), 7);
         const qint64 before = f->totalChanges();
         QVERIFY(!m->siirry(Siirto::Seuraava));
         QCOMPARE(m->tosite().Numero(), 3);

@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -78,6 +79,8 @@ private slots:
         f->exec(QStringLiteral("UPDATE \"to\" SET toPvm = '2011-01-01'"));
         child<QPushButton>(w, "cTarkista")->click();
         QCOMPARE(lista->item(0)->text(), QStringLiteral("Tarkistus suoritettu virheettömästi."));
+        QTest::keyClick(lista, Qt::Key_Return); // a line of no voucher opens none
+        QCOMPARE(w.curTosite().Numero(), 5);
     }
 
     void findingsWindowRefusesWithoutDatabaseSettings()
@@ -122,6 +125,7 @@ private slots:
         balanced(2, QStringLiteral("Sähkö"));
         frmNewTositteet w(f->db(), Laji::Tavallinen);
         w.show();
+        QString tulos;
         onModal([&](QWidget& haku) {
             auto* arvo = child<QLineEdit>(haku, "tVienninArvo");
             arvo->setFocus();
@@ -131,11 +135,13 @@ private slots:
             // Enter in the field searches.
             QTest::keyClicks(arvo, QStringLiteral("12,50"));
             QTest::keyClick(arvo, Qt::Key_Return);
+            tulos = child<QLabel>(haku, "lblTulos")->text();
             QTest::keyClick(child<QListWidget>(haku, "lstTositteet"), Qt::Key_Return);
         });
         child<QPushButton>(w, "cHaku")->click();
         QCOMPARE(f->dialogs.transcript(),
             QStringList { QStringLiteral("information: Viennin arvon tulee olla numeerinen.") });
+        QCOMPARE(tulos, QStringLiteral("Löytyi 1 tosite."));
         QCOMPARE(w.curTosite().Numero(), 1);
 
         // Cancel keeps the voucher on screen.

@@ -78,20 +78,17 @@ private slots:
     void commandsFollowTheDatabase_data()
     {
         QTest::addColumn<int>("books");
-        QTest::addColumn<QString>("caption");
-        QTest::newRow("database open") << int(Books::Writable) << "Vorkam - kerho - kerho.mdb";
-        QTest::newRow("read-only") << int(Books::ReadOnly) << "Vorkam - kerho - kerho.mdb (vain luku)";
-        QTest::newRow("no database") << int(Books::Missing) << "Vorkam";
+        QTest::newRow("database open") << int(Books::Writable);
+        QTest::newRow("read-only") << int(Books::ReadOnly);
+        QTest::newRow("no database") << int(Books::Missing);
     }
 
     void commandsFollowTheDatabase()
     {
         QFETCH(int, books);
-        QFETCH(QString, caption);
         TestEnv env;
         StartedWindow started(env, Books(books));
         frmMain& w = started.window;
-        QCOMPARE(w.windowTitle(), caption);
         const auto enabled = [&w](const char* name) {
             return w.findChild<QAction*>(QString::fromLatin1(name))->isEnabled();
         };
@@ -245,27 +242,6 @@ private slots:
         QVERIFY(w.close());
         QCOMPARE(started.dialogs.texts(ScriptedDialogs::Kind::Error), QStringList());
         QCOMPARE(TestEnv::readFile(started.file), before);
-    }
-
-    void settingsChangeTheCaptionAtOnce()
-    {
-        TestEnv env;
-        StartedWindow started(env);
-        frmMain& w = started.window;
-        QString shown;
-        onNextModal(w, [&](QWidget& dialog) {
-            shown = dialog.objectName();
-            auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("tSeurannimi"));
-            name->selectAll();
-            QTest::keyClicks(name, QStringLiteral("Kerho O'Hara ry"));
-            dialog.findChild<QPushButton*>(QStringLiteral("cTallenna"))->click();
-            dialog.findChild<QPushButton*>(QStringLiteral("cSulje"))->click();
-        });
-        w.findChild<QAction*>(QStringLiteral("mAsetukset"))->trigger();
-        QCOMPARE(shown, QStringLiteral("frmAsetukset"));
-        QCOMPARE(w.windowTitle(), QStringLiteral("Vorkam - Kerho O'Hara ry - kerho.mdb"));
-        QCOMPARE(started.dialogs.transcript(), QStringList());
-        QCOMPARE(env.programEnds(), 0);
     }
 };
 

@@ -1,13 +1,8 @@
 #include "ui/EnterAsTab.h"
-#include "ui/TitleFit.h"
-
-#include <QDialog>
-#include <QLabel>
 
 #include <QComboBox>
 #include <QLineEdit>
 #include <QTest>
-#include <QVBoxLayout>
 
 class tst_UiHelpers : public QObject {
     Q_OBJECT
@@ -38,24 +33,6 @@ private slots:
         first->setFocus();
         QTest::keyClick(first, Qt::Key_Return);
         QVERIFY(second->hasFocus() || second->lineEdit()->hasFocus());
-    }
-
-    void windowsAreAsWideAsTheirTitles()
-    {
-        TitleFit::install();
-        QDialog narrow;
-        (new QVBoxLayout(&narrow))->addWidget(new QLabel(QStringLiteral("OK?"), &narrow));
-        narrow.setWindowTitle(QStringLiteral("Tilikauden vaihto - Tarkista tositteet ennen vaihtoa"));
-        QDialog wide;
-        wide.setWindowTitle(QStringLiteral("Haku"));
-        wide.resize(900, 200);
-        for (QDialog* d : { &narrow, &wide }) {
-            d->show();
-            QVERIFY(QTest::qWaitForWindowExposed(d));
-        }
-        QVERIFY(TitleFit::neededWidth(narrow) > 300);
-        QVERIFY(narrow.width() >= TitleFit::neededWidth(narrow));
-        QCOMPARE(wide.width(), 900);
     }
 };
 

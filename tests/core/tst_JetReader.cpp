@@ -165,11 +165,12 @@ private slots:
         QCOMPARE(JetReader::readHeader(ace, &h), JetReader::Problem::Unsupported);
         QCOMPARE(JetReader::readHeader(QByteArray("SQLite format 3").leftJustified(4096, '\0'), &h),
             JetReader::Problem::NotJet);
-        // Cut inside a page is the conversion's test. Cut on a page boundary, the reader finds
-        // pages missing; a bare header is too short to hold any.
+        // Cut inside a page or on a page boundary, pages are missing; a bare header holds none.
         TestEnv env;
-        for (const int bytes : { 40 * 4096, 4096 })
+        for (const int bytes : { 150000, 40 * 4096, 4096 })
             QCOMPARE(readCopy(env, clean.left(bytes)).problem, JetReader::Problem::Truncated);
+        QCOMPARE(
+            readCopy(env, JetFixtures::withPassword(clean, "seura")).problem, JetReader::Problem::Password);
     }
 
     void readsTheTablesAskedFor()

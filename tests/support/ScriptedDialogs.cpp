@@ -8,27 +8,10 @@ ScriptedDialogs::~ScriptedDialogs() { Dialogs::install(nullptr); }
 
 QString ScriptedDialogs::kindName(Kind kind)
 {
-    switch (kind) {
-    case Kind::Information:
-        return QStringLiteral("information");
-    case Kind::Plain:
-        return QStringLiteral("plain");
-    case Kind::Error:
-        return QStringLiteral("error");
-    case Kind::Question:
-        return QStringLiteral("question");
-    case Kind::Input:
-        return QStringLiteral("input");
-    case Kind::OpenFile:
-        return QStringLiteral("open");
-    case Kind::SaveFile:
-        return QStringLiteral("save");
-    case Kind::Beep:
-        return QStringLiteral("beep");
-    case Kind::OpenUrl:
-        return QStringLiteral("url");
-    }
-    return {};
+    // In the order of Kind.
+    static const char* const names[]
+        = { "information", "plain", "error", "question", "input", "open", "save", "beep", "url" };
+    return QString::fromLatin1(names[int(kind)]);
 }
 
 QStringList ScriptedDialogs::transcript() const
@@ -81,9 +64,7 @@ bool ScriptedDialogs::question(const QString& text) { return take(Kind::Question
 std::optional<QString> ScriptedDialogs::input(const QString& prompt, const QString&)
 {
     const QVariant v = take(Kind::Input, prompt);
-    if (!v.isValid())
-        return std::nullopt;
-    return v.toString();
+    return v.isValid() ? std::optional(v.toString()) : std::nullopt;
 }
 
 QString ScriptedDialogs::openFileName(const QString& title, const QString&, const QString& start)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ReportCommand.h"
 #include "ScriptedDialogs.h"
 #include "TestEnv.h"
 #include "core/DBC.h"
@@ -7,8 +8,6 @@
 #include "core/Schema.h"
 
 #include <QDate>
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -98,44 +97,33 @@ public:
             { id, numero, nimi.isEmpty() ? QStringLiteral("Tili %1").arg(numero) : nimi });
     }
 
-    // A voucher of the current year, or of the previous one; gives its key.
-    static int voucher(const QString& pvm, bool previous = false, bool opening = false, int numero = 1)
-    {
-        if (previous) {
-            const int id = value(QStringLiteral("SELECT COALESCE(MAX(toEID), 0) + 1 FROM toE")).toInt();
-            exec(QStringLiteral("INSERT INTO toE (toEID, toENumero, toEPvm, toESelite, toEAvaustosite) "
-                                "VALUES (?, ?, ?, 'Tosite', ?)"),
-                { id, numero, pvm, opening ? 1 : 0 });
-            return id;
-        }
-        exec(QStringLiteral(
-                 "INSERT INTO \"to\" (toNumero, toPvm, toSelite, toAvaustosite) VALUES (?, ?, 'Tosite', ?)"),
-            { numero, pvm, opening ? 1 : 0 });
-        return value(QStringLiteral("SELECT MAX(toID) FROM \"to\"")).toInt();
-    }
-
-    static void entry(int toId, int tlId, const QString& tyyppi, qint64 cents, bool previous = false)
-    {
-        if (previous) {
-            const int id = value(QStringLiteral("SELECT COALESCE(MAX(viEID), 0) + 1 FROM viE")).toInt();
-            exec(QStringLiteral("INSERT INTO viE (viEID, viEtoID, viEtlID, viETyyppi, viEArvo, viESelite) "
-                                "VALUES (?, ?, ?, ?, ?, 'x')"),
-                { id, toId, tlId, tyyppi, cents * 100 });
-        } else {
-            exec(
-                QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite, viAvausvienti) "
-                               "VALUES (?, ?, ?, ?, 'x', (SELECT toAvaustosite FROM \"to\" WHERE toID = ?))"),
-                { toId, tlId, tyyppi, cents * 100, toId });
-        }
-    }
-
-    // A balanced voucher: `cents` on the debit of one account and the credit of another.
+    // A balanced voucher of the current year, or of the previous one: `cents` on the debit of one
+    // account and the credit of another; gives its key.
     static int post(
         const QString& pvm, int debit, int credit, qint64 cents, bool previous = false, bool opening = false)
     {
-        const int id = voucher(pvm, previous, opening);
-        entry(id, debit, QStringLiteral("D"), cents, previous);
-        entry(id, credit, QStringLiteral("K"), cents, previous);
+        const std::pair<int, QString> sides[]
+            = { { debit, QStringLiteral("D") }, { credit, QStringLiteral("K") } };
+        if (previous) {
+            const int id = value(QStringLiteral("SELECT COALESCE(MAX(toEID), 0) + 1 FROM toE")).toInt();
+            exec(QStringLiteral("INSERT INTO toE (toEID, toENumero, toEPvm, toESelite, toEAvaustosite) "
+                                "VALUES (?, 1, ?, 'Tosite', ?)"),
+                { id, pvm, int(opening) });
+            for (const auto& [tl, side] : sides)
+                exec(
+                    QStringLiteral("INSERT INTO viE (viEID, viEtoID, viEtlID, viETyyppi, viEArvo, viESelite) "
+                                   "SELECT COALESCE(MAX(viEID), 0) + 1, ?, ?, ?, ?, 'x' FROM viE"),
+                    { id, tl, side, cents * 100 });
+            return id;
+        }
+        exec(QStringLiteral(
+                 "INSERT INTO \"to\" (toNumero, toPvm, toSelite, toAvaustosite) VALUES (1, ?, 'Tosite', ?)"),
+            { pvm, int(opening) });
+        const int id = value(QStringLiteral("SELECT MAX(toID) FROM \"to\"")).toInt();
+        for (const auto& [tl, side] : sides)
+            exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite, viAvausvienti) "
+                                "VALUES (?, ?, ?, ?, 'x', ?)"),
+                { id, tl, side, cents * 100, int(opening) });
         return id;
     }
 
@@ -223,10 +211,8 @@ public:
     static bool openShipped(const TestEnv& env, const QString& relative)
     {
         const QString copy = env.path(QStringLiteral("data/") + QFileInfo(relative).fileName());
-        QDir().mkpath(QFileInfo(copy).absolutePath());
-        if (!QFile::copy(QStringLiteral(VORKAM_BIN_DIR "/") + relative, copy))
+        if (!ReportCommand::copyBuilt(relative, copy))
             return false;
-        QFile::setPermissions(copy, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
         ProgramSettings::installation().Database = copy;
         if (!db().isOpen())
             return false;

@@ -1,5 +1,7 @@
 #include "Golden.h"
 
+#include "TestEnv.h"
+
 #include <QDir>
 #include <QFile>
 #include <QStringList>
@@ -10,26 +12,23 @@ bool matches(const QString& name, const QString& actual, QString* why)
 {
     const QString path = QStringLiteral(VORKAM_GOLDEN_DIR "/") + name + QStringLiteral(".txt");
     if (qEnvironmentVariable("VORKAM_UPDATE_GOLDEN") == u"1") {
-        QFile f(path);
-        if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate) || f.write(actual.toUtf8()) < 0) {
+        if (!TestEnv::writeFile(path, actual.toUtf8())) {
             *why = QStringLiteral("Golden file %1 could not be written.").arg(path);
             return false;
         }
         qWarning("Golden file %s rewritten.", qPrintable(path));
         return true;
     }
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly)) {
+    if (!QFile::exists(path)) {
         *why = QStringLiteral("Golden file %1 is missing; make it with VORKAM_UPDATE_GOLDEN=1 and check it.")
                    .arg(path);
         return false;
     }
-    const QString expected = QString::fromUtf8(f.readAll());
+    const QString expected = QString::fromUtf8(TestEnv::readFile(path));
     if (expected == actual)
         return true;
-    QFile out(QDir::currentPath() + u'/' + name + QStringLiteral(".actual.txt"));
-    if (out.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        out.write(actual.toUtf8());
+    const QString out = QDir::currentPath() + u'/' + name + QStringLiteral(".actual.txt");
+    TestEnv::writeFile(out, actual.toUtf8());
     const QStringList e = expected.split(u'\n');
     const QStringList a = actual.split(u'\n');
     qsizetype line = 0;
@@ -40,7 +39,7 @@ bool matches(const QString& name, const QString& actual, QString* why)
                .arg(name)
                .arg(line + 1)
                .arg(line < e.size() ? e.at(line) : QStringLiteral("<end>"),
-                   line < a.size() ? a.at(line) : QStringLiteral("<end>"), out.fileName());
+                   line < a.size() ? a.at(line) : QStringLiteral("<end>"), out);
     return false;
 }
 

@@ -1,7 +1,6 @@
 #include "TestEnv.h"
 
 #include "core/DBC.h"
-#include "core/DatabaseFile.h"
 #include "core/FileOps.h"
 #include "core/Paths.h"
 #include "core/ProgramEnd.h"
@@ -83,26 +82,19 @@ bool TestEnv::createDatabase(const QString& file, Layout layout)
     withDatabase(file, [&](QSqlDatabase& db) {
         Schema::createCoreTables(db);
         ok = layout == Layout::Oldest || Schema::UpdateDatabase(db).ok;
-        QSqlQuery q(db);
-        ok = ok && db.transaction();
-        ok = ok
-            && q.exec(QStringLiteral(
-                "INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (1910, 'Pankkitili', ' '), "
-                "(2250, 'Edellisten tilikausien ylijäämä', ' '), (5000, 'Jäsenmaksut', ' ')"));
-        ok = ok
-            && q.exec(
-                QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (1, '2011-02-01', "
-                               "'Jäsenmaksu O''Brien')"));
-        ok = ok
-            && q.exec(QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) VALUES "
-                                     "(1, 1, 'D', 255000, 'Jäsenmaksu'), (1, 3, 'K', 255000, 'Jäsenmaksu')"));
-        // Enough rows to fill several pages, so a damaged page leaves others readable.
-        for (int i = 0; ok && i < 400; ++i)
-            ok = q.exec(
-                QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) VALUES (%1, '2011-03-01', "
-                               "'Tosite numero %1 jolla on pitkähkö selite sivujen täyttämiseksi')")
-                    .arg(i + 2));
-        ok = ok && db.commit();
     });
-    return ok;
+    // Enough vouchers to fill several pages, so a damaged page leaves others readable.
+    return ok
+        && exec(file,
+            { QStringLiteral("INSERT INTO tl (tlNumero, tlNimi, tlKuvaus) VALUES (1910, 'Pankkitili', ' '), "
+                             "(2250, 'Edellisten tilikausien ylijäämä', ' '), (5000, 'Jäsenmaksut', ' ')"),
+                QStringLiteral("INSERT INTO \"to\" (toNumero, toPvm, toSelite) "
+                               "VALUES (1, '2011-02-01', 'Jäsenmaksu O''Brien')"),
+                QStringLiteral("INSERT INTO vi (vitoID, vitlID, viTyyppi, viArvo, viSelite) VALUES "
+                               "(1, 1, 'D', 255000, 'Jäsenmaksu'), (1, 3, 'K', 255000, 'Jäsenmaksu')"),
+                QStringLiteral(
+                    "WITH RECURSIVE n (i) AS (SELECT 2 UNION ALL SELECT i + 1 FROM n WHERE i < 401) "
+                    "INSERT INTO \"to\" (toNumero, toPvm, toSelite) SELECT i, '2011-03-01', "
+                    "'Tosite numero ' || i || ' jolla on pitkähkö selite sivujen täyttämiseksi' "
+                    "FROM n") });
 }

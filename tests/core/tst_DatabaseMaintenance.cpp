@@ -80,7 +80,7 @@ void tst_DatabaseMaintenance::run_data()
 {
     QTest::addColumn<QVariant>("answer"); // invalid: the input box cancelled
     QTest::addColumn<QString>("obstacle");
-    QTest::addColumn<QString>("shown"); // the start of what follows the prompt; empty: nothing
+    QTest::addColumn<QString>("shown"); // the kind of what follows the prompt; empty: nothing
     QTest::addColumn<QString>("after");
     // A row is named by its obstacle, or else by its answer; no answer cancels the input box.
     const auto row
@@ -91,34 +91,28 @@ void tst_DatabaseMaintenance::run_data()
                   << (answer ? QVariant(QString::fromUtf8(answer)) : QVariant())
                   << QString::fromUtf8(obstacle) << QString::fromUtf8(shown) << after;
           };
-    row("POISTA KAIKKI", "", "information: Kaikki poistettu.", "tl 0, to 0, vi 0, toE 0, viE 0, ma 0, mr 0");
-    row("POISTA NYKYISET TOSITTEET", "", "information: Nykyiset tositteet poistettu.",
-        "tl 3, to 0, vi 0, toE 2, viE 2, ma 2, mr 3");
-    row("POISTA EDELLISET TOSITTEET", "", "information: Edelliset tositteet poistettu.",
-        "tl 3, to 3, vi 3, toE 0, viE 0, ma 2, mr 3");
-    row("POISTA TULOSLASKELMAMALLIT", "", "information: Tuloslaskelmamallit poistettu.",
-        "tl 3, to 3, vi 3, toE 2, viE 2, ma 1, mr 2");
-    row("POISTA TASEMALLIT", "", "information: Tasemallit poistettu.",
-        "tl 3, to 3, vi 3, toE 2, viE 2, ma 1, mr 1");
+    const char* const told = "information";
+    row("POISTA KAIKKI", "", told, "tl 0, to 0, vi 0, toE 0, viE 0, ma 0, mr 0");
+    row("POISTA NYKYISET TOSITTEET", "", told, "tl 3, to 0, vi 0, toE 2, viE 2, ma 2, mr 3");
+    row("POISTA EDELLISET TOSITTEET", "", told, "tl 3, to 3, vi 3, toE 0, viE 0, ma 2, mr 3");
+    row("POISTA TULOSLASKELMAMALLIT", "", told, "tl 3, to 3, vi 3, toE 2, viE 2, ma 1, mr 2");
+    row("POISTA TASEMALLIT", "", told, "tl 3, to 3, vi 3, toE 2, viE 2, ma 1, mr 1");
     // The entries stay without their accounts, as the voucher check will report.
-    row("POISTA TILIT", "", "information: Tilit poistettu.", "tl 0, to 3, vi 3, toE 2, viE 2, ma 2, mr 3");
-    // The account number keeps its separating blank in the message.
-    row("POISTA VIENNIT 1910", "", "information: Viennit tililtä  1910 poistettu.",
-        "tl 3, to 3, vi 1, toE 2, viE 1, ma 2, mr 3");
+    row("POISTA TILIT", "", told, "tl 0, to 3, vi 3, toE 2, viE 2, ma 2, mr 3");
+    row("POISTA VIENNIT 1910", "", told, "tl 3, to 3, vi 1, toE 2, viE 1, ma 2, mr 3");
 
     // No command, or a command that cannot run: nothing changes.
     row(nullptr, "", "");
     // The prefix with its blank but no account is one character too short for a command.
-    row("POISTA VIENNIT ", "",
-        "information: Komentoa ei löydy, tarkista komento.\nAntamasi komento: POISTA VIENNIT ");
-    row("POISTA KAIKKI", "read-only", "information: Tietokanta on avattu vain luettavaksi");
+    row("POISTA VIENNIT ", "", told);
+    row("POISTA KAIKKI", "read-only", told);
     row("POISTA TILIT", "the user stays", "");
-    row("POISTA KAIKKI", "no room", "error: Tietokannasta ei voitu ottaa varmuuskopiota");
+    row("POISTA KAIKKI", "no room", "error");
     // The template rows cannot be deleted: the vouchers deleted before them come back.
-    row("POISTA KAIKKI", "locked", "error: Komento ei onnistunut. Tietokantaa ei muutettu.\n");
+    row("POISTA KAIKKI", "locked", "error");
 }
 
-// A command that changes the books first keeps a safety copy of them and names it in its message.
+// A command that changes the books first keeps a safety copy of them.
 void tst_DatabaseMaintenance::run()
 {
     QFETCH(QVariant, answer);
@@ -136,17 +130,16 @@ void tst_DatabaseMaintenance::run()
     answer.isValid() ? dialogs.answerInput(answer.toString()) : dialogs.cancelInput();
     DatabaseMaintenance::run(books.db(), [&] { return obstacle != u"the user stays"; });
     const QStringList told = dialogs.transcript().mid(1);
-    QVERIFY2(shown.isEmpty() ? told.isEmpty() : told.first().startsWith(shown), qPrintable(told.join(u'\n')));
+    QCOMPARE(told.size(), shown.isEmpty() ? 0 : 1);
+    if (!shown.isEmpty())
+        QVERIFY2(told.first().startsWith(shown + u':'), qPrintable(told.first()));
     QCOMPARE(counts(books.file), after);
 
     const QDir copies(env.path(QStringLiteral("data/varmistukset")));
     const QStringList names = copies.entryList(QDir::Files);
     QCOMPARE(names.size(), after != Initial || obstacle == u"locked" ? 1 : 0);
-    if (after != Initial) {
+    if (after != Initial)
         QCOMPARE(counts(copies.filePath(names.first())), Initial);
-        QVERIFY(told.first().endsWith(
-            QStringLiteral("\nVarmuuskopio ennen muutosta: ") + copies.filePath(names.first())));
-    }
 }
 
 void tst_DatabaseMaintenance::descriptionsWithApostropheStay()
@@ -160,8 +153,6 @@ void tst_DatabaseMaintenance::descriptionsWithApostropheStay()
     QVERIFY(
         q.exec(QStringLiteral("SELECT group_concat(vitoID || ':' || viSelite, ', ') FROM vi")) && q.next());
     QCOMPARE(q.value(0).toString(), QStringLiteral("1:Maksu, 2:b, 3:Kahvit"));
-    QVERIFY(
-        dialogs.transcript().last().contains(QStringLiteral("\nTositteen 2 selitteessä on heittomerkki")));
 }
 
 QTEST_GUILESS_MAIN(tst_DatabaseMaintenance)

@@ -61,14 +61,7 @@ void tst_StickBackup::copyToTheStick()
     backup.today = QDate(2024, 3, 12);
     const QString copy = s.stick + QStringLiteral("/Vorkam/20240312/seura.mdb");
     QCOMPARE(backup.find(), StickBackup::Found::Ready);
-    qint64 lastDone = 0, lastTotal = 0;
-    const auto progress = [&](qint64 done, qint64 total) {
-        QVERIFY(done >= lastDone && done <= total);
-        lastDone = done;
-        lastTotal = total;
-    };
-    QVERIFY(backup.copy(progress).ok);
-    QCOMPARE(lastDone, lastTotal);
+    QVERIFY(backup.copy().ok);
     // The books were closed first, so the file on the disk is the whole of them.
     QVERIFY(!DBC::instance().isOpen());
     const QByteArray morning = TestEnv::readFile(copy);

@@ -13,19 +13,22 @@ private slots:
     void init() { QVERIFY(StatementFixture::start(f, StatementFixture::cleanPair)); }
     void cleanup() { StatementFixture::finish(f); }
 
-    // A clean pair has no findings and the findings table is emptied; without the pair the account
-    // checks are not run, and the table tells so.
+    // A selected template's pair: a clean pair has no findings and the findings table is emptied;
+    // unlinked, neither template has a pair, the account checks are not run and the table tells so.
     void cleanPairAndNoPair()
     {
         StatementFixture::exec(
             QStringLiteral("INSERT INTO tk (tkTeksti, tkTyyppi, tkParam) VALUES ('vanha', 1, 0)"));
-        QCOMPARE(TemplateChecks::listLines(TemplateChecks::run(f->db(), { 1, 2 })), QStringList());
+        QCOMPARE(TemplateChecks::listLines(TemplateChecks::run(f->db(), TemplateChecks::pairFor(f->db(), 1))),
+            QStringList());
         QCOMPARE(StatementFixture::count(QStringLiteral("tk")), 0);
-        QCOMPARE(TemplateChecks::reportText({}), QStringLiteral("Tarkistus suoritettu virheettömästi."));
         StatementFixture::exec(QStringLiteral("UPDATE mr SET mrTilit = '3,1,' WHERE mrID = 10"));
+        StatementFixture::exec(QStringLiteral("UPDATE ma SET maTulosMaID = 0 WHERE maID = 2"));
+        QVERIFY(!TemplateChecks::pairFor(f->db(), 2).complete());
         const QStringList expected { "Ei tarkistettu: Onko kaikki tilit käytössä.",
             "Ei tarkistettu: Onko sama tili useampaan kertaan taseessa tai tuloslaskelmassa." };
-        QCOMPARE(TemplateChecks::listLines(TemplateChecks::run(f->db(), { 1, 0 })), expected);
+        QCOMPARE(TemplateChecks::listLines(TemplateChecks::run(f->db(), TemplateChecks::pairFor(f->db(), 1))),
+            expected);
         QCOMPARE(StatementFixture::count(QStringLiteral("tk"), QStringLiteral("tkTyyppi = 10")), 2);
     }
 
@@ -76,14 +79,6 @@ private slots:
         for (const QString& s : sql)
             QVERIFY(StatementFixture::exec(s));
         QCOMPARE(TemplateChecks::listLines(TemplateChecks::run(f->db(), { 1, 2 })), expected);
-    }
-
-    void pairOfASelectedTemplate()
-    {
-        QCOMPARE(TemplateChecks::pairFor(f->db(), 1).tase, 2);
-        StatementFixture::exec(QStringLiteral("UPDATE ma SET maTulosMaID = 0 WHERE maID = 2"));
-        QVERIFY(!TemplateChecks::pairFor(f->db(), 1).complete());
-        QVERIFY(!TemplateChecks::pairFor(f->db(), 2).complete());
     }
 
     void balanceSideCorrection()

@@ -27,10 +27,9 @@ private slots:
         malli.Save(false);
         cMalli loaded(f->db());
         QVERIFY(loaded.Load(malli.id()));
-        QCOMPARE(loaded.Nimi(), QStringLiteral("Tase"));
-        QCOMPARE(loaded.Tyyppi(), cMalli::Tase);
-        QVERIFY(loaded.Suojattu());
-        QCOMPARE(loaded.TulosMaID(), 7);
+        QCOMPARE(
+            (QVariantList { loaded.Nimi(), int(loaded.Tyyppi()), loaded.Suojattu(), loaded.TulosMaID() }),
+            (QVariantList { "Tase", int(cMalli::Tase), true, 7 }));
         {
             auto rivi = loaded.AddModelRow();
             rivi->setTeksti(QStringLiteral("Tuotot"));

@@ -49,7 +49,6 @@ private slots:
         QLineEdit* name = child<QLineEdit>("tNimi");
         QCOMPARE(QApplication::focusWidget(), name);
         QTest::keyClicks(name, QStringLiteral("Lainat"));
-        QCOMPARE(tree()->currentItem()->text(0), QStringLiteral("Lainat"));
         click("cTallenna");
         tree()->setFocus();
         QTest::keyClick(tree(), Qt::Key_Up, Qt::AltModifier);
@@ -67,8 +66,6 @@ private slots:
         QTest::keyClicks(child<QLineEdit>("tNimi"), QStringLiteral(" ja avustukset"));
         f->dialogs.answerNo();
         QVERIFY(w->selectNode(QStringLiteral("mr11")));
-        QCOMPARE(
-            f->dialogs.texts(ScriptedDialogs::Kind::Question), QStringList { "Tallennetaanko muutokset?" });
         QVERIFY(w->selectNode(QStringLiteral("mr10")));
         QTest::keyClicks(child<QLineEdit>("tNimi"), QStringLiteral(" ja avustukset"));
         f->dialogs.answerYes();
@@ -83,11 +80,12 @@ private slots:
     void dropTickAndFormula()
     {
         w->dropped(QStringLiteral("mr23"), QStringLiteral("mr20"));
-        QCOMPARE(tree()->currentItem()->parent()->text(0), QStringLiteral("Vastaavaa"));
         child<QListWidget>("lstTilit")->item(3)->setCheckState(Qt::Checked);
         click("cTallenna");
-        QCOMPARE(StatementFixture::value(QStringLiteral("SELECT mrTilit FROM mr WHERE mrID = 23")).toString(),
-            QStringLiteral("2,4,"));
+        QCOMPARE(StatementFixture::value(QStringLiteral("SELECT mrBelongsToGroup || '/' || mrTilit FROM mr "
+                                                        "WHERE mrID = 23"))
+                     .toString(),
+            QStringLiteral("20/2,4,"));
 
         QVERIFY(w->selectNode(QStringLiteral("mr12")));
         click("cTyhjennaKaava");

@@ -11,6 +11,10 @@
 #include <QProcess>
 #include <QTest>
 
+#include <linux/capability.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
 // Damaged and foreign files where Vorkam expects books: none may crash Vorkam, each is told to
 // the user, and the file keeps its bytes unless the repair ran and kept the original beside it.
 
@@ -44,6 +48,8 @@ bool make(const TestEnv& env, const QString& kind, const QString& file)
         return TestEnv::writeFile(file, JetFixtures::garbled(good, JetFixtures::pageCount(good) / 2));
     if (kind == u"directory")
         return QDir().mkpath(file);
+    if (kind == u"no read permission")
+        return TestEnv::writeFile(file, good) && QFile::setPermissions(file, QFileDevice::WriteOwner);
     if (kind == u"Jet header") {
         QByteArray jet(4096 * 4, '\0');
         jet.replace(0, 19, QByteArray("\x00\x01\x00\x00Standard Jet DB\x00", 20).left(19));
@@ -89,6 +95,28 @@ std::pair<int, QString> vorkamReport(const QStringList& args)
     return { crashed ? -1 : p.exitCode(), err };
 }
 
+// Root's capabilities pass every permission. So the permission case run by root is run again in a
+// child process of this test with every capability dropped (still root, so it reads the build
+// wherever it lies, but held to the files' permission bits), which makes its own files and meets
+// them as they are; its result is this case's result. True when the case was run there.
+bool ranWithoutCapabilities(const QString& kind)
+{
+    if (kind != u"no read permission" || ::geteuid() != 0 || ::prctl(PR_CAPBSET_READ, CAP_DAC_OVERRIDE) != 1)
+        return false;
+    const QString function = QString::fromLatin1(QTest::currentTestFunction());
+    QProcess p;
+    p.setProcessChannelMode(QProcess::MergedChannels);
+    p.start(QStringLiteral("setpriv"),
+        { QStringLiteral("--bounding-set=-all"), QStringLiteral("--inh-caps=-all"), QStringLiteral("--"),
+            QCoreApplication::applicationFilePath(), function + u':' + kind });
+    p.waitForFinished(300000);
+    const QString out = QString::fromLocal8Bit(p.readAll()) + p.errorString();
+    const QString passed = QStringLiteral("PASS   : tst_DamagedFiles::%1(%2)").arg(function, kind);
+    if (p.exitStatus() != QProcess::NormalExit || p.exitCode() != 0 || !out.contains(passed))
+        QTest::qFail(qPrintable(QStringLiteral("without capabilities:\n") + out), __FILE__, __LINE__);
+    return true;
+}
+
 // One row: the kind of file and what the start-up makes of it, the file made at its place in the
 // test's folder, and the file's bytes as made.
 struct Case {
@@ -99,11 +127,13 @@ struct Case {
     QByteArray before;
 };
 
-// Runs `test` on this row's file made at `relative`.
+// Runs `test` on this row's file made at `relative`, unless a child without capabilities ran it.
 template <typename Test> void onFile(const QString& relative, Test test)
 {
     QFETCH_GLOBAL(QString, kind);
     QFETCH_GLOBAL(int, start);
+    if (ranWithoutCapabilities(kind))
+        return;
     TestEnv env;
     const QString file = env.path(relative);
     QVERIFY(make(env, kind, file));
@@ -132,6 +162,7 @@ void tst_DamagedFiles::initTestCase_data()
     row("zero bytes", RepairFailed);
     row("garbled page", Repaired);
     row("directory", Refused);
+    row("no read permission", Refused);
     row("Jet header", Refused);
     row("other program's SQLite", Refused);
     row("newer layout", Opened);
@@ -148,7 +179,7 @@ void tst_DamagedFiles::startup()
         ScriptedDialogs dialogs;
         // A missing or unreadable file offers the default database, an old-format file its
         // conversion: no.
-        if (c.kind == u"directory" || c.kind == u"Jet header")
+        if (c.kind == u"directory" || c.kind == u"Jet header" || c.kind == u"no read permission")
             dialogs.answerNo();
 
         Startup startup;
@@ -157,6 +188,9 @@ void tst_DamagedFiles::startup()
         DBC::instance().SuljeDB();
 
         const QString shown = dialogs.transcript().join(u'\n');
+        // The user is told why the books cannot be read.
+        if (c.kind == u"no read permission")
+            QVERIFY2(shown.contains(QStringLiteral("käyttöoikeus puuttuu")), qPrintable(shown));
         QCOMPARE(r.databaseOpen, c.start == Opened || c.start == Repaired);
         QCOMPARE(r.repaired, c.start == Repaired || c.start == RepairFailed);
         // The damaged original is kept as it was beside the repaired books.

@@ -84,7 +84,6 @@ private slots:
     void cleanOpenUpgradesOldestLayout();
     void readOnly_data();
     void readOnly();
-    void missingDatabase();
     void firstStartOpensOwnDemoCopy_data();
     void firstStartOpensOwnDemoCopy();
     void damagedFileIsRepaired();
@@ -163,72 +162,61 @@ void tst_Startup::readOnly()
     }
 }
 
-// A missing database is never made; the default is offered instead: the user's copy of the demo,
-// remembered once opened.
-void tst_Startup::missingDatabase()
-{
-    TestEnv env;
-    ScriptedDialogs dialogs;
-    const QString missing = env.path(QStringLiteral("ei-ole.mdb"));
-    setDatabase(env, missing);
-    QVERIFY(TestEnv::createDatabase(env.programDir() + QStringLiteral("/demo1.mdb")));
-    dialogs.answerYes();
-    const Startup::Result r = runStartup();
-    QCOMPARE(kinds(dialogs), (QStringList { "information", "question" }));
-    QVERIFY(r.databaseOpen && r.defaultTaken && r.upgraded);
-    QVERIFY(!QFile::exists(missing));
-    const QString own = env.path(QStringLiteral("data/demo1.mdb"));
-    QCOMPARE(ProgramSettings::installation().Database, own);
-    QCOMPARE(IniSettingsStore(env.iniFile()).read(QStringLiteral("Database"), {}), own);
-}
-
 void tst_Startup::firstStartOpensOwnDemoCopy_data()
 {
-    QTest::addColumn<QByteArray>("ini");
-    QTest::addColumn<bool>("ownExists");
-    QTest::addColumn<bool>("dataBlocked");
-    QTest::newRow("no settings yet") << QByteArray() << false << false;
-    QTest::newRow("settings name the program's demo") << QByteArray("PROGRAM") << false << false;
-    QTest::newRow("own copy is kept") << QByteArray() << true << false;
-    QTest::newRow("data folder cannot be made") << QByteArray() << false << true;
+    // "program": the settings name the program's demo; "own": the user's copy exists; "missing":
+    // the settings name a file that is not there; "blocked": the data folder cannot be made.
+    QTest::addColumn<QString>("start");
+    QTest::addColumn<QStringList>("shown");
+    QTest::newRow("no settings yet") << "" << QStringList();
+    QTest::newRow("settings name the program's demo") << "program" << QStringList();
+    QTest::newRow("own copy is kept") << "own" << QStringList();
+    QTest::newRow("missing books: the default is offered")
+        << "missing" << QStringList { "information", "question" };
+    QTest::newRow("data folder cannot be made")
+        << "blocked" << QStringList { "information", "information", "question" };
 }
 
 void tst_Startup::firstStartOpensOwnDemoCopy()
 {
-    QFETCH(QByteArray, ini);
-    QFETCH(bool, ownExists);
-    QFETCH(bool, dataBlocked);
+    QFETCH(QString, start);
+    QFETCH(QStringList, shown);
     TestEnv env;
     ScriptedDialogs dialogs;
     const QString shipped = env.programDir() + QStringLiteral("/demo1.mdb");
     const QString own = env.path(QStringLiteral("data/demo1.mdb"));
+    const QString missing = env.path(QStringLiteral("ei-ole.mdb"));
     QVERIFY(TestEnv::createDatabase(shipped));
-    if (ownExists) {
+    if (start == u"own") {
         QVERIFY(TestEnv::createDatabase(own));
         withDatabase(
             own, [](QSqlDatabase& db) { QSqlQuery(db).exec(QStringLiteral("CREATE TABLE oma(x)")); });
     }
-    if (dataBlocked) {
+    if (start == u"blocked") {
         QVERIFY(QDir(env.path(QStringLiteral("data"))).removeRecursively());
         QVERIFY(TestEnv::writeFile(env.path(QStringLiteral("data")), "tiedosto kansion paikalla"));
         dialogs.answerNo();
     }
+    if (start == u"missing") {
+        setDatabase(env, missing);
+        dialogs.answerYes();
+    }
     // The installed demo is read-only; the user's copy is the user's to change.
     QVERIFY(QFile::setPermissions(shipped, QFileDevice::ReadOwner | QFileDevice::ReadGroup));
-    if (ini == "PROGRAM")
+    if (start == u"program")
         setDatabase(env, shipped);
     const QByteArray shippedBytes = TestEnv::readFile(shipped);
 
     const Startup::Result r = runStartup();
-    // Nothing is ever written into the program's folder.
+    QCOMPARE(kinds(dialogs), shown);
+    // Nothing is ever written into the program's folder, and missing books are never made.
     QCOMPARE(TestEnv::readFile(shipped), shippedBytes);
     QCOMPARE(QDir(env.programDir()).entryList(QDir::Files | QDir::Hidden), QStringList { "demo1.mdb" });
-    if (dataBlocked) {
+    QVERIFY(!QFile::exists(missing));
+    if (start == u"blocked") {
         QVERIFY(!r.databaseOpen);
-        QCOMPARE(kinds(dialogs), (QStringList { "information", "information", "question" }));
         return;
     }
-    QCOMPARE(dialogs.transcript(), QStringList());
     QVERIFY(r.databaseOpen && !r.readOnly);
     QVERIFY(writable(own));
     QCOMPARE(ProgramSettings::installation().Database, own);
@@ -236,7 +224,7 @@ void tst_Startup::firstStartOpensOwnDemoCopy()
     bool kept = false;
     withDatabase(
         own, [&](QSqlDatabase& db) { kept = QSqlQuery(db).exec(QStringLiteral("SELECT * FROM oma")); });
-    QCOMPARE(kept, ownExists);
+    QCOMPARE(kept, start == u"own");
 }
 
 // Repaired from what can be read, the original kept, opened in the same run.

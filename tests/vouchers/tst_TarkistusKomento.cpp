@@ -56,13 +56,6 @@ private slots:
         QCOMPARE(r.out.count(u'\n'), 1);
         QVERIFY(TestEnv::readFile(books) != before); // the repair
     }
-
-    // Damaged files are refused in the tests of damaged files; a missing one too.
-    void missingBooks()
-    {
-        TestEnv env;
-        QCOMPARE(check(env.path(QStringLiteral("puuttuu.mdb"))).code, 3);
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_TarkistusKomento)

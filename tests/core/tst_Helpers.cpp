@@ -1,6 +1,5 @@
 #include "core/DatabaseError.h"
 #include "core/Dates.h"
-#include "core/ErrorText.h"
 #include "core/Money.h"
 #include "core/RecordText.h"
 #include "core/ScopedConnection.h"
@@ -24,7 +23,6 @@ private slots:
     void datesStorageAndLiterals();
     void recordText();
     void scriptRunsWhole();
-    void technicalTextsInFinnish();
 };
 
 void tst_Helpers::moneyParse_data()
@@ -163,15 +161,6 @@ void tst_Helpers::scriptRunsWhole()
         Sql::scalar(memory.db(), QStringLiteral("SELECT a FROM t")).toString(), QStringLiteral("O'Brien;;"));
     QVERIFY_THROWS_EXCEPTION(
         DatabaseError, Sql::runScript(memory.db(), QStringLiteral("INSERT INTO puuttuu VALUES (1);")));
-}
-
-// No engine or library English reaches the user alone: known texts in Finnish, others marked.
-void tst_Helpers::technicalTextsInFinnish()
-{
-    QCOMPARE(ErrorText::technical(QStringLiteral("database disk image is malformed Unable to fetch row")),
-        QStringLiteral("Tietokanta on vioittunut."));
-    QCOMPARE(ErrorText::engine(1, QStringLiteral("no such table: x")),
-        QStringLiteral("1: Tietokantavirhe\nTekninen tieto: no such table: x"));
 }
 
 QTEST_GUILESS_MAIN(tst_Helpers)

@@ -65,7 +65,6 @@ void tst_MailServerQuery::find_data()
     row("no network", "anna@yhdistys.fi", Resolver::Status::NoAnswer, {}, "NoAnswer");
     row("cut short", "anna@yhdistys.fi", answer,
         ScriptedResolver::mxAnswer(d, Exchanges { { 10, "mx.yhdistys.fi" } }).chopped(3), "NoAnswer");
-    row("no DNS message", "anna@yhdistys.fi", answer, "Tämä ei ole nimipalvelimen vastaus", "NoAnswer");
     row("address without @", "anna.yhdistys.fi", answer, Captured, "NoAddress");
 }
 
@@ -88,9 +87,6 @@ void tst_MailServerQuery::offer()
     dialogs.answerYes().answerNo();
     QCOMPARE(MailServerQuery::offer(found).value_or(QString()), QStringLiteral("mx.yhdistys.fi"));
     QVERIFY(!MailServerQuery::offer(found));
-    QCOMPARE(dialogs.transcript().first(),
-        QStringLiteral("question: Kysely löysi palvelimen: mx.yhdistys.fi\nHaluatko korvata nykyisen "
-                       "palvelinasetuksen?"));
     for (const auto status : { MailServerQuery::Status::NoAddress, MailServerQuery::Status::NotFound,
              MailServerQuery::Status::NoAnswer })
         QVERIFY(!MailServerQuery::offer({ status, {} }));

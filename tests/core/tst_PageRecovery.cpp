@@ -64,8 +64,6 @@ private slots:
         QTest::addColumn<bool>("whole"); // every row comes back
         QTest::addColumn<QStringList>("skipped");
         QTest::newRow("none") << books << true << QStringList();
-        QTest::newRow("garbled header")
-            << QByteArray(books).replace(16, 84, QByteArray(84, '\xff')) << true << QStringList();
         // Schema text is run only when it is one plain CREATE of the table, index or view its row
         // names: a trigger, or text that goes on after the statement, is left out and named.
         const QString file = env.path(QStringLiteral("skeema.mdb"));

@@ -61,9 +61,8 @@ class tst_DatabaseCreation : public QObject {
 private slots:
     void names_data();
     void names();
-    void refusedBeforeCopy_data();
-    void refusedBeforeCopy();
-    void fullDiskLeavesNothing();
+    void refusedLeavesNothing_data();
+    void refusedLeavesNothing();
     void settingCannotBeWritten();
     void modelBecomesNewBooks_data();
     void modelBecomesNewBooks();
@@ -94,7 +93,7 @@ void tst_DatabaseCreation::names()
     QCOMPARE(checked.message.isEmpty(), !name.isEmpty());
 }
 
-void tst_DatabaseCreation::refusedBeforeCopy_data()
+void tst_DatabaseCreation::refusedLeavesNothing_data()
 {
     QTest::addColumn<QVariant>("typed"); // invalid: the input box cancelled
     QTest::addColumn<QString>("obstacle");
@@ -108,10 +107,11 @@ void tst_DatabaseCreation::refusedBeforeCopy_data()
     row("data folder cannot be made", seura, "data folder", "error");
     row("model missing", seura, "no models", "error");
     row("the user stays", seura, "user stays", "");
+    row("the disk fills up once the copy has begun", seura, "full disk", "error");
 }
 
 // Nothing is copied, written or ended; the leave check comes last, just before the copy.
-void tst_DatabaseCreation::refusedBeforeCopy()
+void tst_DatabaseCreation::refusedLeavesNothing()
 {
     QFETCH(QVariant, typed);
     QFETCH(QString, obstacle);
@@ -127,43 +127,27 @@ void tst_DatabaseCreation::refusedBeforeCopy()
     const QString existing = env.path(QStringLiteral("data/vanhaseu.mdb"));
     TestEnv::writeFile(existing, "varattu");
     typed.isValid() ? dialogs.answerInput(typed.toString()) : dialogs.cancelInput();
+    rlimit saved {};
+    getrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, SIG_IGN);
     bool leaveChecked = false;
-    QVERIFY(!DatabaseCreation::run(Source::Yhdistys, [&] {
+    const bool created = DatabaseCreation::run(Source::Yhdistys, [&] {
         leaveChecked = true;
-        return obstacle != u"user stays";
-    }));
+        rlimit full = saved;
+        full.rlim_cur = 8 * 1024;
+        return obstacle == u"full disk" ? setrlimit(RLIMIT_FSIZE, &full) == 0 : obstacle != u"user stays";
+    });
+    setrlimit(RLIMIT_FSIZE, &saved);
+    QVERIFY(!created);
     QStringList expected { "information", "input" };
     if (!after.isEmpty())
         expected << after;
     QCOMPARE(kinds(dialogs), expected);
-    QCOMPARE(leaveChecked, obstacle == u"user stays");
+    QCOMPARE(leaveChecked, obstacle == u"user stays" || obstacle == u"full disk");
     QCOMPARE(dataFiles(env), QStringList { QStringLiteral("vanhaseu.mdb") });
     QCOMPARE(TestEnv::readFile(existing), QByteArray("varattu"));
     QCOMPARE(env.programEnds(), 0);
     QVERIFY(!env.readIni().contains(QStringLiteral("Database")));
-}
-
-void tst_DatabaseCreation::fullDiskLeavesNothing()
-{
-    TestEnv env;
-    ScriptedDialogs dialogs;
-    installModels(env);
-    QDir().mkpath(env.path(QStringLiteral("data")));
-    dialogs.answerInput(QStringLiteral("seura"));
-    rlimit saved {};
-    getrlimit(RLIMIT_FSIZE, &saved);
-    std::signal(SIGXFSZ, SIG_IGN);
-    // The disk fills up once the copy has begun.
-    const bool created = DatabaseCreation::run(Source::Yhdistys, [&] {
-        rlimit full = saved;
-        full.rlim_cur = 8 * 1024;
-        return setrlimit(RLIMIT_FSIZE, &full) == 0;
-    });
-    setrlimit(RLIMIT_FSIZE, &saved);
-    QVERIFY(!created);
-    QCOMPARE(dialogs.texts(ScriptedDialogs::Kind::Error).size(), 1);
-    QCOMPARE(dataFiles(env), QStringList());
-    QCOMPARE(env.programEnds(), 0);
 }
 
 void tst_DatabaseCreation::settingCannotBeWritten()

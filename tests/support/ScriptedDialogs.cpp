@@ -2,10 +2,6 @@
 
 #include <QTest>
 
-ScriptedDialogs::ScriptedDialogs() { Dialogs::install(this); }
-
-ScriptedDialogs::~ScriptedDialogs() { Dialogs::install(nullptr); }
-
 QString ScriptedDialogs::kindName(Kind kind)
 {
     // In the order of Kind.
@@ -56,11 +52,6 @@ QVariant ScriptedDialogs::take(Kind kind, const QString& text)
     return m_answers.takeFirst().second;
 }
 
-void ScriptedDialogs::information(const QString& text) { m_shown.append({ Kind::Information, text }); }
-void ScriptedDialogs::plain(const QString& text) { m_shown.append({ Kind::Plain, text }); }
-void ScriptedDialogs::error(const QString& text) { m_shown.append({ Kind::Error, text }); }
-bool ScriptedDialogs::question(const QString& text) { return take(Kind::Question, text).toBool(); }
-
 std::optional<QString> ScriptedDialogs::input(const QString& prompt, const QString&)
 {
     const QVariant v = take(Kind::Input, prompt);
@@ -76,6 +67,3 @@ QString ScriptedDialogs::saveFileName(const QString& title, const QString&, cons
 {
     return take(Kind::SaveFile, title + QStringLiteral(" | ") + start).toString();
 }
-
-void ScriptedDialogs::beep() { m_shown.append({ Kind::Beep, QString() }); }
-void ScriptedDialogs::openUrl(const QUrl& url) { m_shown.append({ Kind::OpenUrl, url.toString() }); }

@@ -5,6 +5,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 #include <QVariant>
 
 // Dialogs for tests: answers come from a queue in the order they were scripted, every text
@@ -17,8 +18,8 @@ public:
         QString text;
     };
 
-    ScriptedDialogs(); // installs itself
-    ~ScriptedDialogs() override; // uninstalls itself
+    ScriptedDialogs() { Dialogs::install(this); }
+    ~ScriptedDialogs() override { Dialogs::install(nullptr); }
 
     ScriptedDialogs& answerYes() { return queue(Kind::Question, true); }
     ScriptedDialogs& answerNo() { return queue(Kind::Question, false); }
@@ -36,15 +37,15 @@ public:
     const QStringList& failures() const { return m_failures; }
     void clear();
 
-    void information(const QString& text) override;
-    void plain(const QString& text) override;
-    void error(const QString& text) override;
-    bool question(const QString& text) override;
+    void information(const QString& text) override { m_shown.append({ Kind::Information, text }); }
+    void plain(const QString& text) override { m_shown.append({ Kind::Plain, text }); }
+    void error(const QString& text) override { m_shown.append({ Kind::Error, text }); }
+    bool question(const QString& text) override { return take(Kind::Question, text).toBool(); }
     std::optional<QString> input(const QString& prompt, const QString& defaultText) override;
     QString openFileName(const QString& title, const QString& filter, const QString& start) override;
     QString saveFileName(const QString& title, const QString& filter, const QString& start) override;
-    void beep() override;
-    void openUrl(const QUrl& url) override;
+    void beep() override { m_shown.append({ Kind::Beep, QString() }); }
+    void openUrl(const QUrl& url) override { m_shown.append({ Kind::OpenUrl, url.toString() }); }
 
     static QString kindName(Kind kind);
 

@@ -33,12 +33,7 @@ public:
     // per exchange, names written in full (tst_MailServerQuery has an answer with pointers).
     static QByteArray mxAnswer(const QByteArray& domain, const QList<QPair<int, QByteArray>>& exchanges)
     {
-        const auto u16 = [](int v) {
-            QByteArray bytes;
-            bytes.append(char((v >> 8) & 0xFF));
-            bytes.append(char(v & 0xFF));
-            return bytes;
-        };
+        const auto u16 = [](int v) { return QByteArray(1, char((v >> 8) & 0xFF)) + char(v & 0xFF); };
         const auto name = [](const QByteArray& dotted) {
             QByteArray bytes;
             for (const QByteArray& label : dotted.split('.'))

@@ -8,8 +8,8 @@
 // new golden file instead. A missing golden file fails the test.
 namespace Golden {
 
-// True when `actual` equals the golden file; otherwise `why` says where they part, and the
-// actual text is left beside the build's tests as NAME.actual.txt for a diff.
+// True when `actual` equals the golden file; otherwise `why` says so, and the actual text is
+// left beside the build's tests as NAME.actual.txt for a diff.
 bool matches(const QString& name, const QString& actual, QString* why);
 
 } // namespace Golden

@@ -258,17 +258,14 @@ public:
     }
 
     static constexpr qint64 Missing = std::numeric_limits<qint64>::min();
-    // One money column of the first line with the given caption and marker, in cents; Missing
-    // when there is no such line.
-    static qint64 amount(const QString& table, const QString& column, const QString& caption,
-        const QString& merkki = QStringLiteral("**"))
+    // One money column of the first line with the given caption and the marker "**", in cents;
+    // Missing when there is no such line. The engine reads names in any case: taseteksti too.
+    static qint64 amount(const QString& table, const QString& column, const QString& caption)
     {
-        const QString text
-            = table == QLatin1String("tula") ? QStringLiteral("tulaTeksti") : QStringLiteral("taseteksti");
         const QVariant v
-            = value(QStringLiteral("SELECT %1 FROM %2 WHERE %3 = ? AND %2Merkki = ? ORDER BY %2ID")
-                        .arg(column, table, text),
-                { caption, merkki });
+            = value(QStringLiteral("SELECT %1 FROM %2 WHERE %2Teksti = ? AND %2Merkki = '**' ORDER BY %2ID")
+                        .arg(column, table),
+                { caption });
         return v.isValid() ? v.toLongLong() / 100 : Missing;
     }
 

@@ -162,25 +162,8 @@ private slots:
             QCOMPARE(scalar(file, QString::fromUtf8(sql)), expected);
     }
 
-    void unknownTableIsReportedNotCopied()
-    {
-        TestEnv env;
-        const QString file = copyFixture(env, Current);
-        // The empty work table tk renamed: a table Vorkam does not know.
-        QByteArray bytes = TestEnv::readFile(file);
-        QVERIFY(renameTable(bytes, QStringLiteral("tk"), QStringLiteral("zz")));
-        QVERIFY(TestEnv::writeFile(file, bytes));
-        const JetConversion::Result r = JetConversion().convert(file);
-        QVERIFY2(r.ok, qPrintable(r.message));
-        QCOMPARE(r.skippedTables, QStringList { QStringLiteral("zz") });
-        const QMap<QString, QStringList> layout = layoutOf(file);
-        QVERIFY(!layout.contains(QStringLiteral("zz")));
-        // The upgrade makes Vorkam's own tk as for any book without one.
-        QVERIFY(layout.contains(QStringLiteral("tk")));
-    }
-
     // vorkam_report converts from the command line; a second old file converted under the same
-    // name keeps the first original.
+    // name keeps the first original. A table Vorkam does not know is reported, not copied.
     void secondConversionKeepsTheFirstOriginal()
     {
         TestEnv env;
@@ -190,14 +173,21 @@ private slots:
         QVERIFY(p.waitForFinished(120000));
         QVERIFY2(p.exitCode() == 0, qPrintable(QString::fromUtf8(p.readAllStandardError())));
 
-        QVERIFY(QFile::remove(file));
-        QVERIFY(!copyFixture(env, Current).isEmpty());
+        // The empty work table tk renamed: a table Vorkam does not know.
+        QByteArray bytes = TestEnv::readFile(JetFixtures::path(Current));
+        QVERIFY(renameTable(bytes, QStringLiteral("tk"), QStringLiteral("zz")));
+        QVERIFY(TestEnv::writeFile(file, bytes));
         const JetConversion::Result second = JetConversion().convert(file);
         QVERIFY2(second.ok, qPrintable(second.message));
         QCOMPARE(second.original, env.path(QStringLiteral("seura-jet-2.mdb")));
         QCOMPARE(TestEnv::readFile(env.path(QStringLiteral("seura-jet.mdb"))),
             TestEnv::readFile(JetFixtures::path(Old)));
-        QCOMPARE(TestEnv::readFile(second.original), TestEnv::readFile(JetFixtures::path(Current)));
+        QCOMPARE(TestEnv::readFile(second.original), bytes);
+        QCOMPARE(second.skippedTables, QStringList { QStringLiteral("zz") });
+        const QMap<QString, QStringList> layout = layoutOf(file);
+        QVERIFY(!layout.contains(QStringLiteral("zz")));
+        // The upgrade makes Vorkam's own tk as for any book without one.
+        QVERIFY(layout.contains(QStringLiteral("tk")));
     }
 
     void badFileIsRefused_data()

@@ -43,7 +43,6 @@ private slots:
         w.Ensimmainen();
         child<QAction>(w, "mTositteidenTarkistus")->trigger();
         auto* lista = child<QListWidget>(w, "lstVirheet");
-        QCOMPARE(lista->count(), 1);
         // Enter on a finding shows its voucher in the voucher window.
         lista->setFocus();
         lista->setCurrentRow(0);

@@ -90,22 +90,6 @@ private slots:
         QCOMPARE(f->count(QStringLiteral("viE")), 1);
         QCOMPARE(f->count(QStringLiteral("vi")), 1);
     }
-
-    // Browsing runs by number over every kind; the first skips the opening voucher 0.
-    void browsing()
-    {
-        for (const auto& [key, numero] : Pairs { { 1, 0 }, { 2, 12 }, { 3, 2 }, { 4, 4 } })
-            addToE(key, numero);
-        cTositeEd t(f->db());
-        QList<int> forward, backward;
-        for (auto v = t.GetFirst(); !v->IsEmpty() && forward.size() < 9; v = v->GetNext())
-            forward << v->ToId();
-        for (auto v = t.GetLast(); !v->IsEmpty() && backward.size() < 9; v = v->GetPrevious())
-            backward << v->ToId();
-        QCOMPARE(forward, QList<int>({ 3, 4, 2 }));
-        QCOMPARE(backward, QList<int>({ 2, 4, 3, 1 }));
-        QVERIFY(t.GetLast()->Avaustosite() && !t.GetFirst()->Paatostosite());
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_cTositeEd)

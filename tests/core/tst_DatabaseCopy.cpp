@@ -36,12 +36,13 @@ class tst_DatabaseCopy : public QObject {
     Q_OBJECT
 
 private slots:
-    void refusalsLeaveNothingBehind();
+    void copiesOfOpenBooks();
     void safetyCopyName();
-    void safetyCopiesOfOpenBooks();
 };
 
-void tst_DatabaseCopy::refusalsLeaveNothingBehind()
+// Books kept open on their own connection, as Vorkam keeps them: a refused backup leaves nothing
+// behind; each safety copy holds the latest change and has a name of its own.
+void tst_DatabaseCopy::copiesOfOpenBooks()
 {
     TestEnv env;
     QVERIFY(TestEnv::createDatabase(env.path(QStringLiteral("seura.mdb"))));
@@ -59,24 +60,7 @@ void tst_DatabaseCopy::refusalsLeaveNothingBehind()
     }
     QCOMPARE(filesIn(env.path(QString())), before);
     QCOMPARE(TestEnv::readFile(env.path(QStringLiteral("olemassa.mdb"))), QByteArray("vanha"));
-}
 
-// The file name without its last extension; in the command, whatever is not a letter or a digit
-// becomes "-".
-void tst_DatabaseCopy::safetyCopyName()
-{
-    QCOMPARE(DatabaseCopy::safetyCopyName(QStringLiteral("/tmp/äijät.v2.mdb"),
-                 QStringLiteral("TILIKAUDEN VÄLI 19/10"), QDateTime(QDate(2024, 3, 5), QTime(7, 8, 9))),
-        QStringLiteral("äijät.v2-ennen-TILIKAUDEN-VÄLI-19-10-20240305-070809.mdb"));
-}
-
-// Safety copies of books kept open on their own connection, as Vorkam keeps them: the latest
-// change is in each, and each has a name of its own.
-void tst_DatabaseCopy::safetyCopiesOfOpenBooks()
-{
-    TestEnv env;
-    QVERIFY(TestEnv::createDatabase(env.path(QStringLiteral("seura.mdb"))));
-    ScopedConnection books(env.path(QStringLiteral("seura.mdb")));
     QSqlQuery q(books.db());
     QVERIFY(q.exec(QStringLiteral("UPDATE \"to\" SET toSelite = 'Muutettu' WHERE toNumero = 1")));
     const DatabaseCopy::SafetyCopy first
@@ -88,6 +72,15 @@ void tst_DatabaseCopy::safetyCopiesOfOpenBooks()
     QCOMPARE(filesIn(env.path(QStringLiteral("data/varmistukset"))).size(), 2);
     QCOMPARE(contents(first.path), QStringLiteral("401 Muutettu"));
     QCOMPARE(contents(second.path), QStringLiteral("401 Muutettu"));
+}
+
+// The file name without its last extension; in the command, whatever is not a letter or a digit
+// becomes "-".
+void tst_DatabaseCopy::safetyCopyName()
+{
+    QCOMPARE(DatabaseCopy::safetyCopyName(QStringLiteral("/tmp/äijät.v2.mdb"),
+                 QStringLiteral("TILIKAUDEN VÄLI 19/10"), QDateTime(QDate(2024, 3, 5), QTime(7, 8, 9))),
+        QStringLiteral("äijät.v2-ennen-TILIKAUDEN-VÄLI-19-10-20240305-070809.mdb"));
 }
 
 QTEST_GUILESS_MAIN(tst_DatabaseCopy)

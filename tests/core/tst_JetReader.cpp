@@ -96,7 +96,6 @@ private slots:
         QTest::newRow("compressed, switching to two-byte characters and back")
             << QByteArray("\xff\xfeJ\xe4sen \x00\xac\x20\x00!", 13) << "Jäsen €!";
         QTest::newRow("two-byte text") << QByteArray("O\0'\0B\0r\0i\0e\0n\0", 14) << "O'Brien";
-        QTest::newRow("odd two-byte text") << QByteArray("O\0'", 3) << QString();
         QTest::newRow("cut inside a two-byte character") << QByteArray("\xff\xfe\x00\xac", 4) << QString();
     }
 
@@ -269,7 +268,6 @@ private slots:
             readNames << t.name;
         QCOMPARE(readNames, names);
 
-        QStringList differences;
         for (const JetTable& t : read.books.tables) {
             const QList<QStringList> exported = exportedRows(file, t.name);
             QVERIFY2(!exported.isEmpty(), qPrintable(t.name));
@@ -281,17 +279,11 @@ private slots:
             for (qsizetype r = 0; r < t.rows.size(); ++r) {
                 const QStringList& fields = exported.at(r + 1);
                 QCOMPARE(fields.size(), t.columns.size());
-                for (qsizetype c = 0; c < t.columns.size(); ++c) {
-                    if (!exportShows(t.columns.at(c).kind, t.rows.at(r).at(c), fields.at(c)))
-                        differences << QStringLiteral("%1 row %2 %3: read %4, exported %5")
-                                           .arg(t.name)
-                                           .arg(r)
-                                           .arg(t.columns.at(c).name, t.rows.at(r).at(c).toString(),
-                                               fields.at(c).left(40));
-                }
+                for (qsizetype c = 0; c < t.columns.size(); ++c)
+                    QVERIFY2(exportShows(t.columns.at(c).kind, t.rows.at(r).at(c), fields.at(c)),
+                        qPrintable(QStringLiteral("%1 row %2: %3").arg(t.name).arg(r).arg(fields.at(c))));
             }
         }
-        QVERIFY2(differences.isEmpty(), qPrintable(differences.mid(0, 10).join(u'\n')));
     }
 };
 

@@ -18,6 +18,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <tuple>
 #include <utility>
 
 // An empty association database for 2012 (previous 2011) with scripted dialogs, writers and
@@ -163,14 +164,13 @@ public:
     // Ylijäämä; balance sheet 2 takes its profit.
     static void smallAssociation()
     {
-        const std::pair<int, const char*> accounts[] = { { 1, "1910 Pankkitili" },
-            { 4, "1700 Siirtosaamiset" }, { 2, "2290 Tilikauden yli-/alijäämä (tase)" }, { 3, "3000 Myynti" },
-            { 5, "4000 Kulut" }, { 7, "9990 Tilikauden yli-/alijäämä (tuloslaskelma)" },
-            { 8, "2000 Oma pääoma" }, { 9, "2500 Ostovelat" } };
-        for (const auto& [id, text] : accounts) {
-            const QString t = QString::fromUtf8(text);
-            account(id, t.section(u' ', 0, 0).toInt(), t.section(u' ', 1));
-        }
+        const std::tuple<int, int, const char*> accounts[]
+            = { { 1, 1910, "Pankkitili" }, { 4, 1700, "Siirtosaamiset" },
+                  { 2, 2290, "Tilikauden yli-/alijäämä (tase)" }, { 3, 3000, "Myynti" }, { 5, 4000, "Kulut" },
+                  { 7, 9990, "Tilikauden yli-/alijäämä (tuloslaskelma)" }, { 8, 2000, "Oma pääoma" },
+                  { 9, 2500, "Ostovelat" } };
+        for (const auto& [id, numero, nimi] : accounts)
+            account(id, numero, QString::fromUtf8(nimi));
         ProgramSettings::bookkeeping().VoittoTaseella = 2;
         malli(1, QStringLiteral("Tuloslaskelma"), 1);
         row({ .id = 1, .teksti = "Tuotot" });

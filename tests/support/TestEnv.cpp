@@ -46,8 +46,6 @@ void TestEnv::writeIni(const QByteArray& content) const
     writeFile(iniFile(), content);
 }
 
-QString TestEnv::readIni() const { return QString::fromUtf8(readFile(iniFile())); }
-
 bool TestEnv::exec(const QString& file, const QStringList& statements)
 {
     bool ok = true;

@@ -20,7 +20,7 @@ public:
     QString iniFile() const { return path(QStringLiteral("config/Vorkam/lxvorkam.ini")); }
 
     void writeIni(const QByteArray& content) const;
-    QString readIni() const;
+    QString readIni() const { return QString::fromUtf8(readFile(iniFile())); }
     int programEnds() const { return m_programEnds; }
 
     enum class Layout { Oldest, Current };

@@ -1,10 +1,12 @@
 #include "core/DatabaseError.h"
 #include "core/Dates.h"
+#include "core/ErrorText.h"
 #include "core/Money.h"
 #include "core/RecordText.h"
 #include "core/ScopedConnection.h"
 
 #include <QTest>
+#include <cerrno>
 
 #include <tuple>
 
@@ -22,6 +24,7 @@ private slots:
     void datesParse();
     void datesStorageAndLiterals();
     void recordText();
+    void errorTexts();
     void scriptRunsWhole();
 };
 
@@ -147,6 +150,20 @@ void tst_Helpers::recordText()
     // A character outside the basic plane is never cut in half.
     const QString emoji = QString(49, u'a') + QString::fromUtf8("😀");
     QCOMPARE(RecordText::cut(emoji, 50), QString(49, u'a'));
+}
+
+// Engine and system words reach the user in Finnish where Vorkam knows them, and are never lost.
+void tst_Helpers::errorTexts()
+{
+    QCOMPARE(ErrorText::technical(QStringLiteral("database disk image is malformed")),
+        QStringLiteral("Tietokanta on vioittunut."));
+    QCOMPARE(
+        ErrorText::technical(QStringLiteral(" odd words ")), QStringLiteral("Tekninen tieto: odd words"));
+    QCOMPARE(ErrorText::engine(13, QStringLiteral("database or disk is full")),
+        QStringLiteral("13: Levyllä ei ole tilaa"));
+    QCOMPARE(ErrorText::engine(1, QStringLiteral("no such table: x")),
+        QStringLiteral("1: Tietokantavirhe\nTekninen tieto: no such table: x"));
+    QCOMPARE(ErrorText::system(ENOSPC), QStringLiteral("28: Levyllä ei ole tilaa"));
 }
 
 // A script runs as the engine splits it: a trigger's inner semicolons, quoted ones and comments.

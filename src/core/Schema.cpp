@@ -72,8 +72,16 @@ const CreateTable VipPohjatTable { "vipPohjat",
     "CREATE TABLE vipPohjat (vipID INTEGER PRIMARY KEY AUTOINCREMENT, viptlID INTEGER, viptpID INTEGER, "
     "vipTyyppi TEXT, vipArvo INTEGER)" };
 
-const CreateTable* const UpgradeTables[]
-    = { &TkTable, &SettingsTable, &TlSaldotTable, &TlTarkastelutTable, &TpPohjatTable, &VipPohjatTable };
+// The bank statement lines stored as vouchers: each line once per bank account, with what the
+// next statement learns from (reference, counterparty, message and the voucher's counter-entry).
+const CreateTable BankLinesTable { "BankLines",
+    "CREATE TABLE BankLines (blID INTEGER PRIMARY KEY AUTOINCREMENT, blIban TEXT NOT NULL, blArchiveRef TEXT "
+    "NOT NULL, blAccount INTEGER, blVoucher INTEGER, blCounterAccount INTEGER, blDate TEXT, blAmount "
+    "INTEGER, blReference TEXT, blCounterparty TEXT, blCounterpartyAccount TEXT, blMessage TEXT, UNIQUE "
+    "(blIban, blArchiveRef))" };
+
+const CreateTable* const UpgradeTables[] = { &TkTable, &SettingsTable, &TlSaldotTable, &TlTarkastelutTable,
+    &TpPohjatTable, &VipPohjatTable, &BankLinesTable };
 
 // The work tables of the reports in their current layout. Reports never write the books: each
 // connection gets these as TEMP tables, which SQLite finds before the file's tables of the same
@@ -373,7 +381,8 @@ UpgradeResult UpdateDatabase(const QSqlDatabase& db)
         && u.createTable(14, TlSaldotTable) //
         && u.createTable(15, TlTarkastelutTable) //
         && u.createTable(16, TpPohjatTable) //
-        && u.createTable(17, VipPohjatTable);
+        && u.createTable(17, VipPohjatTable) //
+        && u.createTable(18, BankLinesTable);
     if (done) {
         for (const AddField& f : TemplateRowFields)
             if (!u.addField(0, f))

@@ -23,7 +23,7 @@ QStringList missingCoreTables(const QSqlDatabase& db);
 // Every table of the current layout: the core tables, then those the upgrade creates.
 QStringList tableNames();
 // Creates one of the tables the upgrade creates (tk, Settings, tlSaldot, tlTarkastelut,
-// tpPohjat, vipPohjat) in its current layout. Throws DatabaseError, also for any other name.
+// tpPohjat, vipPohjat, BankLines) in its current layout. Throws DatabaseError, also for any other name.
 void createUpgradeTable(const QSqlDatabase& db, const QString& table);
 // Makes the automatic numbering of `table` continue after `lastUsed` at least, so that
 // numbers given before (and perhaps deleted since) are not given again. Throws DatabaseError.
@@ -36,14 +36,14 @@ void createWorkTables(const QSqlDatabase& db);
 
 struct UpgradeResult {
     bool ok = true;
-    // Steps (1–17) that changed something, in the order they ran.
+    // Steps (1–18) that changed something, in the order they ran.
     QList<int> appliedSteps;
     // The step that failed, 0 when none, and the database's error text.
     int failedStep = 0;
     QString error;
 };
 
-// Runs the seventeen upgrade steps in their fixed order, each skipped when its table or field
+// Runs the eighteen upgrade steps in their fixed order, each skipped when its table or field
 // exists; the three stored queries are always recreated. A failing step ends the routine:
 // earlier steps stay done and the next run resumes with the first missing item. Finally the
 // template rows' account and side fields (mrtlID, mrviTyyppi) are added when missing, and the

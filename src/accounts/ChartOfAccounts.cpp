@@ -4,6 +4,7 @@
 #include "core/DatabaseFile.h"
 #include "core/ProgramSettings.h"
 #include "core/RecordText.h"
+#include "core/SettingsStore.h"
 #include "core/TemplateText.h"
 #include "core/Transaction.h"
 
@@ -300,6 +301,18 @@ void lisaaRiveille(const QSqlDatabase& db, qint32 tlId, const std::vector<MalliR
             { TemplateText::accountList(tilit), r.id });
     }
     transaction.commitOrThrow();
+}
+
+QString suspenseKey() { return QStringLiteral("Selvittelytili"); }
+
+qint32 suspenseAccount(const QSqlDatabase& db)
+{
+    const QString numero = DbSettingsStore(db).read(suspenseKey(), QString()).trimmed();
+    if (numero.isEmpty())
+        return 0;
+    return Sql::scalar(db, QStringLiteral("SELECT tlID FROM tl WHERE tlNumero = ? ORDER BY tlID LIMIT 1"),
+        { numero.toInt() })
+        .toInt();
 }
 
 } // namespace ChartOfAccounts

@@ -6,7 +6,10 @@
 //                 [--narrow] (--pdf F | --csv F | --xlsx F)
 //   vorkam_report OLD.mdb muunna      converts old Jet books into Vorkam's format
 //   vorkam_report BOOKS.mdb tarkistus prints the findings of the voucher check (exit 1 with any)
+//   vorkam_report BOOKS.mdb tiliote FILE --account N [--tallenna]
+//                                     prints (and stores) the vouchers a bank statement proposes
 #include "app/ReportCatalog.h"
+#include "bank/BankImport.h"
 #include "core/ComputedEntries.h"
 #include "core/DatabaseError.h"
 #include "core/DatabaseFile.h"
@@ -37,6 +40,7 @@ enum Exit { Ok = 0, Failed = 1, Usage = 2, BadBooks = 3 };
 
 const QString ConvertCommand = QStringLiteral("muunna");
 const QString CheckCommand = QStringLiteral("tarkistus");
+const QString StatementCommand = QStringLiteral("tiliote");
 
 void say(FILE* stream, const QString& text)
 {
@@ -72,6 +76,8 @@ QString usage()
         "       vorkam_report VANHA.mdb muunna  (muuntaa vanhan Jet-tietokannan Vorkamin muotoon)\n"
         "       vorkam_report KIRJANPITO.mdb tarkistus  (tositteiden tarkistus; paluuarvo 1, kun puutteita "
         "on)\n"
+        "       vorkam_report KIRJANPITO.mdb tiliote TILIOTE --account N [--tallenna]\n"
+        "                      (tiliotteen rivien tositeehdotukset; --tallenna tallentaa ne)\n"
         "Raportit:\n");
     for (const ReportCatalog::Entry& e : ReportCatalog::entries())
         text += QStringLiteral("  %1  %2\n").arg(e.name, -10).arg(e.description);
@@ -84,6 +90,8 @@ struct Arguments {
     ReportCatalog::Options options;
     QString format; // "pdf", "csv", "xlsx"
     QString output;
+    QString statement; // the bank statement file of "tiliote"
+    bool store = false; // --tallenna
 };
 
 // Reads the command line; gives a Finnish message when it is not right.
@@ -100,6 +108,10 @@ QString parse(const QStringList& args, Arguments& a)
             return QStringLiteral("help");
         if (arg == u"--version")
             return QStringLiteral("version");
+        if (arg == u"--tallenna") {
+            a.store = true;
+            continue;
+        }
         if (arg == u"--accounts" || arg == u"--groups-only" || arg == u"--narrow") {
             (arg == u"--accounts"        ? a.options.perAccount
                     : arg == u"--narrow" ? a.options.narrow
@@ -137,12 +149,24 @@ QString parse(const QStringList& args, Arguments& a)
             return QStringLiteral("Valitsinta %1 ei ole.").arg(arg);
         }
     }
+    if (positional.size() == 3 && positional.at(1) == StatementCommand)
+        a.statement = positional.takeLast();
     if (positional.size() != 2)
         return QStringLiteral("Anna kirjanpidon tiedosto ja raportin nimi.");
     a.books = positional.at(0);
     a.report = positional.at(1);
     const bool noOptions = a.format.isEmpty() && !a.options.from.isValid() && !a.options.account
         && a.options.kind.isEmpty() && !a.options.to.isValid();
+    if (a.report == StatementCommand) {
+        if (a.statement.isEmpty() || !a.options.account)
+            return QStringLiteral(
+                "Anna tiliotteen tiedosto ja pankkitilin numero: tiliote TIEDOSTO --account N.");
+        return a.format.isEmpty() && !a.options.from.isValid() && a.options.kind.isEmpty()
+            ? QString()
+            : QStringLiteral("Tiliotteen tuonti käyttää vain valitsimia --account ja --tallenna.");
+    }
+    if (a.store)
+        return QStringLiteral("Valitsin --tallenna kuuluu tiliotteen tuontiin.");
     if (a.report == ConvertCommand)
         return noOptions ? QString() : QStringLiteral("Muunnos ei käytä valitsimia.");
     if (a.report == CheckCommand)
@@ -281,12 +305,82 @@ int check(const QString& path)
     });
 }
 
+// Prints the voucher each line of a bank statement proposes and, with --tallenna, stores them.
+int importStatement(const Arguments& a)
+{
+    const BankReadResult read = BankStatements::readFile(a.statement);
+    if (!read.statement) {
+        say(stderr, read.error);
+        return read.fileError ? BadBooks : Failed;
+    }
+    const QString books = QFileInfo(a.books).absoluteFilePath();
+    if (const QString problem = booksProblem(books); !problem.isEmpty()) {
+        say(stderr, problem);
+        return BadBooks;
+    }
+    if (a.store && DatabaseFile::isReadOnly(books)) {
+        say(stderr,
+            QStringLiteral("Kirjanpito %1 on vain luettavissa: tositteita ei voi tallentaa.").arg(books));
+        return BadBooks;
+    }
+    return withBooks(books, !a.store, [&](const QSqlDatabase& db) {
+        if (Schema::tableMissing(db, QStringLiteral("BankLines"))) {
+            say(stderr,
+                QStringLiteral("Kirjanpito %1 on vanhempaa muotoa. Avaa se kerran Vorkamissa, joka päivittää "
+                               "sen, ja tuo tiliote sitten uudelleen.")
+                    .arg(books));
+            return int(BadBooks);
+        }
+        try {
+            const BookkeepingSettings& year = ProgramSettings::bookkeeping();
+            const qint32 bank = BankImport::accountId(db, *a.options.account);
+            if (!bank) {
+                say(stderr, QStringLiteral("Tiliä %1 ei ole tilikartassa.").arg(*a.options.account));
+                return int(Failed);
+            }
+            BankImport::Plan plan
+                = BankImport::propose(db, *read.statement, bank, year.TilikausiAlku, year.TilikausiLoppu);
+            if (!plan.error.isEmpty()) {
+                say(stderr, plan.error);
+                return int(Failed);
+            }
+            if (a.store && !plan.suspenseAccount && BankImport::needsSuspense(plan)) {
+                const BankImport::SuspenseOffer offer = BankImport::suspenseOffer(db);
+                const BankImport::CreatedSuspense created = BankImport::createSuspenseAccount(db, offer);
+                say(stdout, BankImport::suspenseCreatedText(offer, created));
+                plan
+                    = BankImport::propose(db, *read.statement, bank, year.TilikausiAlku, year.TilikausiLoppu);
+            }
+            for (const BankImport::Proposal& p : plan.proposals)
+                say(stdout, BankImport::lineText(db, p));
+            if (!a.store)
+                return int(Ok);
+            if (BankImport::newLines(plan).empty()) {
+                say(stdout, QStringLiteral("Tiliotteella ei ole uusia rivejä: mitään ei tallennettu."));
+                return int(Ok);
+            }
+            const BankImport::Stored stored = BankImport::store(db, plan, BankImport::newLines(plan));
+            if (!stored.error.isEmpty()) {
+                say(stderr, stored.error);
+                return int(Failed);
+            }
+            say(stdout, BankImport::storedText(stored));
+            return int(Ok);
+        } catch (const DatabaseError& e) {
+            say(stderr, e.message(QStringLiteral("Tiliotteen tuonti ei onnistunut; mitään ei tallennettu.")));
+            return int(BadBooks);
+        }
+    });
+}
+
 int run(const Arguments& a)
 {
     if (a.report == ConvertCommand)
         return convert(a.books);
     if (a.report == CheckCommand)
         return check(a.books);
+    if (a.report == StatementCommand)
+        return importStatement(a);
     const ReportCatalog::Entry* entry = ReportCatalog::find(a.report);
     if (!entry) {
         say(stderr, QStringLiteral("Raporttia %1 ei ole.").arg(a.report));

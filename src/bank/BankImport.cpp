@@ -119,18 +119,6 @@ int Plan::count(State state) const
         proposals.begin(), proposals.end(), [state](const Proposal& p) { return p.state == state; }));
 }
 
-QString suspenseKey() { return QStringLiteral("Selvittelytili"); }
-
-qint32 suspenseAccount(const QSqlDatabase& db)
-{
-    const QString numero = DbSettingsStore(db).read(suspenseKey(), QString()).trimmed();
-    if (numero.isEmpty())
-        return 0;
-    return Sql::scalar(db, QStringLiteral("SELECT tlID FROM tl WHERE tlNumero = ? ORDER BY tlID LIMIT 1"),
-        { numero.toInt() })
-        .toInt();
-}
-
 SuspenseOffer suspenseOffer(const QSqlDatabase& db)
 {
     for (const qint32 numero : { 1890, 1899, 1990, 2890, 2990, 1999, 2999 })
@@ -153,7 +141,7 @@ CreatedSuspense createSuspenseAccount(const QSqlDatabase& db, const SuspenseOffe
     for (const ChartOfAccounts::MalliRivi& r : place.rivit)
         created.rows.append(r.malli + QStringLiteral(": ") + r.rivi);
     DbSettingsStore settings(db);
-    if (!settings.write(suspenseKey(), QString::number(offer.numero)))
+    if (!settings.write(ChartOfAccounts::suspenseKey(), QString::number(offer.numero)))
         throw DatabaseError(QStringLiteral("Selvittelytilin asetusta ei voitu tallentaa."));
     t.commitOrThrow();
     return created;
@@ -206,7 +194,7 @@ Plan propose(const QSqlDatabase& db, const BankStatement& statement, qint32 bank
     const QList<qint32> all = ids(db, QStringLiteral("SELECT tlID FROM tl"), {});
     const QSet<qint32> accounts(all.begin(), all.end());
     const Memory memory(db, accounts);
-    plan.suspenseAccount = suspenseAccount(db);
+    plan.suspenseAccount = ChartOfAccounts::suspenseAccount(db);
 
     plan.proposals.reserve(statement.lines.size());
     for (const BankLine& line : statement.lines) {
@@ -320,6 +308,90 @@ Stored store(const QSqlDatabase& db, const Plan& plan, const std::vector<size_t>
     }
     t.commitOrThrow();
     return stored;
+}
+
+qint32 accountId(const QSqlDatabase& db, qint32 numero)
+{
+    return Sql::scalar(
+        db, QStringLiteral("SELECT tlID FROM tl WHERE tlNumero = ? ORDER BY tlID LIMIT 1"), { numero })
+        .toInt();
+}
+
+bool needsSuspense(const Plan& plan)
+{
+    return std::any_of(plan.proposals.begin(), plan.proposals.end(),
+        [](const Proposal& p) { return p.state == State::New && !p.counterAccount; });
+}
+
+std::vector<size_t> newLines(const Plan& plan)
+{
+    std::vector<size_t> out;
+    for (size_t i = 0; i < plan.proposals.size(); ++i)
+        if (plan.proposals[i].state == State::New)
+            out.push_back(i);
+    return out;
+}
+
+QString sourceText(Source source)
+{
+    switch (source) {
+    case Source::Reference:
+        return QStringLiteral("viitenumero");
+    case Source::CounterpartyAccount:
+        return QStringLiteral("maksajan tili");
+    case Source::CounterpartyName:
+        return QStringLiteral("maksajan nimi");
+    case Source::Words:
+        return QStringLiteral("viestin sanat");
+    case Source::Suspense:
+        return QStringLiteral("selvittelytili");
+    case Source::User:
+        break;
+    }
+    return QStringLiteral("valittu");
+}
+
+QString lineText(const QSqlDatabase& db, const Proposal& p)
+{
+    const BankLine& l = p.line;
+    QString what = l.message;
+    if (!l.reference.isEmpty())
+        what = QStringLiteral("viite ") + References::compact(l.reference)
+            + (what.isEmpty() ? QString() : u' ' + what);
+    QString target;
+    if (p.state != State::New)
+        target = p.note;
+    else if (!p.counterAccount)
+        target = QStringLiteral("→ selvittelytili (luodaan tallennettaessa)");
+    else
+        target = QStringLiteral("→ %1 (%2)").arg(accountCaption(db, p.counterAccount), sourceText(p.source));
+    return QStringLiteral("%1  %2  %3  %4  %5")
+        .arg(Dates::format(l.bookingDate), -10)
+        .arg(l.amount.toString(), 12)
+        .arg(l.counterparty.isEmpty() ? QStringLiteral("-") : l.counterparty, -25)
+        .arg(what.isEmpty() ? QStringLiteral("-") : what)
+        .arg(target);
+}
+
+QString suspenseCreatedText(const SuspenseOffer& offer, const CreatedSuspense& created)
+{
+    return QStringLiteral("Luotiin tili %1 %2%3.")
+        .arg(offer.numero)
+        .arg(offer.nimi,
+            created.rows.isEmpty() ? QStringLiteral(" (se ei ole vielä millään tilinpäätöksen rivillä)")
+                                   : QStringLiteral(" riville ") + created.rows.join(QStringLiteral(", ")));
+}
+
+QString storedText(const Stored& stored)
+{
+    QString text = QStringLiteral("Tallennettiin %1 tositetta, numerot %2–%3.")
+                       .arg(stored.vouchers)
+                       .arg(stored.firstNumber)
+                       .arg(stored.lastNumber);
+    if (stored.onSuspense)
+        text += QStringLiteral("\nSelvittelytilille kirjattiin %1 riviä:\n  ").arg(stored.onSuspense)
+            + stored.suspenseLines.join(QStringLiteral("\n  "));
+    return text;
 }
 
 } // namespace BankImport

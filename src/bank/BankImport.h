@@ -40,11 +40,6 @@ struct Plan {
     int count(State state) const;
 };
 
-// The setting that holds the suspense account's number.
-QString suspenseKey();
-// The suspense account's tlID, 0 when the setting is missing or names no account.
-qint32 suspenseAccount(const QSqlDatabase& db);
-
 // The suspense account Vorkam would create: the first free number of 1890, 1899, 1990, 2890 …
 struct SuspenseOffer {
     qint32 numero = 0;
@@ -82,5 +77,20 @@ struct Stored {
 // transaction. A proposal without a counter-account, or a line already stored meanwhile,
 // refuses the whole set with `error`. Throws DatabaseError; nothing is stored then either.
 Stored store(const QSqlDatabase& db, const Plan& plan, const std::vector<size_t>& chosen);
+
+// The tlID of account number `numero`, 0 when the chart has none.
+qint32 accountId(const QSqlDatabase& db, qint32 numero);
+// Some line that can be stored has no learnt account and waits for the suspense account.
+bool needsSuspense(const Plan& plan);
+// The indexes of the lines that can be stored.
+std::vector<size_t> newLines(const Plan& plan);
+
+// The texts the window and the command line share.
+// "2.3.2026  120,50  Matti Meikäläinen  viite 12344  → 3000 Kurssimaksut (viitenumero)", or
+// the reason the line is left out in place of the account.
+QString lineText(const QSqlDatabase& db, const Proposal& p);
+QString sourceText(Source source);
+QString suspenseCreatedText(const SuspenseOffer& offer, const CreatedSuspense& created);
+QString storedText(const Stored& stored);
 
 } // namespace BankImport

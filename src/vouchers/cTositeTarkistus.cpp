@@ -1,5 +1,6 @@
 #include "vouchers/cTositeTarkistus.h"
 
+#include "accounts/ChartOfAccounts.h"
 #include "core/DatabaseError.h"
 #include "core/Dates.h"
 #include "core/ProgramSettings.h"
@@ -41,6 +42,7 @@ std::vector<cTositeTarkistusVirhe> cTositeTarkistus::Tarkista(bool korjaa) const
     paivat(virheet);
     saldot(virheet);
     tilit(virheet);
+    selvittely(virheet);
     return virheet;
 }
 
@@ -91,4 +93,20 @@ void cTositeTarkistus::tilit(std::vector<cTositeTarkistusVirhe>& virheet) const
             .arg(VoucherColumns));
     while (q.next())
         virheet.push_back(finding(q, QStringLiteral("Jokin tilivalinta puuttuu tositteelta no: %1.")));
+}
+
+void cTositeTarkistus::selvittely(std::vector<cTositeTarkistusVirhe>& virheet) const
+{
+    // Bank statement lines booked on the suspense account wait for their real account.
+    const qint32 tili = ChartOfAccounts::suspenseAccount(m_db);
+    if (!tili)
+        return;
+    QSqlQuery q = Sql::run(m_db,
+        QStringLiteral(
+            "SELECT %1 FROM \"to\" t WHERE %2 AND EXISTS (SELECT * FROM vi WHERE vi.vitoID = t.toID "
+            "AND vi.vitlID = ?) ORDER BY t.toNumero, t.toID")
+            .arg(VoucherColumns, Checked),
+        { tili });
+    while (q.next())
+        virheet.push_back(finding(q, QStringLiteral("Tositteen no: %1 on kirjattu selvittelytilille.")));
 }

@@ -6,7 +6,8 @@
 #include <vector>
 
 // Checks the vouchers of the current year for what the voucher window lets through: a date
-// outside the fiscal year, debits and credits that differ, an entry without a valid account.
+// outside the fiscal year, debits and credits that differ, an entry without a valid account,
+// and a bank statement line still on the suspense account.
 // Entries whose voucher is gone are removed first, in both years, without a finding.
 // Automatic vouchers and the carriers numbered below 0 are never checked for date or balance.
 class cTositeTarkistus final {
@@ -29,6 +30,8 @@ private:
     void paivat(std::vector<cTositeTarkistusVirhe>& virheet) const;
     void saldot(std::vector<cTositeTarkistusVirhe>& virheet) const;
     void tilit(std::vector<cTositeTarkistusVirhe>& virheet) const;
+    // Vouchers with an entry on the suspense account.
+    void selvittely(std::vector<cTositeTarkistusVirhe>& virheet) const;
 
     QSqlDatabase m_db;
 };

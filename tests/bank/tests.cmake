@@ -1,2 +1,4 @@
 # Bank statements: reading camt.053 and TITO, proposals that learn, storing once.
+# The command line runs the built vorkam_report on a copy of the demo.
 vorkam_add_test(tst_BankImport SOURCES bank/tst_BankImport.cpp)
+add_dependencies(tst_BankImport vorkam_report vorkam_data)

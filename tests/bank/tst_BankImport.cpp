@@ -1,11 +1,14 @@
 #include "BankFiles.h"
+#include "ReportCommand.h"
 #include "TestEnv.h"
 #include "bank/BankImport.h"
 #include "bank/References.h"
 #include "core/DatabaseError.h"
 #include "core/Dates.h"
+#include "core/ProgramSettings.h"
 #include "core/Schema.h"
 #include "core/SettingsStore.h"
+#include "vouchers/cTositeTarkistus.h"
 
 #include <QFile>
 #include <QSqlQuery>
@@ -322,6 +325,42 @@ private slots:
         plan = propose(other);
         QVERIFY(plan.error.contains(QStringLiteral("FI7944052020036082")));
         QVERIFY(!BankImport::store(db, plan, all(plan)).error.isEmpty());
+    }
+
+    // The command proposes without writing, stores with --tallenna once, and exits 1 for a
+    // refused statement and 3 for a file it cannot read.
+    void commandLine()
+    {
+        db.close();
+        const QString books = db.databaseName();
+        const QString file = env->path(QStringLiteral("ote.xml"));
+        QVERIFY(TestEnv::writeFile(file,
+            camt(
+                { { "120.50", "CRDT", qPrintable(day(3, 2)), "A1", "Matti", "", "12344" } }, "0", "120.50")));
+        const QByteArray before = TestEnv::readFile(books);
+        const QStringList args { books, QStringLiteral("tiliote"), file, QStringLiteral("--account"),
+            QStringLiteral("1910") };
+        ReportCommand r = ReportCommand::run(args);
+        QCOMPARE(r.code, 0);
+        QVERIFY2(r.out.contains(QStringLiteral("120,50  Matti")), qPrintable(r.out));
+        QCOMPARE(TestEnv::readFile(books), before);
+        r = ReportCommand::run(args + QStringList { QStringLiteral("--tallenna") });
+        QCOMPARE(r.code, 0);
+        QVERIFY2(r.out.contains(QStringLiteral("Luotiin tili 1890 Selvittelytili")), qPrintable(r.out));
+        QVERIFY(r.out.contains(QStringLiteral("Tallennettiin 1 tositetta")));
+        r = ReportCommand::run(args + QStringList { QStringLiteral("--tallenna") });
+        QCOMPARE(r.code, 0);
+        QVERIFY(r.out.contains(QStringLiteral("Tuotu jo aiemmin.")));
+        QVERIFY(r.out.contains(QStringLiteral("mitään ei tallennettu")));
+        QFile::setPermissions(books, QFile::ReadOwner);
+        QCOMPARE(ReportCommand::run(args + QStringList { QStringLiteral("--tallenna") }).code, 3);
+        QVERIFY(TestEnv::writeFile(file, "kissa"));
+        QCOMPARE(ReportCommand::run(args).code, 1);
+        QStringList missing = args;
+        missing[2] = file + QStringLiteral(".puuttuu");
+        QCOMPARE(ReportCommand::run(missing).code, 3);
+        QVERIFY(db.open());
+        QCOMPARE(scalar(QStringLiteral("SELECT COUNT(*) FROM BankLines")), 1);
     }
 };
 

@@ -5,6 +5,7 @@
 #include "backup/frmBackup.h"
 #include "backup/frmBackupManagement.h"
 #include "backup/frmBackupRestore.h"
+#include "bank/BankImportWindow.h"
 #include "core/DBC.h"
 #include "core/DatabaseCommands.h"
 #include "core/DatabaseMaintenance.h"
@@ -82,6 +83,7 @@ frmMain::frmMain(QWidget* parent)
     // The statement window opens whatever VanhatMallit says, as the voucher window does.
     connect(ui->cTulosJaTase, &QPushButton::clicked, this, [this] { openWindow(Window::TulosJaTase); });
     connect(ui->mTulosJaTase, &QAction::triggered, this, [this] { openWindow(Window::TulosJaTase); });
+    connect(ui->mTiliote, &QAction::triggered, this, [this] { openWindow(Window::Tiliote); });
     connect(ui->mTilit, &QAction::triggered, this, [this] { openWindow(Window::Tilit); });
     connect(ui->cKayttotuki, &QPushButton::clicked, this, &frmMain::openManual);
     connect(ui->cSulje, &QPushButton::clicked, this, &frmMain::endProgram);
@@ -123,12 +125,13 @@ void frmMain::startUp()
     for (QAction* a : { ui->mTositteet, ui->mTilit, ui->mTulosJaTase, ui->mAvausviennit,
              ui->mTilinpaatosviennit, ui->mLuoTietokantaNykyisesta, ui->mService })
         a->setEnabled(open);
-    // The reorganisation and the maintenance commands rewrite the books: not for books open for
-    // reading only.
+    // The reorganisation, the maintenance commands and the statement import write the books: not
+    // for books open for reading only.
     ui->mVarmistus->setEnabled(open && !m_startup.readOnly);
     ui->mKopiotikkuVarmistus->setEnabled(open);
     ui->mMuokkaaTietokantaa->setEnabled(open && !m_startup.readOnly);
     ui->mTilikaudenVaihto->setEnabled(open && !m_startup.readOnly);
+    ui->mTiliote->setEnabled(open && !m_startup.readOnly);
     (open ? ui->cTositteet : ui->cKayttotuki)->setFocus();
 }
 
@@ -179,6 +182,9 @@ void frmMain::openWindow(Window which)
             break;
         case Window::TulosJaTase:
             slot = new frmNewTulosJaTase(db, this);
+            break;
+        case Window::Tiliote:
+            slot = new BankImportWindow(db, this);
             break;
         case Window::Service:
             // Read-only books may be sent too: the window only copies them.

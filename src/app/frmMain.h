@@ -28,7 +28,16 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    enum class Window { Tositteet, Avausviennit, Tilinpaatosviennit, Tilit, TulosJaTase, Service, Count };
+    enum class Window {
+        Tositteet,
+        Avausviennit,
+        Tilinpaatosviennit,
+        Tilit,
+        TulosJaTase,
+        Service,
+        Tiliote,
+        Count
+    };
     // Opens a working window, or brings it forward when it is open already.
     void openWindow(Window which);
     void openManual();

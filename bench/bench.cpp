@@ -5,6 +5,7 @@
 //
 //   vorkam_bench FILE.mdb [--runs N]        (make the file with vorkam_stressgen)
 //   vorkam_bench FILE.mdb --reports         (only the reports as whole vorkam_report processes)
+//   vorkam_bench FILE.mdb --bank            (only the bank statement import, on copies)
 //   vorkam_bench FILE.mdb --five-years      (only five years of use, on a copy)
 //
 // The bench makes and deletes vouchers of its own: the books are left with the same rows, but
@@ -152,6 +153,7 @@ int statementBench(const QSqlDatabase& db);
 int ledgerBench(const QSqlDatabase& db, const QString& binDir);
 // The voucher tools' figures, in toolsbench.cpp.
 int toolsBench(const QSqlDatabase& db);
+int bankBench(const QString& file, int runs);
 // The fiscal year change on a copy of the file (yearchangebench.cpp).
 int yearChangeBench(const QString& stressFile);
 // Five years of use grown on a copy of the file (fiveyearsbench.cpp).
@@ -409,11 +411,15 @@ int main(int argc, char** argv)
     // Only the reports as whole processes, which need no window and no connection of their own.
     if (args.size() == 3 && args.at(2) == u"--reports" && QFileInfo::exists(args.at(1)))
         return processBench(QFileInfo(args.at(1)).absoluteFilePath(), QStringLiteral(VORKAM_BIN_DIR));
+    // Only the bank statement import, on copies of the file.
+    if (args.size() == 3 && args.at(2) == u"--bank" && QFileInfo::exists(args.at(1)))
+        return bankBench(QFileInfo(args.at(1)).absoluteFilePath(), 5);
     if (args.size() == 4 && args.at(2) == u"--runs")
         runs = args.at(3).toInt();
     if ((args.size() != 2 && args.size() != 4) || runs < 1 || !QFileInfo::exists(args.at(1))) {
         std::fprintf(stderr,
-            "usage: vorkam_bench FILE.mdb [--runs N | --five-years | --reports]   (make the file with "
+            "usage: vorkam_bench FILE.mdb [--runs N | --five-years | --reports | --bank]   (make the file "
+            "with "
             "vorkam_stressgen)\n");
         return 2;
     }
@@ -428,6 +434,8 @@ int main(int argc, char** argv)
         rc = toolsBench(DBC::instance().AvaaDB());
     if (rc == 0)
         rc = yearChangeBench(QFileInfo(args.at(1)).absoluteFilePath());
+    if (rc == 0)
+        rc = bankBench(QFileInfo(args.at(1)).absoluteFilePath(), 5);
     DBC::instance().SuljeDB();
     if (rc == 0)
         rc = processBench(QFileInfo(args.at(1)).absoluteFilePath(), QStringLiteral(VORKAM_BIN_DIR));

@@ -43,3 +43,16 @@ key alt+t a; shot asetukset; key Escape
 # The last items of the Tietokanta menu: Tietoja, and the service file mail above it.
 key alt+i Up Return; shot tietoja; key Escape
 key alt+i Up Up Return; shot huoltotiedosto; key Escape
+# The statement import: March stored with the accounts typed in, April proposed from them.
+vuosi=$(sqlite3 "$home/Documents/Vorkam/demo1.mdb" "SELECT substr(MAX(toPvm), 1, 4) FROM \"to\"")
+for kk in maaliskuu huhtikuu; do
+  sed "s/@VUOSI@/$vuosi/g" scripts/tiliotteet/$kk.xml >"$home/$kk.xml"
+done
+key alt+t e; key alt+d; xdotool type --delay 20 "$home/maaliskuu.xml"; key Return
+xdotool key Right Right Right Right Right
+for tili in 5000 5000 4240 3100 6600 4600 3000; do
+  xdotool type --delay 40 "$tili"; key Return Down
+done
+key alt+t; key Return
+key alt+d ctrl+a; xdotool type --delay 20 "$home/huhtikuu.xml"; key Return
+shot tiliote; key alt+F4

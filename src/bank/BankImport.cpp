@@ -338,9 +338,9 @@ QString sourceText(Source source)
     case Source::Reference:
         return QStringLiteral("viitenumero");
     case Source::CounterpartyAccount:
-        return QStringLiteral("maksajan tili");
+        return QStringLiteral("tilinumero");
     case Source::CounterpartyName:
-        return QStringLiteral("maksajan nimi");
+        return QStringLiteral("nimi");
     case Source::Words:
         return QStringLiteral("viestin sanat");
     case Source::Suspense:

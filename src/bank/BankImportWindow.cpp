@@ -231,6 +231,9 @@ BankImportWindow::BankImportWindow(const QSqlDatabase& db, QWidget* parent)
         | QAbstractItemView::AnyKeyPressed);
     m_rivit->horizontalHeader()->setStretchLastSection(true);
     m_rivit->verticalHeader()->hide();
+    m_rivit->setWordWrap(false);
+    connect(m_model, &QAbstractItemModel::dataChanged, m_rivit,
+        [this] { m_rivit->resizeColumnToContents(BankLinesModel::Tili); });
 
     m_yhteenveto = new QLabel(this);
     m_yhteenveto->setObjectName(QStringLiteral("lblYhteenveto"));
@@ -248,7 +251,9 @@ BankImportWindow::BankImportWindow(const QSqlDatabase& db, QWidget* parent)
     file->addWidget(m_tiedosto, 1);
     file->addWidget(valitse);
     file->addWidget(lue);
-    form->addRow(QStringLiteral("Tiliotteen tie&dosto:"), file);
+    auto* tiedostoLabel = new QLabel(QStringLiteral("Tiliotteen tie&dosto:"), this);
+    tiedostoLabel->setBuddy(m_tiedosto);
+    form->addRow(tiedostoLabel, file);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(m_yhteenveto, 1);
     buttons->addWidget(m_tallenna);

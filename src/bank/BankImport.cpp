@@ -32,7 +32,8 @@ QStringList words(const QString& message)
 // What the lines stored before teach, the latest line winning.
 class Memory {
 public:
-    Memory(const QSqlDatabase& db, const QSet<qint32>& accounts)
+    // Lines still on the suspense account teach nothing.
+    Memory(const QSqlDatabase& db, const QSet<qint32>& accounts, qint32 suspense)
     {
         // The counter-entry as the voucher holds it now (the treasurer may have corrected it),
         // else as it was stored.
@@ -45,7 +46,7 @@ public:
         int order = 0;
         while (q.next()) {
             const qint32 account = q.value(4).toInt();
-            if (!accounts.contains(account))
+            if (!accounts.contains(account) || account == suspense)
                 continue;
             ++order;
             const QString reference = References::usable(q.value(0).toString());
@@ -193,8 +194,8 @@ Plan propose(const QSqlDatabase& db, const BankStatement& statement, qint32 bank
         imported.insert(q.value(0).toString());
     const QList<qint32> all = ids(db, QStringLiteral("SELECT tlID FROM tl"), {});
     const QSet<qint32> accounts(all.begin(), all.end());
-    const Memory memory(db, accounts);
     plan.suspenseAccount = ChartOfAccounts::suspenseAccount(db);
+    const Memory memory(db, accounts, plan.suspenseAccount);
 
     plan.proposals.reserve(statement.lines.size());
     for (const BankLine& line : statement.lines) {

@@ -246,6 +246,7 @@ private slots:
         QCOMPARE(created.rows, QStringList { QStringLiteral("Yhdistyksen tase: Saamiset") });
         plan = propose(march);
         QCOMPARE(plan.suspenseAccount, created.tlId);
+        const BankImport::Plan stale = propose(march); // a second window on the same file
         const BankImport::Stored stored = BankImport::store(db, plan, all(plan));
         QVERIFY2(stored.error.isEmpty(), qPrintable(stored.error));
         QCOMPARE(stored.vouchers, 3);
@@ -259,6 +260,9 @@ private slots:
                        .arg(bank)),
             450000);
 
+        // The stale plan's first line is stored now: the whole set is refused and rolled back.
+        QVERIFY(BankImport::store(db, stale, all(stale)).error.contains(QStringLiteral("on jo tuotu")));
+        QCOMPARE(scalar(QStringLiteral("SELECT COUNT(*) FROM \"to\"")), vouchers + 3);
         reopen();
         plan = propose(march);
         QCOMPARE(plan.count(State::Imported), 3);
@@ -279,8 +283,9 @@ private slots:
         BankImport::Plan plan = propose(first);
         QVERIFY(BankImport::store(db, plan, all(plan)).error.isEmpty());
         // The treasurer corrects each counter-entry in the voucher window.
-        const qint32 corrected[] = { account(3000), account(3010), account(3100), account(4000) };
-        for (int i = 0; i < 4; ++i) {
+        const qint32 corrected[]
+            = { account(3000), account(3010), account(3100), account(4000), account(4500) };
+        for (int i = 0; i < 5; ++i) {
             QVERIFY(corrected[i]);
             QSqlQuery q(db);
             QVERIFY(q.exec(QStringLiteral("UPDATE vi SET vitlID = %1 WHERE vitlID <> %2 AND vitoID = (SELECT "
@@ -294,9 +299,10 @@ private slots:
                        { "20.00", "CRDT", qPrintable(day(3, 2)), "S2", "Toivo", "FI7944052020036082" },
                        { "30.00", "CRDT", qPrintable(day(3, 3)), "S3", "toivo" },
                        { "40.00", "DBIT", qPrintable(day(3, 4)), "S4", "", "", "", "Syysretken bussi" },
+                       // A reference with a wrong check digit teaches nothing.
                        { "50.00", "DBIT", qPrintable(day(3, 5)), "S5", "", "", "12345", "" },
                        { "60.00", "DBIT", "1999-01-01", "S6" } },
-                "20.00", "-70.00");
+                "15.00", "-75.00");
         plan = propose(second);
         const std::pair<qint32, Source> expected[] = { { corrected[0], Source::Reference },
             { corrected[1], Source::CounterpartyAccount }, { corrected[2], Source::CounterpartyName },

@@ -114,7 +114,7 @@ QString accountCaption(const QSqlDatabase& db, qint32 tlId)
 
 } // namespace
 
-int Plan::count(State state) const
+int Plan::linesIn(State state) const
 {
     return int(std::count_if(
         proposals.begin(), proposals.end(), [state](const Proposal& p) { return p.state == state; }));

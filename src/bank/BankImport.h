@@ -37,7 +37,7 @@ struct Plan {
     qint32 bankAccount = 0; // tlID of the account the statement is imported to
     qint32 suspenseAccount = 0; // tlID, 0 when the books have none
     std::vector<Proposal> proposals;
-    int count(State state) const;
+    int linesIn(State state) const;
 };
 
 // The suspense account Vorkam would create: the first free number of 1890, 1899, 1990, 2890 …

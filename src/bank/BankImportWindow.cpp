@@ -337,16 +337,17 @@ void BankImportWindow::showSummary()
         return;
     }
     using BankImport::State;
-    QString text
-        = QStringLiteral("%1 riviä, joista uusia %2").arg(plan.proposals.size()).arg(plan.count(State::New));
-    if (const int n = plan.count(State::Imported))
+    QString text = QStringLiteral("%1 riviä, joista uusia %2")
+                       .arg(plan.proposals.size())
+                       .arg(plan.linesIn(State::New));
+    if (const int n = plan.linesIn(State::Imported))
         text += QStringLiteral(", jo tuotuja %1").arg(n);
-    if (const int n = plan.count(State::OutsideYear))
+    if (const int n = plan.linesIn(State::OutsideYear))
         text += QStringLiteral(", tilikauden ulkopuolella %1").arg(n);
-    if (const int n = plan.count(State::Refused))
+    if (const int n = plan.linesIn(State::Refused))
         text += QStringLiteral(", hylättyjä %1").arg(n);
     m_yhteenveto->setText(text + u'.');
-    m_tallenna->setEnabled(plan.count(State::New) > 0);
+    m_tallenna->setEnabled(plan.linesIn(State::New) > 0);
 }
 
 bool BankImportWindow::storeChosen()

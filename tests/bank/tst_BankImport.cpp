@@ -235,7 +235,7 @@ private slots:
         const qint64 maxNumber = scalar(QStringLiteral("SELECT MAX(toNumero) FROM \"to\""));
         BankImport::Plan plan = propose(march);
         QVERIFY(plan.error.isEmpty());
-        QCOMPARE(plan.count(State::New), 3);
+        QCOMPARE(plan.linesIn(State::New), 3);
         QCOMPARE(plan.suspenseAccount, 0); // the demo has none yet
         const BankImport::Stored refused = BankImport::store(db, plan, all(plan));
         QVERIFY(refused.error.contains(QStringLiteral("vastatili puuttuu")));
@@ -265,7 +265,7 @@ private slots:
         QCOMPARE(scalar(QStringLiteral("SELECT COUNT(*) FROM \"to\"")), vouchers + 3);
         reopen();
         plan = propose(march);
-        QCOMPARE(plan.count(State::Imported), 3);
+        QCOMPARE(plan.linesIn(State::Imported), 3);
         QVERIFY(!BankImport::store(db, plan, all(plan)).error.isEmpty());
         QCOMPARE(scalar(QStringLiteral("SELECT COUNT(*) FROM \"to\"")), vouchers + 3);
     }

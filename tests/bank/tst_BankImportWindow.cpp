@@ -71,7 +71,7 @@ private slots:
                          .last()
                          .startsWith(QStringLiteral("Tallennettiin 2 tositetta")),
                 qPrintable(dialogs.transcript().join(u'\n')));
-            QCOMPARE(w.model().plan().count(BankImport::State::Imported), 2);
+            QCOMPARE(w.model().plan().linesIn(BankImport::State::Imported), 2);
         }
         QCOMPARE(
             Sql::scalar(db,

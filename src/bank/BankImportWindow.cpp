@@ -4,23 +4,21 @@
 #include "core/Dates.h"
 #include "core/Dialogs.h"
 #include "core/ProgramSettings.h"
+#include "ui/AccountEditor.h"
 #include "ui/WaitCursor.h"
 
 #include <QComboBox>
-#include <QCompleter>
 #include <QEventLoop>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QStyledItemDelegate>
 #include <QTableView>
 #include <QThread>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace {
@@ -35,25 +33,11 @@ public:
     }
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem&, const QModelIndex&) const override
     {
-        auto* editor = new QLineEdit(parent);
-        editor->setObjectName(QStringLiteral("tTili"));
-        auto* completer = new QCompleter(m_accounts, editor);
-        completer->setCaseSensitivity(Qt::CaseInsensitive);
-        completer->setFilterMode(Qt::MatchContains);
-        editor->setCompleter(completer);
-        // A choice made in the open completion list reaches the editor as returnPressed, past
-        // the delegate's own Enter handling: one Enter accepts it.
         auto* self = const_cast<AccountDelegate*>(this);
-        connect(editor, &QLineEdit::returnPressed, self, [self, editor] {
-            QPointer<QLineEdit> guard(editor);
-            QTimer::singleShot(0, self, [self, guard] {
-                if (guard) {
-                    emit self->commitData(guard);
-                    emit self->closeEditor(guard);
-                }
-            });
+        return accountEditor(parent, m_accounts, self, [self](QLineEdit* editor) {
+            emit self->commitData(editor);
+            emit self->closeEditor(editor);
         });
-        return editor;
     }
 
 private:

@@ -1,13 +1,11 @@
 #include "vouchers/EntryDelegate.h"
 
+#include "ui/AccountEditor.h"
 #include "vouchers/EntryModel.h"
 
 #include <QAbstractItemView>
-#include <QCompleter>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QPointer>
-#include <QTimer>
 
 EntryDelegate::EntryDelegate(const QStringList& accounts, QObject* parent)
     : QStyledItemDelegate(parent)
@@ -18,30 +16,19 @@ EntryDelegate::EntryDelegate(const QStringList& accounts, QObject* parent)
 QWidget* EntryDelegate::createEditor(
     QWidget* parent, const QStyleOptionViewItem&, const QModelIndex& index) const
 {
+    if (EntryModel::isAccountColumn(index.column())) {
+        // One Enter accepts a choice of the completion list and moves on.
+        auto* self = const_cast<EntryDelegate*>(this);
+        QLineEdit* editor
+            = accountEditor(parent, m_accounts, self, [self](QLineEdit* e) { self->acceptAndMoveOn(e); });
+        editor->setFrame(false);
+        return editor;
+    }
     auto* editor = new QLineEdit(parent);
     editor->setFrame(false);
-    if (EntryModel::isAccountColumn(index.column())) {
-        editor->setObjectName(QStringLiteral("tTili"));
-        auto* completer = new QCompleter(m_accounts, editor);
-        completer->setCaseSensitivity(Qt::CaseInsensitive);
-        completer->setFilterMode(Qt::MatchContains);
-        editor->setCompleter(completer);
-        // While the completion list is open it takes Enter itself and hands it to the editor
-        // past this delegate's filter: the line edit then reports it as returnPressed. One
-        // Enter accepts the choice and moves on.
-        auto* self = const_cast<EntryDelegate*>(this);
-        connect(editor, &QLineEdit::returnPressed, self, [self, editor] {
-            QPointer<QLineEdit> guard(editor);
-            QTimer::singleShot(0, self, [self, guard] {
-                if (guard)
-                    self->acceptAndMoveOn(guard);
-            });
-        });
-    } else {
-        editor->setObjectName(QStringLiteral("tSumma"));
-        editor->setAlignment(Qt::AlignRight);
-        editor->setMaxLength(20);
-    }
+    editor->setObjectName(QStringLiteral("tSumma"));
+    editor->setAlignment(Qt::AlignRight);
+    editor->setMaxLength(20);
     return editor;
 }
 

@@ -4,7 +4,7 @@
 // statement of each run finds the first one's lines to learn from. The file named on the
 // command line is not changed.
 #include "Timing.h"
-#include "bank/BankImport.h"
+#include "banking/BankImport.h"
 #include "core/DatabaseError.h"
 #include "core/Schema.h"
 #include "core/Transaction.h"

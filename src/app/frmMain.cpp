@@ -5,7 +5,7 @@
 #include "backup/frmBackup.h"
 #include "backup/frmBackupManagement.h"
 #include "backup/frmBackupRestore.h"
-#include "bank/BankImportWindow.h"
+#include "banking/BankImportWindow.h"
 #include "core/DBC.h"
 #include "core/DatabaseCommands.h"
 #include "core/DatabaseMaintenance.h"

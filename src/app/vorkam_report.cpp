@@ -9,7 +9,7 @@
 //   vorkam_report BOOKS.mdb tiliote FILE --account N [--tallenna]
 //                                     prints (and stores) the vouchers a bank statement proposes
 #include "app/ReportCatalog.h"
-#include "bank/BankImport.h"
+#include "banking/BankImport.h"
 #include "core/ComputedEntries.h"
 #include "core/DatabaseError.h"
 #include "core/DatabaseFile.h"

@@ -1,4 +1,4 @@
-#include "bank/References.h"
+#include "banking/References.h"
 
 namespace References {
 

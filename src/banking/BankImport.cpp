@@ -1,7 +1,7 @@
-#include "bank/BankImport.h"
+#include "banking/BankImport.h"
 
 #include "accounts/ChartOfAccounts.h"
-#include "bank/References.h"
+#include "banking/References.h"
 #include "core/DatabaseError.h"
 #include "core/Dates.h"
 #include "core/RecordText.h"

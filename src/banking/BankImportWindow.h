@@ -1,7 +1,7 @@
 #pragma once
 
 #include "accounts/AccountLookup.h"
-#include "bank/BankImport.h"
+#include "banking/BankImport.h"
 
 #include <QAbstractTableModel>
 #include <QSqlDatabase>

@@ -1,4 +1,4 @@
-#include "bank/BankImportWindow.h"
+#include "banking/BankImportWindow.h"
 
 #include "core/DatabaseError.h"
 #include "core/Dates.h"

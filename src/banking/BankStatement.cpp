@@ -1,6 +1,6 @@
-#include "bank/BankStatement.h"
+#include "banking/BankStatement.h"
 
-#include "bank/References.h"
+#include "banking/References.h"
 
 #include <QCryptographicHash>
 #include <QFile>

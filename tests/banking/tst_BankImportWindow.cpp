@@ -2,7 +2,7 @@
 #include "Controls.h"
 #include "ScriptedDialogs.h"
 #include "TestEnv.h"
-#include "bank/BankImportWindow.h"
+#include "banking/BankImportWindow.h"
 #include "core/DatabaseError.h"
 #include "core/ProgramSettings.h"
 #include "core/Schema.h"

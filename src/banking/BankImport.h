@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bank/BankStatement.h"
+#include "banking/BankStatement.h"
 
 #include <QDate>
 #include <QSqlDatabase>

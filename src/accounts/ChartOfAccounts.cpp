@@ -307,12 +307,10 @@ QString suspenseKey() { return QStringLiteral("Selvittelytili"); }
 
 qint32 suspenseAccount(const QSqlDatabase& db)
 {
-    const QString numero = DbSettingsStore(db).read(suspenseKey(), QString()).trimmed();
-    if (numero.isEmpty())
+    const qint64 id = ProgramSettings::numberValue(DbSettingsStore(db).read(suspenseKey(), QString()));
+    if (id <= 0)
         return 0;
-    return Sql::scalar(db, QStringLiteral("SELECT tlID FROM tl WHERE tlNumero = ? ORDER BY tlID LIMIT 1"),
-        { numero.toInt() })
-        .toInt();
+    return Sql::scalar(db, QStringLiteral("SELECT tlID FROM tl WHERE tlID = ?"), { id }).toInt();
 }
 
 } // namespace ChartOfAccounts

@@ -124,8 +124,8 @@ struct Malli {
 // Every template by type and name.
 QList<Malli> tilinpaatosMallit(const QSqlDatabase& db);
 
-// The setting (bookkeeping section) that holds the suspense account's number: where bank
-// statement lines without a learnt account are booked until the treasurer clears them.
+// The bookkeeping setting that holds the suspense account's tlID: where bank statement lines
+// without a learnt account are booked until the treasurer clears them.
 QString suspenseKey();
 // The suspense account's tlID; 0 when the setting is missing or names no account.
 qint32 suspenseAccount(const QSqlDatabase& db);

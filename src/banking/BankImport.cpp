@@ -4,6 +4,7 @@
 #include "banking/References.h"
 #include "core/DatabaseError.h"
 #include "core/Dates.h"
+#include "core/ProgramSettings.h"
 #include "core/RecordText.h"
 #include "core/SettingsStore.h"
 #include "core/Transaction.h"
@@ -142,9 +143,11 @@ CreatedSuspense createSuspenseAccount(const QSqlDatabase& db, const SuspenseOffe
     for (const ChartOfAccounts::MalliRivi& r : place.rivit)
         created.rows.append(r.malli + QStringLiteral(": ") + r.rivi);
     DbSettingsStore settings(db);
-    if (!settings.write(ChartOfAccounts::suspenseKey(), QString::number(offer.numero)))
+    if (!settings.write(ChartOfAccounts::suspenseKey(), QString::number(created.tlId)))
         throw DatabaseError(QStringLiteral("Selvittelytilin asetusta ei voitu tallentaa."));
     t.commitOrThrow();
+    // In force at once, so that the settings window shows it and its save keeps it.
+    ProgramSettings::bookkeeping().Selvittelytili = created.tlId;
     return created;
 }
 

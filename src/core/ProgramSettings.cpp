@@ -122,6 +122,7 @@ void loadBookkeeping(const QSqlDatabase& db, const QString& databasePath, const 
     s.EdTilikausiLoppu = readDate(store, QStringLiteral("EdTilikausiLoppu"), d.EdTilikausiLoppu);
     s.LaskettavaTili = qint32(readNumber(store, QStringLiteral("LaskettavaTili"), 0));
     s.VoittoTaseella = qint32(readNumber(store, QStringLiteral("VoittoTaseella"), 0));
+    s.Selvittelytili = qint32(readNumber(store, QStringLiteral("Selvittelytili"), 0));
     s.VaakaTulostus = readNumber(store, QStringLiteral("VaakaTulostus"), 0) != 0;
     s.VanhatMallit = readNumber(store, QStringLiteral("VanhatMallit"), 0) != 0;
     s.VanhatTositteet = readNumber(store, QStringLiteral("VanhatTositteet"), 0) != 0;
@@ -161,6 +162,7 @@ bool saveBookkeeping(const QSqlDatabase& db)
     ok &= store.write(QStringLiteral("EdTilikausiLoppu"), Dates::format(s.EdTilikausiLoppu));
     ok &= store.write(QStringLiteral("LaskettavaTili"), QString::number(s.LaskettavaTili));
     ok &= store.write(QStringLiteral("VoittoTaseella"), QString::number(s.VoittoTaseella));
+    ok &= store.write(QStringLiteral("Selvittelytili"), QString::number(s.Selvittelytili));
     ok &= store.write(QStringLiteral("VaakaTulostus"), yesNo(s.VaakaTulostus));
     ok &= store.write(QStringLiteral("VanhatMallit"), yesNo(s.VanhatMallit));
     ok &= store.write(QStringLiteral("VanhatTositteet"), yesNo(s.VanhatTositteet));

@@ -21,6 +21,8 @@ struct BookkeepingSettings {
     QDate EdTilikausiLoppu;
     qint32 LaskettavaTili = 0;
     qint32 VoittoTaseella = 0;
+    // tlID of the suspense account where bank statement lines wait for their account; 0: none.
+    qint32 Selvittelytili = 0;
     bool VaakaTulostus = false;
     bool VanhatMallit = false;
     bool VanhatTositteet = false;

@@ -63,6 +63,7 @@ SettingsForm SettingsForm::current()
     f.EdTilikausiLoppu = Dates::format(b.EdTilikausiLoppu);
     f.LaskettavaTili = b.LaskettavaTili;
     f.VoittoTaseella = b.VoittoTaseella;
+    f.Selvittelytili = b.Selvittelytili;
     f.Email = b.Email;
     f.SMTP = b.SMTP;
     f.VaakaTulostus = b.VaakaTulostus;
@@ -181,6 +182,8 @@ void saveBookkeeping(const SettingsForm& f, const QSqlDatabase& books, SettingsF
     add("LaskettavaTili", QString::number(f.LaskettavaTili));
     next.VoittoTaseella = f.VoittoTaseella;
     add("VoittoTaseella", QString::number(f.VoittoTaseella));
+    next.Selvittelytili = f.Selvittelytili;
+    add("Selvittelytili", QString::number(f.Selvittelytili));
     next.Email = f.Email.trimmed().left(MaxValue);
     add("Email", next.Email);
     next.SMTP = f.SMTP.trimmed().left(MaxValue);

@@ -22,6 +22,7 @@ struct SettingsForm {
     QString EdTilikausiLoppu;
     qint32 LaskettavaTili = 0; // tlID, 0 = no selection
     qint32 VoittoTaseella = 0;
+    qint32 Selvittelytili = 0;
     QString Email;
     QString SMTP;
     bool VaakaTulostus = false;

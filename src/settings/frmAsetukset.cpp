@@ -109,7 +109,7 @@ void frmAsetukset::fillAccounts()
 {
     QList<SettingsForm::Account> accounts;
     tellIfFails(QStringLiteral("Tilejä ei voitu lukea."), [&] { accounts = SettingsForm::accounts(m_db); });
-    for (QComboBox* list : { ui->cmbLaskettavaTili, ui->cmbVoittoTaseella }) {
+    for (QComboBox* list : { ui->cmbLaskettavaTili, ui->cmbVoittoTaseella, ui->cmbSelvittelytili }) {
         list->clear();
         // The empty item is "no account".
         list->addItem(QString(), 0);
@@ -150,6 +150,7 @@ void frmAsetukset::fill(const SettingsForm& f, const QStringList& keep)
     text(ui->tEdTilikausiLoppu, f.EdTilikausiLoppu);
     selectAccount(ui->cmbLaskettavaTili, f.LaskettavaTili);
     selectAccount(ui->cmbVoittoTaseella, f.VoittoTaseella);
+    selectAccount(ui->cmbSelvittelytili, f.Selvittelytili);
     ui->chkAutomaattisestiUusiTosite->setChecked(f.AutomaattisestiUusiTosite);
     ui->chkVaakatulostus->setChecked(f.VaakaTulostus);
     ui->cmbFonts->setCurrentText(f.Fontti);
@@ -178,6 +179,7 @@ SettingsForm frmAsetukset::collect() const
     f.EdTilikausiLoppu = ui->tEdTilikausiLoppu->text();
     f.LaskettavaTili = accountOf(ui->cmbLaskettavaTili);
     f.VoittoTaseella = accountOf(ui->cmbVoittoTaseella);
+    f.Selvittelytili = accountOf(ui->cmbSelvittelytili);
     f.Email = ui->tEmail->text();
     f.SMTP = ui->tSMTP->text();
     f.VaakaTulostus = ui->chkVaakatulostus->isChecked();

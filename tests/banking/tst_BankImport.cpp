@@ -319,6 +319,16 @@ private slots:
         QCOMPARE(imbalance(), 0);
     }
 
+    // An account chosen in the settings is the suspense account; no other is offered.
+    void chosenSuspenseAccountIsUsed()
+    {
+        QVERIFY(DbSettingsStore(db).write(QStringLiteral("Selvittelytili"), QString::number(account(1800))));
+        const BankImport::Plan plan
+            = propose(camt({ { "1.00", "CRDT", qPrintable(day(3, 2)), "A1" } }, "0", "1.00"));
+        QCOMPARE(plan.suspenseAccount, account(1800));
+        QCOMPARE(plan.proposals.front().counterAccount, account(1800));
+    }
+
     void statementIsBoundToItsAccount()
     {
         BankImport::createSuspenseAccount(db, BankImport::suspenseOffer(db));

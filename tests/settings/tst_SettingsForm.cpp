@@ -16,9 +16,9 @@ const QString NotFound
 const QString Closing = QStringLiteral("information: Vorkam suljetaan, koska tietokanta on vaihdettu.");
 
 const QStringList StoreOrder = { "TilikausiAlku", "EdTilikausiAlku", "TilikausiLoppu", "EdTilikausiLoppu",
-    "LaskettavaTili", "VoittoTaseella", "Email", "SMTP", "VaakaTulostus", "VanhatMallit", "VanhatTositteet",
-    "AutomaattisestiUusiTosite", "Fontti", "FonttiKoko", "MargYla", "MargAla", "MargVas", "MargOik",
-    "Seurannimi" };
+    "LaskettavaTili", "VoittoTaseella", "Selvittelytili", "Email", "SMTP", "VaakaTulostus", "VanhatMallit",
+    "VanhatTositteet", "AutomaattisestiUusiTosite", "Fontti", "FonttiKoko", "MargYla", "MargAla", "MargVas",
+    "MargOik", "Seurannimi" };
 
 // Books in use as after a start, in a world of their own: open on their own connection, their
 // settings loaded.

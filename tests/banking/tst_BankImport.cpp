@@ -223,6 +223,29 @@ private slots:
             !BankStatements::read(QByteArray(file).replace(titoAmount(11500), titoAmount(11501))).statement);
     }
 
+    // Itemised records of a TITO batch (a level above 0) become the lines when they add up.
+    void titoBatchGivesALinePerItem()
+    {
+        const auto item = [](const char* number, qint64 cents, const char* level, const char* name) {
+            return record(188,
+                       { { 1, "T10188" }, { 7, number }, { 13, level[0] == '0' ? "ARK9" : "" },
+                           { 31, "260310" }, { 49, "1" }, { 88, titoAmount(cents) }, { 109, name },
+                           { 188, level } })
+                + "\n";
+        };
+        const QByteArray file
+            = record(322, { { 1, "T00322100" }, { 72, titoAmount(0) }, { 293, "FI21123456" } }) + "\n"
+            + item("000001", 3000, "0", "ERA") + item("000002", 1000, "1", "AINO")
+            + item("000003", 2000, "1", "EINO")
+            + record(50, { { 1, "T40050260331" }, { 13, titoAmount(3000) } });
+        const BankStatement s = parsed(file);
+        QCOMPARE(s.lines.size(), size_t(2));
+        QCOMPARE(s.lines[1].counterparty, QStringLiteral("EINO"));
+        QCOMPARE(s.lines[1].amount, Money::fromCents(2000));
+        QCOMPARE(s.lines[1].archiveRef, QStringLiteral("ARK9/2"));
+        QCOMPARE(s.lines[1].bookingDate, QDate(2026, 3, 10));
+    }
+
     // A month becomes balanced vouchers, the same file again adds nothing, also after a restart.
     void monthIsStoredOnceInOneTransaction()
     {

@@ -7,6 +7,7 @@
 #include "banking/BankImport.h"
 #include "core/DatabaseError.h"
 #include "core/Schema.h"
+#include "core/ScopedConnection.h"
 #include "core/Transaction.h"
 
 #include <QDate>
@@ -53,26 +54,22 @@ QByteArray statement(int first, const QDate& day)
     return x + balance("OPBD", 0) + balance("CLBD", sum) + entries + "</Stmt></BkToCstmrStmt></Document>";
 }
 
+// A writable copy of the stress association in a folder of its own, brought up to date.
+QString copyOf(const QString& file, const QTemporaryDir& dir)
+{
+    const QString path = dir.path() + QStringLiteral("/stress.mdb");
+    QFile::copy(file, path);
+    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    return path;
+}
+
 struct Copy {
     QTemporaryDir dir;
-    QSqlDatabase db;
-    QString name;
-    Copy(const QString& file, const QString& connection)
-        : name(connection)
+    ScopedConnection books;
+    explicit Copy(const QString& file)
+        : books(copyOf(file, dir))
     {
-        const QString path = dir.path() + QStringLiteral("/stress.mdb");
-        QFile::copy(file, path);
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
-        db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(path);
-        db.open();
-        Schema::UpdateDatabase(db);
-    }
-    ~Copy()
-    {
-        db.close();
-        db = {};
-        QSqlDatabase::removeDatabase(name);
+        Schema::UpdateDatabase(books.db());
     }
 };
 
@@ -111,8 +108,8 @@ int bankBench(const QString& file, int runs)
     try {
         std::vector<double> read, propose, store, total, bare;
         for (int run = 0; run < runs; ++run) {
-            Copy copy(file, QStringLiteral("bank_bench"));
-            const QSqlDatabase& db = copy.db;
+            Copy copy(file);
+            const QSqlDatabase& db = copy.books.db();
             const QDate start = QDate::fromString(
                 Sql::scalar(db, QStringLiteral("SELECT MIN(toPvm) FROM \"to\" WHERE toPvm IS NOT NULL"))
                     .toString(),

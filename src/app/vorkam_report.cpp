@@ -8,6 +8,7 @@
 //   vorkam_report BOOKS.mdb tarkistus prints the findings of the voucher check (exit 1 with any)
 //   vorkam_report BOOKS.mdb tiliote FILE --account N [--tallenna]
 //                                     prints (and stores) the vouchers a bank statement proposes
+#include "accounts/AccountLookup.h"
 #include "app/ReportCatalog.h"
 #include "banking/BankImport.h"
 #include "core/ComputedEntries.h"
@@ -333,7 +334,9 @@ int importStatement(const Arguments& a)
         }
         try {
             const BookkeepingSettings& year = ProgramSettings::bookkeeping();
-            const qint32 bank = BankImport::accountId(db, *a.options.account);
+            AccountLookup chart;
+            chart.load(db);
+            const qint32 bank = chart.resolve(QString::number(*a.options.account));
             if (!bank) {
                 say(stderr, QStringLiteral("Tiliä %1 ei ole tilikartassa.").arg(*a.options.account));
                 return int(Failed);
@@ -348,11 +351,12 @@ int importStatement(const Arguments& a)
                 const BankImport::SuspenseOffer offer = BankImport::suspenseOffer(db);
                 const BankImport::CreatedSuspense created = BankImport::createSuspenseAccount(db, offer);
                 say(stdout, BankImport::suspenseCreatedText(offer, created));
+                chart.load(db);
                 plan
                     = BankImport::propose(db, *read.statement, bank, year.TilikausiAlku, year.TilikausiLoppu);
             }
             for (const BankImport::Proposal& p : plan.proposals)
-                say(stdout, BankImport::lineText(db, p));
+                say(stdout, BankImport::lineText(chart, p));
             if (!a.store)
                 return int(Ok);
             if (BankImport::newLines(plan).empty()) {

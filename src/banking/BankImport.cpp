@@ -1,5 +1,6 @@
 #include "banking/BankImport.h"
 
+#include "accounts/AccountLookup.h"
 #include "accounts/ChartOfAccounts.h"
 #include "banking/References.h"
 #include "core/DatabaseError.h"
@@ -34,7 +35,7 @@ QStringList words(const QString& message)
 class Memory {
 public:
     // Lines still on the suspense account teach nothing.
-    Memory(const QSqlDatabase& db, const QSet<qint32>& accounts, qint32 suspense)
+    Memory(const QSqlDatabase& db, const AccountLookup& chart, qint32 suspense)
     {
         // The counter-entry as the voucher holds it now (the treasurer may have corrected it),
         // else as it was stored.
@@ -47,7 +48,7 @@ public:
         int order = 0;
         while (q.next()) {
             const qint32 account = q.value(4).toInt();
-            if (!accounts.contains(account) || account == suspense)
+            if (chart.text(account).isEmpty() || account == suspense)
                 continue;
             ++order;
             const QString reference = References::usable(q.value(0).toString());
@@ -97,20 +98,11 @@ private:
     QHash<QString, std::pair<qint32, int>> m_byWord;
 };
 
-QList<qint32> ids(const QSqlDatabase& db, const QString& sql, const QVariantList& values)
+// "1910 Pankkitili"; the bare key of an account no longer in the chart.
+QString caption(const AccountLookup& chart, qint32 tlId)
 {
-    QList<qint32> out;
-    QSqlQuery q = Sql::run(db, sql, values);
-    while (q.next())
-        out.append(q.value(0).toInt());
-    return out;
-}
-
-QString accountCaption(const QSqlDatabase& db, qint32 tlId)
-{
-    QSqlQuery q = Sql::run(db, QStringLiteral("SELECT tlNumero, tlNimi FROM tl WHERE tlID = ?"), { tlId });
-    return q.next() ? ChartOfAccounts::tiliTeksti(q.value(0).toInt(), q.value(1).toString().trimmed())
-                    : QString::number(tlId);
+    const QString text = chart.text(tlId);
+    return text.isEmpty() ? QString::number(tlId) : text;
 }
 
 } // namespace
@@ -170,18 +162,21 @@ Plan propose(const QSqlDatabase& db, const BankStatement& statement, qint32 bank
     Plan plan;
     plan.iban = statement.iban;
     plan.bankAccount = bankAccount;
-    const QString bank = accountCaption(db, bankAccount);
-    if (Sql::scalar(db, QStringLiteral("SELECT 1 FROM tl WHERE tlID = ?"), { bankAccount }).isNull()) {
+    AccountLookup chart;
+    chart.load(db);
+    const QString bank = chart.text(bankAccount);
+    if (bank.isEmpty()) {
         plan.error = QStringLiteral("Pankkitiliä ei ole tilikartassa.");
         return plan;
     }
-    for (const qint32 other : ids(db,
-             QStringLiteral("SELECT DISTINCT blAccount FROM BankLines WHERE blIban = ?"), { statement.iban }))
-        if (other != bankAccount) {
-            plan.error = QStringLiteral("Tilin %1 tiliotteet on tuotu tilille %2, ei tilille %3.")
-                             .arg(statement.iban, accountCaption(db, other), bank);
-            return plan;
-        }
+    QSqlQuery other = Sql::run(db,
+        QStringLiteral("SELECT blAccount FROM BankLines WHERE blIban = ? AND blAccount <> ? LIMIT 1"),
+        { statement.iban, bankAccount });
+    if (other.next()) {
+        plan.error = QStringLiteral("Tilin %1 tiliotteet on tuotu tilille %2, ei tilille %3.")
+                         .arg(statement.iban, caption(chart, other.value(0).toInt()), bank);
+        return plan;
+    }
     QSqlQuery bound = Sql::run(db,
         QStringLiteral("SELECT blIban FROM BankLines WHERE blAccount = ? AND blIban <> ? LIMIT 1"),
         { bankAccount, statement.iban });
@@ -195,10 +190,8 @@ Plan propose(const QSqlDatabase& db, const BankStatement& statement, qint32 bank
         db, QStringLiteral("SELECT blArchiveRef FROM BankLines WHERE blIban = ?"), { statement.iban });
     while (q.next())
         imported.insert(q.value(0).toString());
-    const QList<qint32> all = ids(db, QStringLiteral("SELECT tlID FROM tl"), {});
-    const QSet<qint32> accounts(all.begin(), all.end());
     plan.suspenseAccount = ChartOfAccounts::suspenseAccount(db);
-    const Memory memory(db, accounts, plan.suspenseAccount);
+    const Memory memory(db, chart, plan.suspenseAccount);
 
     plan.proposals.reserve(statement.lines.size());
     for (const BankLine& line : statement.lines) {
@@ -314,13 +307,6 @@ Stored store(const QSqlDatabase& db, const Plan& plan, const std::vector<size_t>
     return stored;
 }
 
-qint32 accountId(const QSqlDatabase& db, qint32 numero)
-{
-    return Sql::scalar(
-        db, QStringLiteral("SELECT tlID FROM tl WHERE tlNumero = ? ORDER BY tlID LIMIT 1"), { numero })
-        .toInt();
-}
-
 bool needsSuspense(const Plan& plan)
 {
     return std::any_of(plan.proposals.begin(), plan.proposals.end(),
@@ -355,7 +341,7 @@ QString sourceText(Source source)
     return QStringLiteral("valittu");
 }
 
-QString lineText(const QSqlDatabase& db, const Proposal& p)
+QString lineText(const AccountLookup& chart, const Proposal& p)
 {
     const BankLine& l = p.line;
     QString what = l.message;
@@ -368,7 +354,7 @@ QString lineText(const QSqlDatabase& db, const Proposal& p)
     else if (!p.counterAccount)
         target = QStringLiteral("→ selvittelytili (luodaan tallennettaessa)");
     else
-        target = QStringLiteral("→ %1 (%2)").arg(accountCaption(db, p.counterAccount), sourceText(p.source));
+        target = QStringLiteral("→ %1 (%2)").arg(caption(chart, p.counterAccount), sourceText(p.source));
     return QStringLiteral("%1  %2  %3  %4  %5")
         .arg(Dates::format(l.bookingDate), -10)
         .arg(l.amount.toString(), 12)

@@ -8,6 +8,8 @@
 #include <QStringList>
 #include <vector>
 
+class AccountLookup;
+
 // From a bank statement to vouchers: a proposal for each line, learnt from the lines stored
 // before, and the storing of the accepted ones in one transaction.
 namespace BankImport {
@@ -78,8 +80,6 @@ struct Stored {
 // refuses the whole set with `error`. Throws DatabaseError; nothing is stored then either.
 Stored store(const QSqlDatabase& db, const Plan& plan, const std::vector<size_t>& chosen);
 
-// The tlID of account number `numero`, 0 when the chart has none.
-qint32 accountId(const QSqlDatabase& db, qint32 numero);
 // Some line that can be stored has no learnt account and waits for the suspense account.
 bool needsSuspense(const Plan& plan);
 // The indexes of the lines that can be stored.
@@ -88,7 +88,7 @@ std::vector<size_t> newLines(const Plan& plan);
 // The texts the window and the command line share.
 // "2.3.2026  120,50  Matti Meikäläinen  viite 12344  → 3000 Kurssimaksut (viitenumero)", or
 // the reason the line is left out in place of the account.
-QString lineText(const QSqlDatabase& db, const Proposal& p);
+QString lineText(const AccountLookup& chart, const Proposal& p);
 QString sourceText(Source source);
 QString suspenseCreatedText(const SuspenseOffer& offer, const CreatedSuspense& created);
 QString storedText(const Stored& stored);
